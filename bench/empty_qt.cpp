@@ -1,0 +1,13 @@
+// The least that a Qt Widgets application can be: one empty window of one colour.
+
+#include <QApplication>
+#include <QWidget>
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    QWidget window;
+    window.setStyleSheet(QStringLiteral("background: #facc15"));
+    window.setGeometry(100, 100, 400, 300);
+    window.show();
+    return QApplication::exec();
+}

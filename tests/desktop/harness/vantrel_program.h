@@ -1,0 +1,35 @@
+#pragma once
+
+#include "desktop/harness/private_server.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace vantrel::desktop {
+
+// The stored preferences of a fresh installation, as the program writes them. Change what a test
+// needs: preferences["highlight"]["style"] = "ring".
+[[nodiscard]] nlohmann::json defaultPreferences();
+
+// The same with the mode that is shown at the start: "off", "highlight" or "laser".
+[[nodiscard]] nlohmann::json preferencesShowing(const std::string& mode);
+
+// A folder for XDG_CONFIG_HOME that holds these preferences.
+void writePreferences(const std::filesystem::path& configHome, const nlohmann::json& preferences);
+
+struct VantrelOptions {
+    nlohmann::json preferences = preferencesShowing("highlight");
+    std::vector<std::string> arguments{};
+    std::string display{};     // when it is not the server's own
+    Environment environment{}; // on top of the server's
+};
+
+// The program on a server, with settings and home of its own. Returns at once; what it writes to
+// standard error goes to vantrel.err in the server's folder.
+[[nodiscard]] ChildProcess startVantrel(const PrivateServer& server,
+                                        const std::filesystem::path& program,
+                                        const VantrelOptions& options = {});
+
+} // namespace vantrel::desktop
