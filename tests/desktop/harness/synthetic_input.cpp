@@ -1,7 +1,6 @@
 #include "desktop/harness/synthetic_input.h"
 
 #include <algorithm>
-#include <ranges>
 #include <stdexcept>
 
 #include <xcb/xtest.h>
@@ -56,9 +55,7 @@ void SyntheticInput::typeChord(const std::vector<std::uint32_t>& keysyms) {
     for (const std::uint32_t keysym : keysyms) {
         pressKey(keysym);
     }
-    for (const std::uint32_t keysym : std::views::reverse(keysyms)) {
-        releaseKey(keysym);
-    }
+    std::for_each(keysyms.rbegin(), keysyms.rend(), [this](auto keysym) { releaseKey(keysym); });
 }
 
 void SyntheticInput::fake(std::uint8_t type, std::uint8_t detail, PixelPoint place, Wait wait) {

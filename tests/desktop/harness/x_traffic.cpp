@@ -129,14 +129,20 @@ struct Flow {
     }
 };
 
+// One program's connection, both ways.
 struct Relay {
     Flow requests;
     Flow answers;
 
+    Relay(int client, int server, XStream::Handler onRequest, XStream::Handler onAnswer)
+        : requests{client, server, XStream(XStream::Direction::toServer, std::move(onRequest))},
+          answers{server, client, XStream(XStream::Direction::toClient, std::move(onAnswer))} {}
     ~Relay() {
         close(requests.from);
         close(answers.from);
     }
+    Relay(const Relay&) = delete;
+    Relay& operator=(const Relay&) = delete;
 };
 
 } // namespace
@@ -230,14 +236,9 @@ void XTraffic::run() {
         std::erase(relays, nullptr);
         if (polled[1].revents != 0) {
             const int client = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
-            const int server = connectTo(server_);
             relays.push_back(std::make_unique<Relay>(
-                Flow{client, server,
-                     XStream(XStream::Direction::toServer,
-                             [this](Message request) { countRequest(request); })},
-                Flow{server, client, XStream(XStream::Direction::toClient, [this](Message answer) {
-                         countAnswer(answer);
-                     })}));
+                client, connectTo(server_), [this](Message request) { countRequest(request); },
+                [this](Message answer) { countAnswer(answer); }));
         }
     }
 }
