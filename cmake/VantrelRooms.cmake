@@ -1,0 +1,51 @@
+# A room is one library and one folder of headers. Its headers are reached as "room/header.h" through
+# a folder of links that holds no other room's headers, so an include that a room may not use is not
+# found by the compiler.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+endif()
+
+add_library(vantrel_options INTERFACE)
+target_compile_options(vantrel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion
+    -Wimplicit-fallthrough -fno-strict-aliasing
+    # Fields that an initializer leaves out are initialised where they are declared.
+    -Wno-missing-field-initializers)
+target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC 12 finds null dereferences in its own headers once it inlines them.
+    target_compile_options(vantrel_options INTERFACE -Wno-null-dereference)
+endif()
+if(VANTREL_SANITIZERS)
+    target_compile_options(vantrel_options INTERFACE
+        -fsanitize=${VANTREL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(vantrel_options INTERFACE -fsanitize=${VANTREL_SANITIZERS})
+endif()
+
+# vantrel_room(<folder> SOURCES ... LINKS ...)
+function(vantrel_room folder)
+    cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS" ${ARGN})
+    string(REPLACE "/" "_" target "vantrel_${folder}")
+    add_library(${target} STATIC ${ROOM_SOURCES})
+
+    set(links "${CMAKE_BINARY_DIR}/rooms/${folder}")
+    file(REMOVE_RECURSE "${links}")
+    file(MAKE_DIRECTORY "${links}/${folder}")
+    file(GLOB headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    foreach(header IN LISTS headers)
+        get_filename_component(name "${header}" NAME)
+        file(CREATE_LINK "${header}" "${links}/${folder}/${name}" SYMBOLIC)
+    endforeach()
+
+    target_include_directories(${target} PUBLIC "${links}")
+    target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE vantrel_options)
+endfunction()

@@ -1,0 +1,102 @@
+#include "overlay/effect_drawing.h"
+
+#include <QPainter>
+#include <QRadialGradient>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+
+namespace vantrel {
+
+namespace {
+
+struct Stop {
+    double location;
+    QColor color;
+};
+
+QColor rgb(double red, double green, double blue, double alpha) {
+    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
+                            static_cast<float>(blue), static_cast<float>(alpha));
+}
+
+void drawRadial(QPainter& painter, const QRectF& rect, std::span<const Stop> stops) {
+    QRadialGradient gradient(rect.center(), rect.width() / 2);
+    for (const auto& stop : stops) {
+        gradient.setColorAt(stop.location, stop.color);
+    }
+    painter.save();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(gradient);
+    painter.drawEllipse(rect);
+    painter.restore();
+}
+
+} // namespace
+
+QColor toQColor(const EffectColor& color) {
+    const auto component = [](double value) { return std::clamp(value, 0.0, 1.0); };
+    return rgb(component(color.red), component(color.green), component(color.blue), 1);
+}
+
+QColor withAlpha(QColor color, double alpha) {
+    color.setAlphaF(static_cast<float>(std::clamp(alpha, 0.0, 1.0)));
+    return color;
+}
+
+std::optional<QImage> EffectDrawing::makeImage(double size, double scale, const Draw& draw) {
+    const auto usable = [](double value) { return std::isfinite(value) && value > 0; };
+    if (!usable(size) || !usable(scale)) {
+        return std::nullopt;
+    }
+    const double side = std::ceil(size * scale);
+    if (side > maximumImageSide) {
+        return std::nullopt;
+    }
+    const int pixels = static_cast<int>(side);
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) {
+        return std::nullopt;
+    }
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / size, pixels / size);
+    draw(painter, QRectF(0, 0, size, size));
+    painter.end();
+    return image;
+}
+
+void EffectDrawing::drawGlow(QPainter& painter, const QColor& color, const QRectF& rect) {
+    const QColor base = color.toRgb();
+    if (!base.isValid()) {
+        return;
+    }
+    const double alpha = base.alphaF();
+    const std::array stops{
+        Stop{0, base},
+        Stop{0.45, withAlpha(base, 0.35 * alpha)},
+        Stop{1, withAlpha(base, 0)},
+    };
+    drawRadial(painter, rect, stops);
+}
+
+void EffectDrawing::drawLaserDot(QPainter& painter, const QColor& color, const QRectF& rect) {
+    const QColor base = color.toRgb();
+    if (!base.isValid()) {
+        return;
+    }
+    const auto pale = [](double component) { return 0.9 + 0.1 * component; };
+    const std::array stops{
+        Stop{0, rgb(pale(base.redF()), pale(base.greenF()), pale(base.blueF()), 1)},
+        Stop{0.25, base},
+        Stop{0.65, base},
+        Stop{0.9, withAlpha(base, 0.45)},
+        Stop{1, withAlpha(base, 0)},
+    };
+    drawRadial(painter, rect, stops);
+}
+
+} // namespace vantrel

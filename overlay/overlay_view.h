@@ -1,0 +1,66 @@
+#pragma once
+
+#include "overlay/click_animation.h"
+#include "platform/layers/layer.h"
+#include "platform/overlay_window.h"
+#include "preferences/preferences.h"
+
+#include <QUuid>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace vantrel {
+
+// What one overlay window shows: the highlight or the laser, built once for each change of settings
+// and then only moved, and above it the clicks that are playing.
+class OverlayView {
+public:
+    // The frame is in the window's coordinates.
+    explicit OverlayView(const Rect& frame);
+    ~OverlayView();
+    OverlayView(const OverlayView&) = delete;
+    OverlayView& operator=(const OverlayView&) = delete;
+
+    [[nodiscard]] Layer& rootLayer() { return rootLayer_; }
+    // Sits at the pointer; its position and hidden flag are the owner's to write.
+    [[nodiscard]] Layer& cursorLayer() { return cursorLayer_; }
+
+    // The window that shows this view; null while there is none. Must outlive its being set.
+    void setWindow(const OverlayWindow* window) { window_ = window; }
+
+    // Builds the effect of a mode anew.
+    void configure(CursorMode mode, const AppPreferences& preferences);
+    // Starts the live clicks that touch this display and are not shown yet, at the phase that they
+    // are in, and takes away those that are over or no longer listed. Times are uptime, mediaTime
+    // is the same moment for animations.
+    void updateClicks(std::span<const ClickAnimation> clicks, double now, double mediaTime);
+
+    [[nodiscard]] std::size_t clickLayerCount() const { return clickLayers_.size(); }
+
+    // What the layers were last configured with, kept by the owner.
+    std::optional<AppPreferences> renderedPreferences;
+    CursorMode renderedMode = CursorMode::off;
+
+private:
+    void prepare(double side, double scale);
+    void configureLaser(const LaserSettings& laser, double side, double scale);
+    void configureHighlight(const HighlightSettings& highlight, double scale);
+    void showRing(const QColor& color, double diameter);
+    void showGlow(const QColor& color, double side, double scale);
+    [[nodiscard]] bool shows(const ClickAnimation& click, double now) const;
+    void addClick(const ClickAnimation& click, double now, double mediaTime);
+
+    const OverlayWindow* window_ = nullptr;
+    Layer rootLayer_;
+    Layer cursorLayer_;
+    Layer glowLayer_;
+    Layer middleGlowLayer_;
+    ShapeLayer innerRingLayer_;
+    ShapeLayer shapeLayer_;
+    std::map<QUuid, std::unique_ptr<ShapeLayer>> clickLayers_;
+};
+
+} // namespace vantrel

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace vantrel {
+
+class AlertSound {
+public:
+    virtual ~AlertSound() = default;
+
+    virtual void beep() = 0;
+};
+
+} // namespace vantrel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+// The identity that a registration carries and a press reports.
+struct HotKeyId {
+    std::uint32_t signature = 0;
+    std::uint32_t id = 0;
+
+    bool operator==(const HotKeyId&) const = default;
+};
+
+// Key combinations that are seen in every application and consumed. Keys are virtual key codes,
+// modifiers the bits command 0x100, shift 0x200, option 0x800 and control 0x1000.
+class HotKeys {
+public:
+    using Ref = std::uint64_t;
+
+    virtual ~HotKeys() = default;
+
+    // One handler for all; an empty one removes it. Called once for each press, not for repeats.
+    virtual void setHandler(std::function<void(HotKeyId)> handler) = 0;
+    // No reference when the combination cannot be had: another program holds it, or no key of this
+    // keyboard has the code.
+    [[nodiscard]] virtual std::optional<Ref> register_(std::uint32_t keyCode,
+                                                       std::uint32_t modifiers, HotKeyId id) = 0;
+    virtual void unregister(Ref ref) = 0;
+};
+
+} // namespace vantrel

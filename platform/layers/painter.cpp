@@ -1,0 +1,125 @@
+#include "platform/layers/painter.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel {
+
+namespace {
+
+QRectF toQt(const Rect& rect) {
+    return QRectF(rect.x, rect.y, rect.width, rect.height).normalized();
+}
+
+bool isFinite(const Rect& rect) {
+    return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) &&
+           std::isfinite(rect.height);
+}
+
+void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& state) {
+    if (!isFinite(state.ellipse)) {
+        return;
+    }
+    painter.setBrush(shape.fillColor().isValid() ? QBrush(shape.fillColor()) : QBrush(Qt::NoBrush));
+    painter.setPen(shape.strokeColor().isValid() ? QPen(shape.strokeColor(), shape.lineWidth())
+                                                 : QPen(Qt::NoPen));
+    painter.drawEllipse(toQt(state.ellipse));
+}
+
+// Images have their first row on top, layers their first row at the bottom.
+void paintContents(QPainter& painter, const Layer& layer) {
+    const auto& bounds = layer.bounds();
+    painter.save();
+    painter.translate(0, bounds.height);
+    painter.scale(1, -1);
+    painter.drawImage(QRectF(0, 0, bounds.width, bounds.height), layer.contents());
+    painter.restore();
+}
+
+Rect united(const Rect& a, const Rect& b) {
+    if (a.width <= 0 || a.height <= 0) {
+        return b;
+    }
+    if (b.width <= 0 || b.height <= 0) {
+        return a;
+    }
+    const double x = std::min(a.x, b.x);
+    const double y = std::min(a.y, b.y);
+    return {x, y, std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y};
+}
+
+Rect paintedShape(const ShapeLayer& shape, double mediaTime) {
+    const auto state = shape.stateAt(mediaTime);
+    const bool stroked = shape.strokeColor().isValid();
+    if (!state || !isFinite(state->ellipse) || (!stroked && !shape.fillColor().isValid())) {
+        return {};
+    }
+    const auto ellipse = toQt(state->ellipse);
+    const double margin = stroked ? shape.lineWidth() / 2 : 0;
+    return {ellipse.x() - margin, ellipse.y() - margin, ellipse.width() + 2 * margin,
+            ellipse.height() + 2 * margin};
+}
+
+} // namespace
+
+void paintLayer(QPainter& painter, const Layer& layer, double mediaTime) {
+    painter.save();
+    if (layer.masksToBounds()) {
+        painter.setClipRect(toQt({0, 0, layer.bounds().width, layer.bounds().height}),
+                            Qt::IntersectClip);
+    }
+    const auto* shape = dynamic_cast<const ShapeLayer*>(&layer);
+    const auto state = shape != nullptr ? shape->stateAt(mediaTime) : std::nullopt;
+    painter.setOpacity(painter.opacity() * (state ? state->opacity : layer.opacity()));
+    if (!layer.contents().isNull()) {
+        paintContents(painter, layer);
+    }
+    if (state) {
+        paintShape(painter, *shape, *state);
+    }
+    for (const auto* sublayer : layer.sublayers()) {
+        const auto frame = sublayer->frame();
+        if (!sublayer->hidden() && isFinite(frame)) {
+            painter.save();
+            painter.translate(frame.x, frame.y);
+            paintLayer(painter, *sublayer, mediaTime);
+            painter.restore();
+        }
+    }
+    painter.restore();
+}
+
+QImage paintLayer(const Layer& layer, QSize pixels, double scale, double mediaTime) {
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.translate(0, pixels.height());
+    painter.scale(scale, -scale);
+    paintLayer(painter, layer, mediaTime);
+    return image;
+}
+
+Rect paintedBounds(const Layer& layer, double mediaTime) {
+    Rect all;
+    if (!layer.contents().isNull()) {
+        all = {0, 0, layer.bounds().width, layer.bounds().height};
+    }
+    if (const auto* shape = dynamic_cast<const ShapeLayer*>(&layer)) {
+        all = united(all, paintedShape(*shape, mediaTime));
+    }
+    for (const auto* sublayer : layer.sublayers()) {
+        const auto frame = sublayer->frame();
+        if (!sublayer->hidden() && isFinite(frame)) {
+            auto part = paintedBounds(*sublayer, mediaTime);
+            part.x += frame.x;
+            part.y += frame.y;
+            all = united(all, part);
+        }
+    }
+    return all;
+}
+
+} // namespace vantrel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/layers/layer.h"
+
+#include <QImage>
+#include <QSize>
+
+class QPainter;
+
+namespace vantrel {
+
+// Draws a tree as it looks at a media time. This is what a tree means; whatever a desktop puts on
+// the screen has to look like it.
+
+// The layer and those below it, with the origin of the layer's coordinates at the bottom-left
+// corner of a picture of that many pixels.
+[[nodiscard]] QImage paintLayer(const Layer& layer, QSize pixels, double scale, double mediaTime);
+
+// The same into a painter whose coordinates are the layer's, y upward.
+void paintLayer(QPainter& painter, const Layer& layer, double mediaTime);
+
+// The smallest rectangle, in the layer's own coordinates, outside which it and those below it show
+// nothing; empty when they show nothing at all.
+[[nodiscard]] Rect paintedBounds(const Layer& layer, double mediaTime);
+
+} // namespace vantrel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/clock.h"
+
+namespace vantrel {
+
+// The clock of this machine.
+class SystemClock final : public Clock {
+public:
+    [[nodiscard]] double uptime() const override;
+    [[nodiscard]] double mediaTime() const override;
+};
+
+} // namespace vantrel

@@ -1,0 +1,242 @@
+#include "platform/x11/connection.h"
+
+#include "platform/x11/handles.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstdio>
+#include <string_view>
+
+#include <xcb/present.h>
+#include <xcb/randr.h>
+#include <xcb/shape.h>
+#include <xcb/xfixes.h>
+#include <xcb/xinput.h>
+
+namespace vantrel::x11 {
+
+namespace {
+
+const xcb_screen_t* screenAt(xcb_connection_t* connection, int number) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screens.rem > 0 && number > 0; --number) {
+        xcb_screen_next(&screens);
+    }
+    return screens.rem > 0 ? screens.data : nullptr;
+}
+
+bool isAtLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMajor,
+               std::uint32_t wantedMinor) {
+    return major > wantedMajor || (major == wantedMajor && minor >= wantedMinor);
+}
+
+} // namespace
+
+std::unique_ptr<Connection> Connection::open(const std::string& displayName, std::string& error) {
+    int screenNumber = 0;
+    auto* xcb = xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &screenNumber);
+    std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber));
+    error = connection->prepare();
+    return error.empty() ? std::move(connection) : nullptr;
+}
+
+Connection::Connection(xcb_connection_t* connection, int screenNumber)
+    : connection_(connection), screenNumber_(screenNumber) {}
+
+Connection::~Connection() {
+    const auto leftOver = IdLedger::leftOver(connection_);
+    std::fputs(leftOver.c_str(), stderr);
+    assert(leftOver.empty());
+    xcb_disconnect(connection_);
+}
+
+// Returns what is missing.
+std::string Connection::prepare() {
+    if (xcb_connection_has_error(connection_) != 0) {
+        const char* display = std::getenv("DISPLAY");
+        return display == nullptr || *display == '\0'
+                   ? "cannot connect to an X server: DISPLAY is not set"
+                   : "cannot connect to the X server \"" + std::string(display) + "\"";
+    }
+    screen_ = screenAt(connection_, screenNumber_);
+    if (screen_ == nullptr) {
+        return "the X server has no such screen";
+    }
+    rootSize_ = QSize(screen_->width_in_pixels, screen_->height_in_pixels);
+    selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    for (auto* extension :
+         {&xcb_randr_id, &xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_present_id}) {
+        xcb_prefetch_extension_data(connection_, extension);
+    }
+    const auto randr = xcb_randr_query_version(connection_, 1, 5);
+    const auto input = xcb_input_xi_query_version(connection_, 2, 2);
+    const auto fixes = xcb_xfixes_query_version(connection_, 5, 0);
+    const auto shape = xcb_shape_query_version(connection_);
+    internAtoms();
+    findArgbVisual();
+
+    const Owned<xcb_randr_query_version_reply_t> randrVersion(
+        xcb_randr_query_version_reply(connection_, randr, nullptr));
+    const Owned<xcb_input_xi_query_version_reply_t> inputVersion(
+        xcb_input_xi_query_version_reply(connection_, input, nullptr));
+    const Owned<xcb_xfixes_query_version_reply_t> fixesVersion(
+        xcb_xfixes_query_version_reply(connection_, fixes, nullptr));
+    const Owned<xcb_shape_query_version_reply_t> shapeVersion(
+        xcb_shape_query_version_reply(connection_, shape, nullptr));
+    if (!randrVersion ||
+        !isAtLeast(randrVersion->major_version, randrVersion->minor_version, 1, 5)) {
+        return "the X server lacks RANDR 1.5";
+    }
+    if (!inputVersion ||
+        !isAtLeast(inputVersion->major_version, inputVersion->minor_version, 2, 1)) {
+        return "the X server lacks XInput 2.1";
+    }
+    if (!fixesVersion || !shapeVersion ||
+        !isAtLeast(shapeVersion->major_version, shapeVersion->minor_version, 1, 1)) {
+        return "the X server lacks windows that clicks pass through (SHAPE 1.1, XFIXES)";
+    }
+    return {};
+}
+
+void Connection::internAtoms() {
+    const auto number = std::to_string(screenNumber_);
+    const std::array<std::string, static_cast<std::size_t>(Atom::count)> names{
+        "_NET_WM_CM_S" + number,
+        "_NET_WM_WINDOW_TYPE",
+        "_NET_WM_WINDOW_TYPE_DND",
+        "_NET_WM_BYPASS_COMPOSITOR",
+        "_COMPTON_SHADOW",
+        "_NET_WORKAREA",
+        "_NET_CURRENT_DESKTOP",
+        "RESOURCE_MANAGER",
+        "_XSETTINGS_S" + number,
+        "_XSETTINGS_SETTINGS",
+        "MANAGER",
+        "UTF8_STRING",
+        "_NET_WM_NAME",
+    };
+    std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
+    std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {
+        return xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()),
+                               name.c_str());
+    });
+    std::ranges::transform(cookies, atoms_.begin(), [this](xcb_intern_atom_cookie_t cookie) {
+        const Owned<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(connection_, cookie, nullptr));
+        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    });
+}
+
+void Connection::findArgbVisual() {
+    auto depths = xcb_screen_allowed_depths_iterator(screen_);
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        if (depths.data->depth != 32) {
+            continue;
+        }
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; visuals.rem > 0; xcb_visualtype_next(&visuals)) {
+            const auto& visual = *visuals.data;
+            if (visual._class == XCB_VISUAL_CLASS_TRUE_COLOR && visual.red_mask == 0xFF0000 &&
+                visual.green_mask == 0xFF00 && visual.blue_mask == 0xFF) {
+                argbVisual_ = visual.visual_id;
+                return;
+            }
+        }
+    }
+}
+
+std::uint8_t Connection::firstEvent(xcb_extension_t& extension) const {
+    const auto* data = xcb_get_extension_data(connection_, &extension);
+    return data != nullptr && data->present != 0 ? data->first_event : std::uint8_t{0};
+}
+
+std::uint8_t Connection::majorOpcode(xcb_extension_t& extension) const {
+    const auto* data = xcb_get_extension_data(connection_, &extension);
+    return data != nullptr && data->present != 0 ? data->major_opcode : std::uint8_t{0};
+}
+
+Subscription Connection::addHandler(EventHandler& handler) {
+    handlers_.push_back(&handler);
+    return Subscription([this, &handler] {
+        // The place stays until nobody walks along the list.
+        std::ranges::replace(handlers_, &handler, nullptr);
+        if (!dispatching_) {
+            std::erase(handlers_, nullptr);
+        }
+    });
+}
+
+void Connection::selectRootEvents(std::uint32_t mask) {
+    rootEvents_ |= mask;
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+}
+
+template <typename Call>
+void Connection::forEachHandler(Call call) {
+    // By index: a handler may add another one.
+    for (std::size_t i = 0; i < handlers_.size(); ++i) {
+        if (auto* handler = handlers_[i]) {
+            call(*handler);
+        }
+    }
+}
+
+void Connection::deliver(const xcb_generic_event_t& event) {
+    // An error belongs to a request whose window or pixmap vanished meanwhile; whoever must know of
+    // a failure has checked its request.
+    if (event.response_type != 0) {
+        noteRootSize(event);
+        forEachHandler([&event](EventHandler& handler) { handler.handleEvent(event); });
+    }
+}
+
+void Connection::noteRootSize(const xcb_generic_event_t& event) {
+    if (eventNumber(event) == XCB_CONFIGURE_NOTIFY) {
+        const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        if (configure.window == root()) {
+            rootSize_ = QSize(configure.width, configure.height);
+        }
+    }
+}
+
+bool Connection::deliverGulp() {
+    bool any = false;
+    auto event = std::exchange(ahead_, nullptr);
+    if (!event) {
+        event.reset(xcb_poll_for_event(connection_));
+    }
+    while (event) {
+        any = true;
+        deliver(*event);
+        event.reset(xcb_poll_for_queued_event(connection_));
+    }
+    return any;
+}
+
+void Connection::dispatch() {
+    if (dispatching_) {
+        return;
+    }
+    dispatching_ = true;
+    while (deliverGulp()) {
+        forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });
+        if (!hasQueuedEvents()) {
+            break;
+        }
+    }
+    xcb_flush(connection_);
+    dispatching_ = false;
+    std::erase(handlers_, nullptr);
+    if (xcb_connection_has_error(connection_) != 0 && !std::exchange(lostReported_, true)) {
+        lost.notify();
+    }
+}
+
+bool Connection::hasQueuedEvents() {
+    if (!ahead_) {
+        ahead_.reset(xcb_poll_for_queued_event(connection_));
+    }
+    return ahead_ != nullptr;
+}
+
+} // namespace vantrel::x11

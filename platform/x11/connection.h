@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/observers.h"
+#include "platform/subscription.h"
+
+#include <QSize>
+
+#include <array>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+namespace vantrel::x11 {
+
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+// A reply, event or error that the C library allocated.
+template <typename T>
+using Owned = std::unique_ptr<T, FreeDeleter>;
+
+// The number of an event of an extension that sends generic events, or 0.
+inline constexpr std::uint8_t eventNumber(const xcb_generic_event_t& event) {
+    return static_cast<std::uint8_t>(event.response_type & 0x7FU);
+}
+
+// Hears every event. Handlers look for what is theirs.
+class EventHandler {
+public:
+    virtual ~EventHandler() = default;
+
+    virtual void handleEvent(const xcb_generic_event_t& event) = 0;
+    // All events that had arrived were handled: the time to act on them, once for all.
+    virtual void eventsDrained() {}
+};
+
+enum class Atom : std::uint8_t {
+    compositingManager, // _NET_WM_CM_Sn of this screen
+    windowType,
+    windowTypeDnd,
+    bypassCompositor,
+    noShadow,
+    workArea,
+    currentDesktop,
+    resourceManager,
+    xsettings, // _XSETTINGS_Sn of this screen
+    xsettingsSettings,
+    manager,
+    utf8String,
+    netWmName,
+    count,
+};
+
+// The connection to the X server, with what was asked about it at the start.
+class Connection {
+public:
+    // Null with a line that says why: no server, or one that lacks what the overlays need. An empty
+    // name means the display of the environment.
+    static std::unique_ptr<Connection> open(const std::string& displayName, std::string& error);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    [[nodiscard]] xcb_connection_t* xcb() const { return connection_; }
+    [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
+    [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+    // As it is now; screen() only knows how it was at the start.
+    [[nodiscard]] QSize rootSize() const { return rootSize_; }
+    [[nodiscard]] int descriptor() const { return xcb_get_file_descriptor(connection_); }
+    [[nodiscard]] xcb_atom_t atom(Atom name) const {
+        return atoms_[static_cast<std::size_t>(name)];
+    }
+    // A visual with 8 bits of alpha, 0 when the server has none.
+    [[nodiscard]] xcb_visualid_t argbVisual() const { return argbVisual_; }
+    // First event of an extension, 0 when the server lacks it; likewise for the major opcode.
+    [[nodiscard]] std::uint8_t firstEvent(xcb_extension_t& extension) const;
+    [[nodiscard]] std::uint8_t majorOpcode(xcb_extension_t& extension) const;
+
+    [[nodiscard]] Subscription addHandler(EventHandler& handler);
+    // Adds to what the root window reports, whoever else wants something of it.
+    void selectRootEvents(std::uint32_t mask);
+
+    // Handles what has arrived, in gulps, until nothing is left, and sends what that led to.
+    void dispatch();
+    // Whether events wait in memory, where the descriptor does not tell of them.
+    [[nodiscard]] bool hasQueuedEvents();
+
+    // Called once, when the server has gone away.
+    Observers<> lost;
+
+private:
+    explicit Connection(xcb_connection_t* connection, int screenNumber);
+
+    std::string prepare();
+    void internAtoms();
+    void findArgbVisual();
+    bool deliverGulp();
+    void deliver(const xcb_generic_event_t& event);
+    void noteRootSize(const xcb_generic_event_t& event);
+    template <typename Call>
+    void forEachHandler(Call call);
+
+    xcb_connection_t* connection_;
+    int screenNumber_;
+    const xcb_screen_t* screen_ = nullptr;
+    std::array<xcb_atom_t, static_cast<std::size_t>(Atom::count)> atoms_{};
+    xcb_visualid_t argbVisual_ = 0;
+    QSize rootSize_;
+    std::uint32_t rootEvents_ = 0;
+    std::vector<EventHandler*> handlers_; // null where one has left
+    Owned<xcb_generic_event_t> ahead_;    // taken from the queue, not handled yet
+    bool dispatching_ = false;
+    bool lostReported_ = false;
+};
+
+} // namespace vantrel::x11

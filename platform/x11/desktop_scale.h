@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/x11/connection.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vantrel::x11 {
+
+// What the desktop says about its scale. Programs use these in the order of toScale().
+struct ScaleSettings {
+    std::optional<double> fontDpi;      // Xft.dpi of the resource database, 96 being scale 1
+    std::optional<int> windowScale;     // Gdk/WindowScalingFactor of the desktop's settings
+    std::string screenFactors;          // QT_SCREEN_SCALE_FACTORS
+    std::optional<double> globalFactor; // QT_SCALE_FACTOR
+
+    bool operator==(const ScaleSettings&) const = default;
+};
+
+// Pixels for each point on the display with this output name and place in the list of displays,
+// from 0.5 to 8; 1 when nothing says otherwise.
+[[nodiscard]] double toScale(const ScaleSettings& settings, std::string_view output,
+                             std::size_t index);
+
+// Xft.dpi in the text of a resource database.
+[[nodiscard]] std::optional<double> fontDpiOf(std::string_view resources);
+// An integer of the settings block that desktops share, in its binary form; none when it is not
+// there or the block is damaged.
+[[nodiscard]] std::optional<int> integerSetting(std::string_view block, std::string_view name);
+
+// Reads the settings and watches them.
+class DesktopScale final : private EventHandler {
+public:
+    // Called when they may have changed.
+    DesktopScale(Connection& connection, std::function<void()> changed);
+
+    [[nodiscard]] const ScaleSettings& settings() const { return settings_; }
+
+private:
+    void handleEvent(const xcb_generic_event_t& event) override;
+    void findOwner();
+    void read();
+
+    Connection& connection_;
+    std::function<void()> changed_;
+    xcb_window_t owner_ = XCB_NONE; // of the settings block
+    ScaleSettings settings_;
+    Subscription events_;
+};
+
+// The whole of a property of bytes; empty when there is none.
+[[nodiscard]] std::string readBytes(const Connection& connection, xcb_window_t window,
+                                    xcb_atom_t property);
+
+} // namespace vantrel::x11

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/x11/connection.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+
+namespace vantrel::x11 {
+
+// Makes the connection one more descriptor of Qt's event loop.
+class EventLoop final : public QObject {
+public:
+    // An event dispatcher must exist, as it does once the application object does.
+    explicit EventLoop(Connection& connection);
+
+private:
+    Connection& connection_;
+    QSocketNotifier notifier_;
+};
+
+} // namespace vantrel::x11

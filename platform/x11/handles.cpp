@@ -1,0 +1,41 @@
+#include "platform/x11/handles.h"
+
+#ifndef NDEBUG
+
+#include <map>
+
+namespace vantrel::x11 {
+
+namespace {
+
+using Key = std::pair<xcb_connection_t*, std::uint32_t>;
+
+std::map<Key, std::source_location>& ledger() {
+    static std::map<Key, std::source_location> entries;
+    return entries;
+}
+
+} // namespace
+
+void IdLedger::add(xcb_connection_t* connection, std::uint32_t id, const std::source_location& at) {
+    ledger().insert_or_assign({connection, id}, at);
+}
+
+void IdLedger::remove(xcb_connection_t* connection, std::uint32_t id) {
+    ledger().erase({connection, id});
+}
+
+std::string IdLedger::leftOver(xcb_connection_t* connection) {
+    std::string lines;
+    for (const auto& [key, at] : ledger()) {
+        if (key.first == connection) {
+            lines += "X id " + std::to_string(key.second) + " made at " + at.file_name() + ":" +
+                     std::to_string(at.line()) + "\n";
+        }
+    }
+    return lines;
+}
+
+} // namespace vantrel::x11
+
+#endif

@@ -1,0 +1,22 @@
+#include "platform/x11/pointer.h"
+
+namespace vantrel::x11 {
+
+X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens)
+    : connection_(connection), screens_(screens) {}
+
+GlobalPoint X11Pointer::location() {
+    auto* xcb = connection_.xcb();
+    const Owned<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));
+    if (reply && reply->same_screen != 0) {
+        pixel_ = QPoint(reply->root_x, reply->root_y);
+    }
+    return lastLocation();
+}
+
+GlobalPoint X11Pointer::lastLocation() const {
+    return screens_.pixelMap().toGlobal(pixel_);
+}
+
+} // namespace vantrel::x11

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/pointer.h"
+#include "platform/x11/screens.h"
+
+namespace vantrel::x11 {
+
+class X11Pointer final : public Pointer {
+public:
+    X11Pointer(Connection& connection, const X11Screens& screens);
+
+    [[nodiscard]] GlobalPoint location() override;
+    // The answer of the last query, without asking.
+    [[nodiscard]] GlobalPoint lastLocation() const;
+
+private:
+    Connection& connection_;
+    const X11Screens& screens_;
+    QPoint pixel_;
+};
+
+} // namespace vantrel::x11

@@ -1,0 +1,221 @@
+#include "platform/x11/screens.h"
+
+#include <algorithm>
+#include <map>
+#include <span>
+#include <string>
+
+#include <xcb/randr.h>
+
+namespace vantrel::x11 {
+
+namespace {
+
+struct Monitor {
+    std::uint32_t name = 0; // an atom
+    QRect pixels;
+    bool primary = false;
+    std::vector<xcb_randr_output_t> outputs;
+    std::string outputName;
+    double rate = 0;
+};
+
+std::vector<Monitor> readMonitors(const Connection& connection) {
+    const Owned<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
+        connection.xcb(), xcb_randr_get_monitors(connection.xcb(), connection.root(), 1), nullptr));
+    std::vector<Monitor> monitors;
+    if (!reply) {
+        return monitors;
+    }
+    auto infos = xcb_randr_get_monitors_monitors_iterator(reply.get());
+    for (; infos.rem > 0; xcb_randr_monitor_info_next(&infos)) {
+        const auto& info = *infos.data;
+        const std::span outputs(
+            xcb_randr_monitor_info_outputs(infos.data),
+            static_cast<std::size_t>(xcb_randr_monitor_info_outputs_length(infos.data)));
+        monitors.push_back({.name = info.name,
+                            .pixels = QRect(info.x, info.y, info.width, info.height),
+                            .primary = info.primary != 0,
+                            .outputs = {outputs.begin(), outputs.end()},
+                            .outputName = {}});
+    }
+    return monitors;
+}
+
+bool showsAllOf(const Monitor& whole, const Monitor& part) {
+    return whole.pixels.contains(part.pixels);
+}
+
+// A display that shows only what another one shows as well gets no overlay of its own: effects
+// would be drawn twice there. Of two equal ones, the earlier stays.
+void dropMirrors(std::vector<Monitor>& monitors) {
+    std::vector<Monitor> kept;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        const auto& monitor = monitors[i];
+        bool mirrors = monitor.pixels.isEmpty();
+        for (std::size_t j = 0; j < monitors.size() && !mirrors; ++j) {
+            auto& other = monitors[j];
+            mirrors =
+                j != i && showsAllOf(other, monitor) && (j < i || !showsAllOf(monitor, other));
+            other.primary = other.primary || (mirrors && monitor.primary);
+        }
+        if (!mirrors) {
+            kept.push_back(monitor);
+        }
+    }
+    monitors = std::move(kept);
+}
+
+using Rates = std::map<xcb_randr_mode_t, double>;
+
+Rates readRates(xcb_randr_get_screen_resources_current_reply_t& resources) {
+    const std::span modes(
+        xcb_randr_get_screen_resources_current_modes(&resources),
+        static_cast<std::size_t>(xcb_randr_get_screen_resources_current_modes_length(&resources)));
+    Rates rates;
+    for (const auto& mode : modes) {
+        rates[mode.id] = refreshRate(mode.dot_clock, mode.htotal, mode.vtotal, mode.mode_flags);
+    }
+    return rates;
+}
+
+// Fills in the name of the first output, and the rate of the fastest.
+void readOutputs(const Connection& connection, Monitor& monitor, const Rates& rates,
+                 xcb_timestamp_t timestamp) {
+    for (const auto output : monitor.outputs) {
+        const Owned<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
+            connection.xcb(), xcb_randr_get_output_info(connection.xcb(), output, timestamp),
+            nullptr));
+        if (!info) {
+            continue;
+        }
+        if (monitor.outputName.empty()) {
+            monitor.outputName.assign(
+                reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                static_cast<std::size_t>(xcb_randr_get_output_info_name_length(info.get())));
+        }
+        const Owned<xcb_randr_get_crtc_info_reply_t> crtc(xcb_randr_get_crtc_info_reply(
+            connection.xcb(), xcb_randr_get_crtc_info(connection.xcb(), info->crtc, timestamp),
+            nullptr));
+        const auto rate = crtc ? rates.find(crtc->mode) : rates.end();
+        if (rate != rates.end()) {
+            monitor.rate = std::max(monitor.rate, rate->second);
+        }
+    }
+}
+
+// The union of what the work area leaves, in pixels; the whole root window when nobody tells.
+QRect readWorkArea(const Connection& connection) {
+    const auto number = [&connection](Atom property, std::uint32_t offset, std::uint32_t count) {
+        return Owned<xcb_get_property_reply_t>(xcb_get_property_reply(
+            connection.xcb(),
+            xcb_get_property(connection.xcb(), 0, connection.root(), connection.atom(property),
+                             XCB_ATOM_CARDINAL, offset, count),
+            nullptr));
+    };
+    const auto desktop = number(Atom::currentDesktop, 0, 1);
+    const bool known = desktop && xcb_get_property_value_length(desktop.get()) == 4;
+    const auto index =
+        known ? *static_cast<const std::uint32_t*>(xcb_get_property_value(desktop.get())) : 0U;
+    const auto area = number(Atom::workArea, index * 4, 4);
+    if (!area || xcb_get_property_value_length(area.get()) != 16) {
+        return {QPoint(0, 0), connection.rootSize()};
+    }
+    const auto* values = static_cast<const std::int32_t*>(xcb_get_property_value(area.get()));
+    return {values[0], values[1], values[2], values[3]};
+}
+
+} // namespace
+
+double refreshRate(std::uint32_t dotClock, std::uint16_t horizontalTotal,
+                   std::uint16_t verticalTotal, std::uint32_t flags) {
+    double lines = verticalTotal;
+    if ((flags & XCB_RANDR_MODE_FLAG_DOUBLE_SCAN) != 0) {
+        lines *= 2;
+    }
+    if ((flags & XCB_RANDR_MODE_FLAG_INTERLACE) != 0) {
+        lines /= 2;
+    }
+    const double pixels = horizontalTotal * lines;
+    return pixels > 0 ? dotClock / pixels : 0;
+}
+
+X11Screens::X11Screens(Connection& connection)
+    : connection_(connection),
+      scale_(connection, [this] { stale_ = true; }),
+      events_(connection.addHandler(*this)) {
+    connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    xcb_randr_select_input(connection_.xcb(), connection_.root(),
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
+    read();
+}
+
+Subscription X11Screens::onChange(std::function<void()> callback) {
+    return changes_.add(std::move(callback));
+}
+
+QRect X11Screens::pixelsOf(const Screen& screen) const {
+    const auto found = std::ranges::find(screens_, screen.id, &Screen::id);
+    const auto index = static_cast<std::size_t>(found - screens_.begin());
+    return found == screens_.end() ? QRect() : pixelMap_.displays()[index].pixels;
+}
+
+void X11Screens::handleEvent(const xcb_generic_event_t& event) {
+    const auto first = connection_.firstEvent(xcb_randr_id);
+    const auto number = eventNumber(event);
+    if (number == first + XCB_RANDR_SCREEN_CHANGE_NOTIFY || number == first + XCB_RANDR_NOTIFY) {
+        stale_ = true;
+    } else if (number == XCB_PROPERTY_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        stale_ = stale_ || change.atom == connection_.atom(Atom::workArea) ||
+                 change.atom == connection_.atom(Atom::currentDesktop);
+    }
+}
+
+// Plugging in one display sends a dozen of events.
+void X11Screens::eventsDrained() {
+    if (!stale_) {
+        return;
+    }
+    const auto before = screens_;
+    const auto mapBefore = pixelMap_;
+    read();
+    if (screens_ != before || pixelMap_ != mapBefore) {
+        changes_.notify();
+    }
+}
+
+void X11Screens::read() {
+    stale_ = false;
+    const auto resourcesCookie =
+        xcb_randr_get_screen_resources_current(connection_.xcb(), connection_.root());
+    auto monitors = readMonitors(connection_);
+    dropMirrors(monitors);
+    std::ranges::stable_partition(monitors, &Monitor::primary);
+    const Owned<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(connection_.xcb(), resourcesCookie, nullptr));
+    const auto rates = resources ? readRates(*resources) : Rates();
+
+    std::vector<DisplayArea> areas;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        readOutputs(connection_, monitors[i], rates, resources ? resources->config_timestamp : 0);
+        areas.push_back(
+            {monitors[i].pixels, toScale(scale_.settings(), monitors[i].outputName, i)});
+    }
+    pixelMap_ = PixelMap(areas);
+    const QRect workArea = readWorkArea(connection_);
+    screens_.clear();
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        const QRect visible = workArea.intersected(areas[i].pixels);
+        screens_.push_back(
+            {.id = monitors[i].name,
+             .frame = pixelMap_.frame(i),
+             .visibleFrame = pixelMap_.toGlobal(visible.isEmpty() ? areas[i].pixels : visible, i),
+             .backingScale = areas[i].scale,
+             .maximumFramesPerSecond = monitors[i].rate});
+    }
+}
+
+} // namespace vantrel::x11

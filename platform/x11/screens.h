@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/screens.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/desktop_scale.h"
+#include "platform/x11/pixel_map.h"
+
+#include <vector>
+
+namespace vantrel::x11 {
+
+// The displays that RandR calls monitors.
+class X11Screens final : public Screens, private EventHandler {
+public:
+    explicit X11Screens(Connection& connection);
+
+    [[nodiscard]] const std::vector<Screen>& list() const override { return screens_; }
+    Subscription onChange(std::function<void()> callback) override;
+
+    // How the displays of list() lie in the root window, in the same order.
+    [[nodiscard]] const PixelMap& pixelMap() const { return pixelMap_; }
+    // The pixels of a display of list().
+    [[nodiscard]] QRect pixelsOf(const Screen& screen) const;
+
+private:
+    void handleEvent(const xcb_generic_event_t& event) override;
+    void eventsDrained() override;
+    void read();
+
+    Connection& connection_;
+    bool stale_ = false;
+    std::vector<Screen> screens_;
+    PixelMap pixelMap_;
+    Observers<> changes_;
+    DesktopScale scale_;
+    Subscription events_;
+};
+
+// Frames for each second of a mode, 0 when it has no clock.
+[[nodiscard]] double refreshRate(std::uint32_t dotClock, std::uint16_t horizontalTotal,
+                                 std::uint16_t verticalTotal, std::uint32_t flags);
+
+} // namespace vantrel::x11

@@ -1,0 +1,113 @@
+#include "platform/x11/overlay_windows.h"
+
+#include <algorithm>
+
+namespace vantrel::x11 {
+
+SpriteStack::SpriteStack(Connection& connection, const Clock& clock)
+    : connection_(connection), clock_(clock), events_(connection.addHandler(*this)) {
+    connection_.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+}
+
+void SpriteStack::setKind(SpriteKind kind) {
+    clear();
+    resources_.emplace(connection_, kind);
+}
+
+void SpriteStack::prepare(std::size_t count) {
+    auto waiting = static_cast<std::size_t>(std::ranges::count(entries_, false, &Entry::used));
+    while (waiting < count && add()) {
+        ++waiting;
+    }
+}
+
+bool SpriteStack::add() {
+    auto window = SpriteWindow::create(*resources_);
+    if (window) {
+        entries_.push_back({std::move(window)});
+    }
+    return window != nullptr;
+}
+
+SpriteWindow* SpriteStack::acquire() {
+    auto free = std::ranges::find(entries_, false, &Entry::used);
+    if (free == entries_.end()) {
+        if (!add()) {
+            return nullptr;
+        }
+        free = entries_.end() - 1;
+    }
+    std::rotate(free, free + 1, entries_.end());
+    auto& entry = entries_.back();
+    entry.used = true;
+    entry.window->raise();
+    return entry.window.get();
+}
+
+void SpriteStack::release(SpriteWindow& window) {
+    const auto entry =
+        std::ranges::find(entries_, &window, [](const Entry& e) { return e.window.get(); });
+    if (entry != entries_.end()) {
+        window.park();
+        window.commit();
+        entry->used = false;
+    }
+}
+
+void SpriteStack::clear() {
+    entries_.clear();
+}
+
+void SpriteStack::raise() {
+    for (const auto& entry : entries_) {
+        entry.window->raise();
+    }
+}
+
+bool SpriteStack::isOurs(xcb_window_t window) const {
+    return std::ranges::any_of(
+        entries_, [window](const Entry& entry) { return entry.window->id() == window; });
+}
+
+void SpriteStack::cameAbove(xcb_window_t window) {
+    if (!covered_ && !entries_.empty()) {
+        covered_ = policy_.shouldRaise(window, clock_.uptime());
+    }
+}
+
+void SpriteStack::handleEvent(const xcb_generic_event_t& event) {
+    switch (eventNumber(event)) {
+    case XCB_MAP_NOTIFY: {
+        const auto window = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
+        if (!isOurs(window)) {
+            cameAbove(window);
+        }
+        break;
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        // Whatever comes above all of the overlays comes above one of them first.
+        const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        if (configure.above_sibling != XCB_NONE && isOurs(configure.above_sibling) &&
+            !isOurs(configure.window)) {
+            cameAbove(configure.window);
+        }
+        break;
+    }
+    case XCB_UNMAP_NOTIFY:
+        policy_.forget(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window);
+        break;
+    case XCB_DESTROY_NOTIFY:
+        policy_.forget(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+        break;
+    default:
+        break;
+    }
+}
+
+void SpriteStack::eventsDrained() {
+    if (std::exchange(covered_, false)) {
+        raise();
+    }
+}
+
+} // namespace vantrel::x11

@@ -1,0 +1,275 @@
+#include "platform/x11/sprite_window.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include <xcb/shape.h>
+
+namespace vantrel::x11 {
+
+namespace {
+
+// Far from every root window, and still a coordinate that the protocol can carry.
+constexpr QPoint parkingPlace(-20000, -20000);
+
+constexpr std::uint32_t neverBypassCompositor = 2;
+
+xcb_rectangle_t toX(const QRect& rect) {
+    return {static_cast<std::int16_t>(rect.x()), static_cast<std::int16_t>(rect.y()),
+            static_cast<std::uint16_t>(rect.width()), static_cast<std::uint16_t>(rect.height())};
+}
+
+QRect fromX(const xcb_rectangle_t& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+QImage opaque(const QImage& picture) {
+    auto image = picture.convertToFormat(QImage::Format_ARGB32);
+    image.reinterpretAsFormat(QImage::Format_RGB32);
+    return image;
+}
+
+int mostOpaque(const QImage& picture) {
+    int alpha = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        for (int x = 0; x < picture.width(); ++x) {
+            alpha = std::max(alpha, qAlpha(row[x]));
+        }
+    }
+    return alpha;
+}
+
+} // namespace
+
+void cutOut(const QImage& picture, std::vector<xcb_rectangle_t>& cut) {
+    cut.clear();
+    const int threshold = std::max((mostOpaque(picture) + 1) / 2, 1);
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        int start = -1;
+        for (int x = 0; x <= picture.width(); ++x) {
+            const bool inside = x < picture.width() && qAlpha(row[x]) >= threshold;
+            if (inside && start < 0) {
+                start = x;
+            } else if (!inside && start >= 0) {
+                cut.push_back(toX(QRect(start, y, x - start, 1)));
+                start = -1;
+            }
+        }
+    }
+}
+
+ImageWriter::ImageWriter(Connection& connection, std::uint8_t depth)
+    : connection_(connection), depth_(depth), gc_(connection.xcb()) {
+    auto* xcb = connection_.xcb();
+    const PixmapHandle sample(xcb);
+    xcb_create_pixmap(xcb, depth_, sample.id(), connection_.root(), 1, 1);
+    xcb_create_gc(xcb, gc_.id(), sample.id(), 0, nullptr);
+}
+
+void ImageWriter::put(xcb_drawable_t drawable, const QImage& picture, const QRect& area) {
+    constexpr std::uint32_t requestHead = 32;
+    const auto width = static_cast<std::uint32_t>(area.width());
+    const auto longest = xcb_get_maximum_request_length(connection_.xcb()) * 4 - requestHead;
+    const int rowsAtOnce = static_cast<int>(std::max(longest / (width * 4), 1U));
+    for (int top = area.top(); top <= area.bottom(); top += rowsAtOnce) {
+        const int rows = std::min(rowsAtOnce, area.bottom() + 1 - top);
+        rows_.resize(width * static_cast<std::uint32_t>(rows));
+        auto out = rows_.begin();
+        for (int y = top; y < top + rows; ++y) {
+            const auto* row = reinterpret_cast<const std::uint32_t*>(picture.constScanLine(y));
+            out = std::copy_n(row + area.left(), width, out);
+        }
+        xcb_put_image(connection_.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, gc_.id(),
+                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(rows),
+                      static_cast<std::int16_t>(area.left()), static_cast<std::int16_t>(top), 0,
+                      depth_, static_cast<std::uint32_t>(rows_.size() * 4),
+                      reinterpret_cast<const std::uint8_t*>(rows_.data()));
+    }
+}
+
+SpriteResources::SpriteResources(Connection& connection, SpriteKind kind)
+    : connection_(connection),
+      kind_(kind),
+      visual_(kind == SpriteKind::translucent ? connection.argbVisual()
+                                              : connection.screen().root_visual),
+      colormap_(connection.xcb()),
+      writer_(connection,
+              kind == SpriteKind::translucent ? std::uint8_t{32} : connection.screen().root_depth) {
+    xcb_create_colormap(connection.xcb(), XCB_COLORMAP_ALLOC_NONE, colormap_.id(),
+                        connection.root(), visual_);
+}
+
+std::unique_ptr<SpriteWindow> SpriteWindow::create(SpriteResources& resources) {
+    std::unique_ptr<SpriteWindow> window(new SpriteWindow(resources));
+    if (!window->letClicksThrough()) {
+        return nullptr;
+    }
+    window->setProperties();
+    xcb_map_window(resources.connection().xcb(), window->id());
+    return window;
+}
+
+SpriteWindow::SpriteWindow(SpriteResources& resources)
+    : resources_(resources), window_(resources.connection().xcb()) {
+    auto& connection = resources.connection();
+    constexpr std::uint32_t mask =
+        XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_COLORMAP;
+    const std::array<std::uint32_t, 4> values{0, 0, 1, resources.colormap()};
+    xcb_create_window(connection.xcb(), resources.writer().depth(), id(), connection.root(),
+                      static_cast<std::int16_t>(parkingPlace.x()),
+                      static_cast<std::int16_t>(parkingPlace.y()), 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, resources.visual(), mask, values.data());
+}
+
+// An overlay that takes clicks is worse than none, so this is waited for.
+bool SpriteWindow::letClicksThrough() {
+    auto* xcb = resources_.connection().xcb();
+    const auto cookie =
+        xcb_shape_rectangles_checked(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                                     XCB_CLIP_ORDERING_UNSORTED, id(), 0, 0, 0, nullptr);
+    const Owned<xcb_generic_error_t> error(xcb_request_check(xcb, cookie));
+    return !error;
+}
+
+void SpriteWindow::setProperties() {
+    auto& connection = resources_.connection();
+    const auto set = [&](xcb_atom_t property, xcb_atom_t type, std::uint8_t format,
+                         std::uint32_t count, const void* data) {
+        xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, id(), property, type, format,
+                            count, data);
+    };
+    // What follows the pointer while something is dragged gets neither shadow nor animation.
+    const xcb_atom_t type = connection.atom(Atom::windowTypeDnd);
+    const std::uint32_t noShadow = 0;
+    constexpr std::string_view name = "Vantrel";
+    constexpr std::string_view windowClass("vantrel\0Vantrel\0", 16);
+    set(connection.atom(Atom::windowType), XCB_ATOM_ATOM, 32, 1, &type);
+    set(connection.atom(Atom::bypassCompositor), XCB_ATOM_CARDINAL, 32, 1, &neverBypassCompositor);
+    set(connection.atom(Atom::noShadow), XCB_ATOM_CARDINAL, 32, 1, &noShadow);
+    set(connection.atom(Atom::netWmName), connection.atom(Atom::utf8String), 8, name.size(),
+        name.data());
+    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, windowClass.size(), windowClass.data());
+}
+
+void SpriteWindow::setPicture(const QImage& picture) {
+    auto& connection = resources_.connection();
+    size_ = picture.size();
+    picture_ = PixmapHandle(connection.xcb());
+    xcb_create_pixmap(connection.xcb(), resources_.writer().depth(), picture_.id(),
+                      connection.root(), static_cast<std::uint16_t>(size_.width()),
+                      static_cast<std::uint16_t>(size_.height()));
+    if (resources_.kind() == SpriteKind::shaped) {
+        cutOut(picture, cut_);
+        shapeStale_ = true;
+        resources_.writer().put(picture_.id(), opaque(picture), picture.rect());
+    } else {
+        resources_.writer().put(picture_.id(), picture, picture.rect());
+    }
+    // The picture may be larger than the output buffer. What shows it comes in one piece after it.
+    xcb_flush(connection.xcb());
+}
+
+void SpriteWindow::redraw(const QImage& picture, const QRect& area) {
+    if (resources_.kind() == SpriteKind::shaped) {
+        setPicture(picture);
+    } else {
+        resources_.writer().put(id(), picture, area);
+    }
+}
+
+void SpriteWindow::place(QPoint topLeft, const QRect& clip) {
+    place_ = topLeft;
+    clip_ = clip;
+}
+
+void SpriteWindow::park() {
+    place_.reset();
+}
+
+void SpriteWindow::raise() {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(resources_.connection().xcb(), id(), XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+void SpriteWindow::commit() {
+    const bool hasPicture = static_cast<bool>(picture_);
+    if (hasPicture) {
+        const std::uint32_t pixmap = picture_.id();
+        xcb_change_window_attributes(resources_.connection().xcb(), id(), XCB_CW_BACK_PIXMAP,
+                                     &pixmap);
+        picture_.reset(); // the window keeps it
+    }
+    applyShape();
+    applyPlace();
+    if (hasPicture) {
+        xcb_clear_area(resources_.connection().xcb(), 0, id(), 0, 0, 0, 0);
+    }
+}
+
+void SpriteWindow::applyPlace() {
+    std::array<std::uint32_t, 4> values{};
+    std::size_t count = 0;
+    std::uint16_t mask = 0;
+    if (place_ != sentPlace_) {
+        const QPoint place = place_.value_or(parkingPlace);
+        values[count++] = static_cast<std::uint32_t>(place.x());
+        values[count++] = static_cast<std::uint32_t>(place.y());
+        mask |= XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
+        sentPlace_ = place_;
+    }
+    if (size_ != sentSize_) {
+        values[count++] = static_cast<std::uint32_t>(size_.width());
+        values[count++] = static_cast<std::uint32_t>(size_.height());
+        mask |= XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+        sentSize_ = size_;
+    }
+    if (mask != 0) {
+        xcb_configure_window(resources_.connection().xcb(), id(), mask, values.data());
+    }
+}
+
+// Relative to the window, and only where something else than nothing lies beyond the display.
+std::optional<QRect> SpriteWindow::neededClip() const {
+    if (!place_) {
+        return std::nullopt;
+    }
+    const QRect root(QPoint(0, 0), resources_.connection().rootSize());
+    const QRect window(*place_, size_);
+    if (clip_.contains(window.intersected(root))) {
+        return std::nullopt;
+    }
+    return window.intersected(clip_).translated(-*place_);
+}
+
+void SpriteWindow::applyShape() {
+    const auto clip = neededClip();
+    if (clip == sentClip_ && !shapeStale_) {
+        return;
+    }
+    sentClip_ = clip;
+    shapeStale_ = false;
+    auto* xcb = resources_.connection().xcb();
+    if (resources_.kind() == SpriteKind::shaped) {
+        std::vector<xcb_rectangle_t> shown;
+        for (const auto& rect : cut_) {
+            const auto part = clip ? fromX(rect).intersected(*clip) : fromX(rect);
+            if (!part.isEmpty()) {
+                shown.push_back(toX(part));
+            }
+        }
+        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                             XCB_CLIP_ORDERING_YX_BANDED, id(), 0, 0,
+                             static_cast<std::uint32_t>(shown.size()), shown.data());
+    } else if (clip) {
+        const auto rect = toX(*clip);
+        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                             XCB_CLIP_ORDERING_UNSORTED, id(), 0, 0, 1, &rect);
+    } else {
+        xcb_shape_mask(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_NONE);
+    }
+}
+
+} // namespace vantrel::x11

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "platform/x11/connection.h"
+#include "platform/x11/handles.h"
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace vantrel::x11 {
+
+// Puts parts of pictures into drawables. Keeps its buffer, so that it takes no memory in a frame.
+class ImageWriter {
+public:
+    ImageWriter(Connection& connection, std::uint8_t depth);
+
+    // The area of the picture, at the same place in the drawable.
+    void put(xcb_drawable_t drawable, const QImage& picture, const QRect& area);
+    [[nodiscard]] std::uint8_t depth() const { return depth_; }
+
+private:
+    Connection& connection_;
+    std::uint8_t depth_;
+    GcHandle gc_;
+    std::vector<std::uint32_t> rows_;
+};
+
+// How pictures are shown: blended by a compositing manager, or opaque in windows of their shape.
+enum class SpriteKind : std::uint8_t { translucent, shaped };
+
+// What all sprite windows of a kind share.
+class SpriteResources {
+public:
+    SpriteResources(Connection& connection, SpriteKind kind);
+
+    [[nodiscard]] SpriteKind kind() const { return kind_; }
+    [[nodiscard]] xcb_visualid_t visual() const { return visual_; }
+    [[nodiscard]] xcb_colormap_t colormap() const { return colormap_.id(); }
+    [[nodiscard]] Connection& connection() const { return connection_; }
+    [[nodiscard]] ImageWriter& writer() { return writer_; }
+
+private:
+    Connection& connection_;
+    SpriteKind kind_;
+    xcb_visualid_t visual_;
+    ColormapHandle colormap_;
+    ImageWriter writer_;
+};
+
+// A small window that shows one picture, lets every click through and is never managed by a window
+// manager. Mapped from the start, it is parked outside of the root window while it shows nothing:
+// compositing managers fade and animate windows that are mapped. Changes are sent by commit().
+class SpriteWindow {
+public:
+    // Null when the server does not let clicks through.
+    static std::unique_ptr<SpriteWindow> create(SpriteResources& resources);
+
+    [[nodiscard]] xcb_window_t id() const { return window_.id(); }
+
+    // The whole picture, 32 bits and premultiplied; the window takes its size.
+    void setPicture(const QImage& picture);
+    // The picture differs inside the area only, and goes to the screen at once.
+    void redraw(const QImage& picture, const QRect& area);
+    // In pixels of the root window; what lies outside of the clip is not shown.
+    void place(QPoint topLeft, const QRect& clip);
+    void park();
+    void raise();
+    void commit();
+
+private:
+    SpriteWindow(SpriteResources& resources);
+
+    bool letClicksThrough();
+    void setProperties();
+    void applyPlace();
+    void applyShape();
+    [[nodiscard]] std::optional<QRect> neededClip() const;
+
+    SpriteResources& resources_;
+    WindowHandle window_;
+    PixmapHandle picture_;             // to be shown by the next commit
+    std::vector<xcb_rectangle_t> cut_; // of a shaped window's picture
+    QSize size_{1, 1};
+    QSize sentSize_{1, 1};
+    std::optional<QPoint> place_; // none while parked
+    std::optional<QPoint> sentPlace_;
+    QRect clip_;
+    std::optional<QRect> sentClip_;
+    bool shapeStale_ = false;
+};
+
+// The parts of a picture that are worth showing when nothing can be translucent: at least half as
+// opaque as its most opaque pixel. Row by row, from the top.
+void cutOut(const QImage& picture, std::vector<xcb_rectangle_t>& cut);
+
+} // namespace vantrel::x11
