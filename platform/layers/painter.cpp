@@ -1,6 +1,7 @@
 #include "platform/layers/painter.h"
 
 #include <QPainter>
+#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -18,14 +19,31 @@ bool isFinite(const Rect& rect) {
            std::isfinite(rect.height);
 }
 
+// The line along an ellipse as the area between two: the toolkit's own strokes of curves are
+// polygons whose corners show on scaled displays.
+QPainterPath outline(const QRectF& ellipse, double lineWidth) {
+    const double half = lineWidth / 2;
+    QPainterPath path;
+    path.addEllipse(ellipse.adjusted(-half, -half, half, half));
+    if (ellipse.width() > lineWidth && ellipse.height() > lineWidth) {
+        path.addEllipse(ellipse.adjusted(half, half, -half, -half));
+    }
+    return path;
+}
+
 void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& state) {
     if (!isFinite(state.ellipse)) {
         return;
     }
-    painter.setBrush(shape.fillColor().isValid() ? QBrush(shape.fillColor()) : QBrush(Qt::NoBrush));
-    painter.setPen(shape.strokeColor().isValid() ? QPen(shape.strokeColor(), shape.lineWidth())
-                                                 : QPen(Qt::NoPen));
-    painter.drawEllipse(toQt(state.ellipse));
+    const QRectF ellipse = toQt(state.ellipse);
+    painter.setPen(Qt::NoPen);
+    if (shape.fillColor().isValid()) {
+        painter.setBrush(shape.fillColor());
+        painter.drawEllipse(ellipse);
+    }
+    if (shape.strokeColor().isValid()) {
+        painter.fillPath(outline(ellipse, shape.lineWidth()), shape.strokeColor());
+    }
 }
 
 // Images have their first row on top, layers their first row at the bottom.

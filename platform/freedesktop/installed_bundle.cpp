@@ -1,0 +1,28 @@
+#include "platform/freedesktop/installed_bundle.h"
+
+namespace vantrel {
+
+std::filesystem::path runningExecutable() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+InstalledBundle::InstalledBundle(std::filesystem::path executable)
+    : folder_((executable.parent_path() / VANTREL_RESOURCES_FROM_EXECUTABLE).lexically_normal()) {}
+
+std::optional<std::filesystem::path> InstalledBundle::resource(std::string_view name,
+                                                               std::string_view extension) const {
+    const auto path = folder_ / (std::string(name) + "." + std::string(extension));
+    std::error_code missing;
+    return std::filesystem::is_regular_file(path, missing) ? std::optional(path) : std::nullopt;
+}
+
+std::optional<std::string> InstalledBundle::shortVersion() const {
+    return VANTREL_VERSION;
+}
+
+std::optional<std::string> InstalledBundle::buildNumber() const {
+    return VANTREL_BUILD_NUMBER;
+}
+
+} // namespace vantrel

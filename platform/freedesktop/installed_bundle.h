@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/bundle.h"
+
+namespace vantrel {
+
+// The file that this process runs.
+std::filesystem::path runningExecutable();
+
+// The resources that lie beside the executable, where installing puts them and where the build lays
+// them out in the same shape; no path is fixed when the program is built.
+class InstalledBundle final : public Bundle {
+public:
+    explicit InstalledBundle(std::filesystem::path executable = runningExecutable());
+
+    [[nodiscard]] std::optional<std::filesystem::path>
+    resource(std::string_view name, std::string_view extension) const override;
+    [[nodiscard]] std::optional<std::string> shortVersion() const override;
+    [[nodiscard]] std::optional<std::string> buildNumber() const override;
+
+private:
+    std::filesystem::path folder_;
+};
+
+} // namespace vantrel

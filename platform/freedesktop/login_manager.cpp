@@ -1,0 +1,163 @@
+#include "platform/freedesktop/login_manager.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <utility>
+
+namespace vantrel {
+namespace {
+
+constexpr QLatin1String connectionName("vantrel-login-manager");
+constexpr QLatin1String managerService("org.freedesktop.login1");
+constexpr QLatin1String managerPath("/org/freedesktop/login1");
+constexpr QLatin1String managerInterface("org.freedesktop.login1.Manager");
+constexpr QLatin1String busService("org.freedesktop.DBus");
+constexpr QLatin1String busPath("/org/freedesktop/DBus");
+constexpr QLatin1String localPath("/org/freedesktop/DBus/Local");
+constexpr QLatin1String localInterface("org.freedesktop.DBus.Local");
+
+QDBusConnection bus() {
+    return QDBusConnection(connectionName);
+}
+
+template <typename Reply, typename Answer>
+void call(QObject* context, const QDBusMessage& message, Answer answer) {
+    auto* watcher = new QDBusPendingCallWatcher(bus().asyncCall(message), context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
+                     [watcher, answer = std::move(answer)] {
+                         watcher->deleteLater();
+                         answer(QDBusPendingReply<Reply>(*watcher));
+                     });
+}
+
+} // namespace
+
+LoginManager::LoginManager(std::chrono::milliseconds retryInterval)
+    : retryInterval_(retryInterval) {
+    connect_.setSingleShot(true);
+    connect_.setTimerType(Qt::VeryCoarseTimer);
+    connect(&connect_, &QTimer::timeout, this, [this] { connectToBus(); });
+    connect_.start(0);
+}
+
+LoginManager::~LoginManager() {
+    QDBusConnection::disconnectFromBus(connectionName);
+}
+
+Subscription LoginManager::onWillSleep(std::function<void()> callback) {
+    return willSleep_.add(std::move(callback));
+}
+
+Subscription LoginManager::onDidWake(std::function<void()> callback) {
+    return didWake_.add(std::move(callback));
+}
+
+Subscription LoginManager::onWillShutDown(std::function<void()> callback) {
+    return willShutDown_.add(std::move(callback));
+}
+
+void LoginManager::prepareForSleep(bool going) {
+    if (std::exchange(sleep_.isGoing, going) == going) {
+        return;
+    }
+    if (going) {
+        willSleep_.notify();
+        sleep_.descriptor = {};
+    } else {
+        take(sleep_);
+        didWake_.notify();
+    }
+}
+
+void LoginManager::prepareForShutdown(bool going) {
+    if (std::exchange(shutdown_.isGoing, going) == going) {
+        return;
+    }
+    if (going) {
+        willShutDown_.notify();
+        shutdown_.descriptor = {};
+    } else {
+        take(shutdown_);
+    }
+}
+
+void LoginManager::ownerChanged(const QString&, const QString&, const QString& owner) {
+    setOwner(owner);
+}
+
+void LoginManager::loseBus() {
+    QDBusConnection::disconnectFromBus(connectionName);
+    setOwner({});
+    connect_.start(retryInterval_);
+}
+
+void LoginManager::connectToBus() {
+    auto connection = QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName);
+    if (!connection.isConnected()) {
+        loseBus();
+        return;
+    }
+    connection.connect({}, localPath, localInterface, QStringLiteral("Disconnected"), this,
+                       SLOT(loseBus()));
+    connection.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"),
+                       {managerService}, QStringLiteral("sss"), this,
+                       SLOT(ownerChanged(QString, QString, QString)));
+    askForOwner();
+}
+
+void LoginManager::askForOwner() {
+    auto message = QDBusMessage::createMethodCall(busService, busPath, busService,
+                                                  QStringLiteral("GetNameOwner"));
+    message << QString(managerService);
+    call<QString>(this, message, [this](const QDBusPendingReply<QString>& reply) {
+        if (reply.isValid()) {
+            setOwner(reply.value());
+        }
+    });
+}
+
+// Signals are connected from the unique name: a well-known one would be looked up, and waited for.
+void LoginManager::setOwner(const QString& owner) {
+    if (owner == owner_) {
+        return;
+    }
+    const auto sleep = QStringLiteral("PrepareForSleep");
+    const auto shutdown = QStringLiteral("PrepareForShutdown");
+    if (!owner_.isEmpty()) {
+        bus().disconnect(owner_, managerPath, managerInterface, sleep, this,
+                         SLOT(prepareForSleep(bool)));
+        bus().disconnect(owner_, managerPath, managerInterface, shutdown, this,
+                         SLOT(prepareForShutdown(bool)));
+    }
+    owner_ = owner;
+    if (!owner_.isEmpty()) {
+        bus().connect(owner_, managerPath, managerInterface, sleep, this,
+                      SLOT(prepareForSleep(bool)));
+        bus().connect(owner_, managerPath, managerInterface, shutdown, this,
+                      SLOT(prepareForShutdown(bool)));
+    }
+    shutdown_.isGoing = false;
+    take(shutdown_);
+    sleep_.isGoing ? prepareForSleep(false) : take(sleep_);
+}
+
+void LoginManager::take(DelayLock& lock) {
+    lock.descriptor = {};
+    if (owner_.isEmpty()) {
+        return;
+    }
+    auto message = QDBusMessage::createMethodCall(owner_, managerPath, managerInterface,
+                                                  QStringLiteral("Inhibit"));
+    message << lock.what << QStringLiteral("Vantrel") << QStringLiteral("Saves its preferences")
+            << QStringLiteral("delay");
+    using Reply = QDBusPendingReply<QDBusUnixFileDescriptor>;
+    call<QDBusUnixFileDescriptor>(this, message, [this, &lock, owner = owner_](const Reply& reply) {
+        if (reply.isValid() && owner == owner_ && !lock.isGoing) {
+            lock.descriptor = reply.value();
+        }
+    });
+}
+
+} // namespace vantrel

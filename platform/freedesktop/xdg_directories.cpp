@@ -1,0 +1,51 @@
+#include "platform/freedesktop/xdg_directories.h"
+
+#include <cstdlib>
+#include <pwd.h>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+namespace vantrel {
+namespace {
+
+using std::filesystem::path;
+
+std::string variable(const char* name, const char* otherwise = "") {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : otherwise;
+}
+
+path home() {
+    const path named = variable("HOME");
+    if (named.is_absolute()) {
+        return named;
+    }
+    const passwd* user = getpwuid(geteuid());
+    return user != nullptr ? user->pw_dir : "/";
+}
+
+std::vector<path> directories(const path& user, const path& usual, const std::string& system) {
+    std::vector<path> found{user.is_absolute() ? user : home() / usual};
+    std::istringstream list(system);
+    for (std::string directory; std::getline(list, directory, ':');) {
+        if (path(directory).is_absolute()) {
+            found.emplace_back(directory);
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+std::vector<path> configDirectories() {
+    return directories(variable("XDG_CONFIG_HOME"), ".config",
+                       variable("XDG_CONFIG_DIRS", "/etc/xdg"));
+}
+
+std::vector<path> dataDirectories() {
+    return directories(variable("XDG_DATA_HOME"), ".local/share",
+                       variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
+}
+
+} // namespace vantrel

@@ -1,0 +1,166 @@
+#include "platform/x11/desktop_scale.h"
+#include "platform/x11/display_link.h"
+#include "platform/x11/pixel_map.h"
+#include "platform/x11/raise_policy.h"
+#include "platform/x11/screens.h"
+#include "platform/x11/sprite_window.h"
+
+#include <gtest/gtest.h>
+
+#include <xcb/randr.h>
+
+namespace vantrel::x11 {
+namespace {
+
+TEST(PixelMapTest, PutsTheOriginAtTheBottomLeftOfThePrimaryDisplay) {
+    const PixelMap map({{QRect(1920, 0, 2560, 1440), 1}, {QRect(0, 200, 1920, 1080), 1}});
+    EXPECT_EQ(map.frame(0), (GlobalRect{0, 0, 2560, 1440}));
+    EXPECT_EQ(map.frame(1), (GlobalRect{-1920, 160, 1920, 1080}));
+    EXPECT_EQ(map.toGlobal(QPoint(1920, 1439)), (GlobalPoint{0, 1}));
+    EXPECT_EQ(map.toGlobal(QPoint(0, 200)), (GlobalPoint{-1920, 1240}));
+}
+
+TEST(PixelMapTest, ScalesWithoutAnOffsetThatGrows) {
+    const PixelMap map({{QRect(0, 0, 3840, 2160), 2}, {QRect(3840, 0, 3840, 2160), 2}});
+    EXPECT_EQ(map.frame(1), (GlobalRect{1920, 0, 1920, 1080}));
+    EXPECT_EQ(map.toGlobal(QPoint(7679, 2159)), (GlobalPoint{3839.5, 0.5}));
+}
+
+TEST(PixelMapTest, KeepsDisplaysOfDifferentScalesTouching) {
+    // A scaled laptop with plain displays right of it, above it, and left of that one.
+    const PixelMap map({{QRect(1920, 1080, 3840, 2160), 2},
+                        {QRect(5760, 1580, 1920, 1080), 1},
+                        {QRect(1920, 0, 1920, 1080), 1},
+                        {QRect(0, 0, 1920, 1080), 1.5}});
+    EXPECT_EQ(map.frame(0), (GlobalRect{0, 0, 1920, 1080}));
+    EXPECT_EQ(map.frame(1), (GlobalRect{1920, -250, 1920, 1080}));
+    EXPECT_EQ(map.frame(2), (GlobalRect{0, 1080, 1920, 1080}));
+    EXPECT_EQ(map.frame(3), (GlobalRect{-1280, 1440, 1280, 720}));
+    // On both sides of the border the same point.
+    EXPECT_EQ(map.toGlobal(QPoint(5759, 1580)).x + 0.5, map.toGlobal(QPoint(5760, 1580)).x);
+    EXPECT_EQ(map.toGlobal(QPoint(5759, 1580)).y, map.toGlobal(QPoint(5760, 1580)).y);
+}
+
+TEST(PixelMapTest, AnswersBesideAndWithoutDisplays) {
+    const PixelMap apart({{QRect(0, 0, 100, 100), 2}, {QRect(500, 0, 100, 100), 1}});
+    EXPECT_EQ(apart.frame(1).x, 250);
+    EXPECT_EQ(apart.toGlobal(QPoint(120, 0)), (GlobalPoint{60, 50}));
+    EXPECT_EQ(PixelMap().toGlobal(QPoint(3, 4)), (GlobalPoint{3, -4}));
+}
+
+TEST(DesktopScaleTest, FollowsTheSettingsThatProgramsFollow) {
+    struct Case {
+        ScaleSettings settings;
+        double first, second;
+    };
+    const Case cases[] = {
+        {{}, 1, 1},
+        {{.fontDpi = 144}, 1.5, 1.5},
+        {{.windowScale = 2}, 2, 2},
+        {{.fontDpi = 192, .windowScale = 2}, 2, 2},
+        {{.fontDpi = 96, .screenFactors = "A=1.25;B=2"}, 1.25, 2},
+        {{.screenFactors = "2;1"}, 2, 1},
+        {{.fontDpi = 144, .screenFactors = "A=0;B=junk"}, 1.5, 1.5},
+        {{.fontDpi = 144, .globalFactor = 2}, 3, 3},
+        {{.fontDpi = 1e9}, 8, 8},
+        {{.fontDpi = 1}, 0.5, 0.5},
+    };
+    for (const auto& [settings, first, second] : cases) {
+        EXPECT_EQ(toScale(settings, "A", 0), first);
+        EXPECT_EQ(toScale(settings, "B", 1), second);
+    }
+}
+
+TEST(DesktopScaleTest, ReadsTheResourceDatabase) {
+    EXPECT_EQ(fontDpiOf("Xft.antialias:\t1\nXft.dpi:\t120\nXcursor.size: 24"), 120);
+    EXPECT_EQ(fontDpiOf("Xft.dpi: junk\n"), std::nullopt);
+    EXPECT_EQ(fontDpiOf("XTerm*Xft.dpi: 12"), std::nullopt);
+    EXPECT_EQ(fontDpiOf("Xft.dpi:-96"), std::nullopt);
+    EXPECT_EQ(fontDpiOf(""), std::nullopt);
+}
+
+TEST(DesktopScaleTest, ReadsTheSettingsBlockAndNothingBeyondIt) {
+    const auto text = [](std::string name, std::string value) {
+        std::string entry("\1\0", 2);
+        entry += static_cast<char>(name.size());
+        entry += '\0';
+        entry += name + std::string((4 - name.size() % 4) % 4, '\0') + std::string(4, '\0');
+        entry += static_cast<char>(value.size());
+        return entry + std::string(3, '\0') + value + std::string((4 - value.size() % 4) % 4, '\0');
+    };
+    const std::string name = "Gdk/WindowScalingFactor";
+    std::string block("\0\0\0\0\1\0\0\0\2\0\0\0", 12);
+    block += text("Net/ThemeName", "Yaru");
+    block += std::string("\0\0\27\0", 4) + name + '\0' + std::string(4, '\0') +
+             std::string("\2\0\0\0", 4);
+    EXPECT_EQ(integerSetting(block, name), 2);
+    EXPECT_EQ(integerSetting(block, "Gtk/Other"), std::nullopt);
+    for (std::size_t length = 0; length < block.size(); ++length) {
+        EXPECT_EQ(integerSetting(std::string_view(block).substr(0, length), name), std::nullopt);
+    }
+    EXPECT_EQ(integerSetting(std::string(12, '\xFF'), name), std::nullopt);
+}
+
+TEST(ScreensTest, TakesTheRateFromTheMode) {
+    EXPECT_NEAR(refreshRate(148'500'000, 2200, 1125, 0), 60, 1e-9);
+    EXPECT_NEAR(refreshRate(74'250'000, 2200, 1125, XCB_RANDR_MODE_FLAG_INTERLACE), 60, 1e-9);
+    EXPECT_NEAR(refreshRate(148'500'000, 2200, 1125, XCB_RANDR_MODE_FLAG_DOUBLE_SCAN), 30, 1e-9);
+    EXPECT_EQ(refreshRate(0, 0, 0, 0), 0);
+}
+
+TEST(PaceCheckTest, TellsThePaceOfTheDisplayFromAnother) {
+    const auto judge = [](double promised, std::uint64_t period, std::uint64_t step) {
+        PaceCheck check(promised);
+        std::optional<bool> verdict;
+        for (std::uint64_t i = 0; i < 100 && !verdict; ++i) {
+            verdict = check.add(1000 + i * step, 5'000'000 + i * step * period);
+        }
+        return verdict;
+    };
+    EXPECT_EQ(judge(60, 16'667, 1), true);
+    EXPECT_EQ(judge(120, 16'667, 1), false);
+    EXPECT_EQ(judge(120, 8'333, 1), true);
+    EXPECT_EQ(judge(120, 8'333, 2), true); // blanks that were slept through still count
+    EXPECT_EQ(judge(60, 0, 1), std::nullopt);
+}
+
+TEST(RaisePolicyTest, YieldsToAWindowThatInsists) {
+    RaisePolicy policy;
+    for (int i = 0; i < RaisePolicy::patience; ++i) {
+        EXPECT_TRUE(policy.shouldRaise(7, 0.1 * i));
+    }
+    EXPECT_FALSE(policy.shouldRaise(7, 0.5));
+    EXPECT_FALSE(policy.shouldRaise(7, 1000));
+    EXPECT_TRUE(policy.shouldRaise(8, 0.5));
+    policy.forget(7);
+    EXPECT_TRUE(policy.shouldRaise(7, 1001));
+}
+
+TEST(RaisePolicyTest, GoesAboveAWindowThatIsRaisedNowAndThen) {
+    RaisePolicy policy;
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_TRUE(policy.shouldRaise(7, 1.0 * i));
+    }
+}
+
+TEST(CutOutTest, KeepsWhatIsAtLeastHalfAsOpaqueAsTheRest) {
+    QImage picture(6, 3, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    for (const int x : {1, 2, 4}) {
+        picture.setPixelColor(x, 1, QColor(255, 0, 0, 80));
+    }
+    picture.setPixelColor(3, 1, QColor(255, 0, 0, 30));
+    std::vector<xcb_rectangle_t> cut;
+    cutOut(picture, cut);
+    ASSERT_EQ(cut.size(), 2U);
+    EXPECT_EQ(cut[0].x, 1);
+    EXPECT_EQ(cut[0].width, 2);
+    EXPECT_EQ(cut[1].x, 4);
+    EXPECT_EQ(cut[1].width, 1);
+    picture.fill(Qt::transparent);
+    cutOut(picture, cut);
+    EXPECT_TRUE(cut.empty());
+}
+
+} // namespace
+} // namespace vantrel::x11
