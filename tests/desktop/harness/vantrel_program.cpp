@@ -39,6 +39,7 @@ void writePreferences(const std::filesystem::path& configHome, const nlohmann::j
     const std::filesystem::path folder = configHome / "vantrel";
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "Vantrel.preferences.v1") << preferences.dump();
+    std::ofstream(folder / "welcomeDismissed") << "true";
 }
 
 ChildProcess startVantrel(const PrivateServer& server, const std::filesystem::path& program,

@@ -16,7 +16,7 @@ namespace vantrel::desktop {
 // The same with the mode that is shown at the start: "off", "highlight" or "laser".
 [[nodiscard]] nlohmann::json preferencesShowing(const std::string& mode);
 
-// A folder for XDG_CONFIG_HOME that holds these preferences.
+// Makes a folder for XDG_CONFIG_HOME with these preferences, of a user who has seen the welcome.
 void writePreferences(const std::filesystem::path& configHome, const nlohmann::json& preferences);
 
 struct VantrelOptions {

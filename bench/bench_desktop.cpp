@@ -1,0 +1,127 @@
+#include "bench_desktop.h"
+
+#include "desktop/harness/displays.h"
+#include "desktop/harness/vantrel_program.h"
+#include "desktop/harness/wait.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+namespace vantrel::bench {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int monitorWidth = 1920;
+constexpr int monitorHeight = 1080;
+
+// Pictures that were asked for together and are waited for once.
+std::vector<std::uint32_t> pixelsAt(const desktop::XConnection& connection,
+                                    const std::vector<desktop::PixelPoint>& places) {
+    std::vector<xcb_get_image_cookie_t> cookies;
+    for (const desktop::PixelPoint place : places) {
+        cookies.push_back(xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
+                                        connection.root(), static_cast<std::int16_t>(place.x),
+                                        static_cast<std::int16_t>(place.y), 1, 1, ~0U));
+    }
+    std::vector<std::uint32_t> pixels;
+    for (const auto cookie : cookies) {
+        const auto reply =
+            desktop::ownReply(xcb_get_image_reply(connection.get(), cookie, nullptr));
+        if (!reply) {
+            throw std::runtime_error("cannot look at the screen");
+        }
+        pixels.push_back(*reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get())) &
+                         0xFFFFFF);
+    }
+    return pixels;
+}
+
+std::uint32_t settledBackground(const desktop::XConnection& connection) {
+    // The compositing manager paints the whole screen once it is ready.
+    std::uint32_t color = 0;
+    desktop::waitFor([&] {
+        color = desktop::pixelAt(connection, {50, 50});
+        return color != 0;
+    });
+    return color;
+}
+
+} // namespace
+
+BenchDesktop::BenchDesktop(int monitorCount)
+    : server(desktop::PrivateServer::virtualScreen({monitorWidth * monitorCount, monitorHeight})),
+      connection(server.display()),
+      windowManager(desktop::startWindowManager(server)),
+      compositingManager(desktop::startCompositingManager(server)),
+      input(server.display()),
+      background(settledBackground(connection)) {
+    std::vector<desktop::PixelRect> monitors;
+    for (int i = 0; i < monitorCount; ++i) {
+        monitors.push_back({i * monitorWidth, 0, monitorWidth, monitorHeight});
+    }
+    desktop::setMonitors(connection, monitors);
+    desktop::writePreferences(server.environment().at("XDG_CONFIG_HOME"),
+                              desktop::preferencesShowing("highlight"));
+}
+
+Contenders contendersFor(const std::string& program) {
+    const auto here = std::filesystem::canonical("/proc/self/exe").parent_path();
+    const Contender floor{.command = {here / "vantrel_floor"}};
+    const Contender floorAtRest{.command = {here / "vantrel_floor", "--display-link"}};
+    const Contender empty{.command = {here / "vantrel_empty_qt"},
+                          .appearsAt = desktop::PixelPoint{300, 250}};
+    if (program.empty()) {
+        return {floor, floorAtRest, empty, floor, floorAtRest, empty};
+    }
+    const Contender tested{.command = {std::filesystem::canonical(program)}};
+    return {tested, tested, tested, floor, floorAtRest, empty};
+}
+
+Milliseconds timeToChange(const desktop::XConnection& connection,
+                          const std::vector<desktop::PixelPoint>& places,
+                          const std::vector<std::uint32_t>& before, Clock::time_point begin) {
+    while (pixelsAt(connection, places) == before) {
+        if (Clock::now() - begin > 10s) {
+            throw std::runtime_error("nothing appeared on the screen");
+        }
+        std::this_thread::sleep_for(20us);
+    }
+    return Clock::now() - begin;
+}
+
+desktop::ChildProcess startAndAwait(BenchDesktop& desktop, const Contender& contender,
+                                    const std::string& display, Milliseconds* untilFirstPixel) {
+    desktop::Environment environment = desktop.server.environment();
+    if (!display.empty()) {
+        environment["DISPLAY"] = display;
+    }
+    const desktop::PixelPoint place = contender.appearsAt.value_or(desktop.connection.pointer());
+    // What was there before has gone.
+    desktop::waitFor(
+        [&] { return desktop::pixelAt(desktop.connection, place) == desktop.background; });
+    const auto begin = Clock::now();
+    desktop::ChildProcess process({.arguments = contender.command,
+                                   .environment = environment,
+                                   .errors = desktop.server.folder() / "contender.err"});
+    const Milliseconds time =
+        timeToChange(desktop.connection, {place}, {desktop.background}, begin);
+    if (untilFirstPixel != nullptr) {
+        *untilFirstPixel = time;
+    }
+    return process;
+}
+
+void atPace(double stepsPerSecond, double seconds, const std::function<void(int)>& step) {
+    const auto begin = Clock::now();
+    const int count = static_cast<int>(stepsPerSecond * seconds);
+    for (int i = 0; i < count; ++i) {
+        std::this_thread::sleep_until(begin +
+                                      std::chrono::duration_cast<Clock::duration>(
+                                          std::chrono::duration<double>(i / stepsPerSecond)));
+        step(i);
+    }
+}
+
+} // namespace vantrel::bench

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "desktop/harness/child_process.h"
+#include "desktop/harness/desktop_programs.h"
+#include "desktop/harness/private_server.h"
+#include "desktop/harness/screen_capture.h"
+#include "desktop/harness/synthetic_input.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::bench {
+
+// A private desktop with a window manager and a compositing manager, and nothing else on it.
+struct BenchDesktop {
+    explicit BenchDesktop(int monitorCount = 1); // side by side, 1920 by 1080 each
+
+    desktop::PrivateServer server;
+    desktop::XConnection connection;
+    desktop::ChildProcess windowManager;
+    desktop::ChildProcess compositingManager;
+    desktop::SyntheticInput input;
+    std::uint32_t background = 0;
+};
+
+// A program with its arguments, and where its first picture appears.
+struct Contender {
+    std::vector<std::string> command;
+    std::optional<desktop::PixelPoint> appearsAt{}; // otherwise under the pointer
+};
+
+// Who takes part: the program under test, and what it is compared with.
+struct Contenders {
+    Contender program;       // as a follower of the pointer
+    Contender programAtRest; // the same, compared with floorAtRest
+    Contender programAsApplication;
+    Contender floor;
+    Contender floorAtRest; // keeps a display link
+    Contender emptyApplication;
+};
+
+// The floor and the empty application lie beside this executable. Without a program the floor is
+// compared with itself, and the empty application with itself: the ratios show the method's error.
+[[nodiscard]] Contenders contendersFor(const std::string& program);
+
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+// The time from begin until one of these pixels is no longer as it was; throws after ten seconds.
+[[nodiscard]] Milliseconds timeToChange(const desktop::XConnection& connection,
+                                        const std::vector<desktop::PixelPoint>& places,
+                                        const std::vector<std::uint32_t>& before,
+                                        Clock::time_point begin);
+
+// Starts a contender; returns when its first picture is on the screen. A display other than the
+// desktop's own may be given.
+[[nodiscard]] desktop::ChildProcess startAndAwait(BenchDesktop& desktop, const Contender& contender,
+                                                  const std::string& display = {},
+                                                  Milliseconds* untilFirstPixel = nullptr);
+
+// Calls the step at an even pace; it gets its number.
+void atPace(double stepsPerSecond, double seconds, const std::function<void(int)>& step);
+
+} // namespace vantrel::bench

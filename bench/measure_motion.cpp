@@ -1,0 +1,118 @@
+#include "measurements.h"
+
+#include "desktop/harness/usage.h"
+#include "desktop/harness/wait.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <numbers>
+#include <random>
+#include <thread>
+
+namespace vantrel::bench {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Far enough from the last place that the discs do not touch.
+desktop::PixelPoint elsewhere(std::mt19937& random, desktop::PixelPoint last) {
+    std::uniform_int_distribution<int> x(100, 1820);
+    std::uniform_int_distribution<int> y(100, 980);
+    desktop::PixelPoint place = last;
+    while (std::hypot(place.x - last.x, place.y - last.y) < 150) {
+        place = {x(random), y(random)};
+    }
+    return place;
+}
+
+Samples latencies(BenchDesktop& desktop, const Contender& contender, int count) {
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> pause(5'000, 21'000);
+    desktop::PixelPoint place{960, 540};
+    desktop.input.moveTo(place);
+    const auto process = startAndAwait(desktop, contender);
+    const std::uint32_t covered = desktop::pixelAt(desktop.connection, place);
+    Samples samples;
+    for (int i = 0; i < count + 10; ++i) {
+        const desktop::PixelPoint next = elsewhere(random, place);
+        // Not in step with anybody's frames.
+        std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
+        const auto begin = Clock::now();
+        desktop.input.moveTo(next, desktop::SyntheticInput::Wait::no);
+        const Milliseconds time =
+            timeToChange(desktop.connection, {next, place}, {desktop.background, covered}, begin);
+        if (i >= 10) { // the first ones warm up
+            samples.push_back(time.count());
+        }
+        desktop::waitFor([&] { return desktop::pixelAt(desktop.connection, next) == covered; });
+        place = next;
+    }
+    return samples;
+}
+
+desktop::PixelPoint onCircle(int step) {
+    const double angle = step * 2 * std::numbers::pi / 1000;
+    return {static_cast<int>(960 + 400 * std::cos(angle)),
+            static_cast<int>(540 + 400 * std::sin(angle))};
+}
+
+// Milliseconds of CPU time for each second: the program's, the server's, the compositing manager's.
+using Costs = std::array<double, 3>;
+
+Costs motionCosts(BenchDesktop& desktop, const Contender& contender, double seconds) {
+    desktop.input.moveTo(onCircle(0));
+    const auto process = startAndAwait(desktop, contender);
+    const std::array<pid_t, 3> processes{process.pid(), desktop.server.pid(),
+                                         desktop.compositingManager.pid()};
+    const auto move = [&](int step) {
+        desktop.input.moveTo(onCircle(step), desktop::SyntheticInput::Wait::no);
+    };
+    atPace(1000, 0.3, move); // warms up
+    Costs costs{};
+    for (std::size_t i = 0; i < costs.size(); ++i) {
+        costs[i] = -Milliseconds(desktop::cpuTime(processes[i])).count();
+    }
+    atPace(1000, seconds, move);
+    for (std::size_t i = 0; i < costs.size(); ++i) {
+        costs[i] += Milliseconds(desktop::cpuTime(processes[i])).count();
+        costs[i] /= seconds;
+    }
+    desktop.input.moveTo(onCircle(0));
+    return costs;
+}
+
+} // namespace
+
+Report measureLatency(const Contenders& contenders, const Effort& effort) {
+    BenchDesktop desktop;
+    const Comparison comparison = inTurns(
+        effort.turns, [&] { return latencies(desktop, contenders.program, effort.motionsInTurn); },
+        [&] { return latencies(desktop, contenders.floor, effort.motionsInTurn); });
+    const auto at = [](double fraction) {
+        return [fraction](const Samples& samples) { return quantile(samples, fraction); };
+    };
+    return {.rows = {summarize("motion to first pixel, median", "ms", comparison, at(0.5), 1.15),
+                     summarize("motion to first pixel, 95th percentile", "ms", comparison, at(0.95),
+                               1.3)}};
+}
+
+Report measureMotion(const Contenders& contenders, const Effort& effort) {
+    BenchDesktop desktop;
+    std::array<Comparison, 3> comparisons;
+    for (int turn = 0; turn < effort.turns; ++turn) {
+        const Costs program = motionCosts(desktop, contenders.program, effort.secondsInTurn);
+        const Costs floor = motionCosts(desktop, contenders.floor, effort.secondsInTurn);
+        for (std::size_t i = 0; i < comparisons.size(); ++i) {
+            comparisons[i].program.push_back({program[i]});
+            comparisons[i].floor.push_back({floor[i]});
+        }
+    }
+    const std::string unit = "ms/s";
+    return {
+        .rows = {
+            summarize("1000 motions/s, CPU of the program", unit, comparisons[0], median, 2.5),
+            summarize("1000 motions/s, CPU of the X server", unit, comparisons[1], median, 1.2),
+            summarize("1000 motions/s, CPU of the compositor", unit, comparisons[2], median, 1.2)}};
+}
+
+} // namespace vantrel::bench

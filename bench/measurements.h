@@ -1,0 +1,32 @@
+#pragma once
+
+#include "bench_desktop.h"
+#include "comparison.h"
+
+namespace vantrel::bench {
+
+// How long and how often; the defaults are those of a real run.
+struct Effort {
+    int turns = 12;
+    int motionsInTurn = 25;
+    double secondsInTurn = 1;
+    int starts = 15;
+
+    static Effort smoke() {
+        return {.turns = 2, .motionsInTurn = 10, .secondsInTurn = 0.3, .starts = 2};
+    }
+};
+
+// From injected motion to the first changed pixel.
+[[nodiscard]] Report measureLatency(const Contenders& contenders, const Effort& effort);
+// CPU time for 1000 motions a second, of all who take part in showing it.
+[[nodiscard]] Report measureMotion(const Contenders& contenders, const Effort& effort);
+// CPU time while nothing moves, and what is sent to the server then.
+[[nodiscard]] Report measureRest(const Contenders& contenders, const Effort& effort);
+// Three displays with eight live clicks, compared with plain motion on them; frames missed.
+[[nodiscard]] Report measureClicks(const Contenders& contenders, const Effort& effort);
+// Beside an empty application.
+[[nodiscard]] Report measureMemory(const Contenders& contenders, const Effort& effort);
+[[nodiscard]] Report measureStart(const Contenders& contenders, const Effort& effort);
+
+} // namespace vantrel::bench

@@ -1,0 +1,128 @@
+#include "overlay_fixture.h"
+
+#include <xcb/xproto.h>
+
+namespace vantrel::desktop {
+namespace {
+
+class TwoMonitorsTest : public OverlayDesktopTest {
+protected:
+    void SetUp() override {
+        setMonitors(watcher, {{0, 0, 500, 600}, {500, 0, 500, 600}});
+        startCompositing();
+        paintDesktop();
+        input.moveTo({250, 300});
+    }
+};
+
+TEST_F(TwoMonitorsTest, DrawsTheDiscWholeAcrossTheirBorder) {
+    start();
+    input.moveTo({505, 300});
+    const auto disc = blended(yellow, 0.35);
+    // Each half once: twice would be more opaque.
+    for (const int x : {475, 499, 500, 530}) {
+        EXPECT_TRUE(becomes({x, 300}, disc)) << x;
+    }
+    EXPECT_EQ(pixel({472, 300}), blue);
+    EXPECT_EQ(pixel({538, 300}), blue);
+    input.moveTo({700, 300});
+    EXPECT_TRUE(becomes({700, 300}, disc));
+    EXPECT_EQ(pixel({490, 300}), blue);
+    EXPECT_TRUE(becomes({730, 300}, disc));
+}
+
+TEST_F(TwoMonitorsTest, GoesOnWhenTheDisplayUnderThePointerIsRemoved) {
+    start();
+    input.moveTo({700, 300});
+    EXPECT_TRUE(becomes({700, 300}, blended(yellow, 0.35)));
+    setMonitors(watcher, {{0, 0, 500, 600}});
+    EXPECT_TRUE(becomes({700, 300}, blue));
+    input.moveTo({250, 300});
+    EXPECT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
+}
+
+TEST_F(TwoMonitorsTest, LeavesNothingBehindAfterManyChanges) {
+    start();
+    manager->addClick({250, 300}, false);
+    runFor(std::chrono::milliseconds(350));
+    const int windows = ownWindows();
+    for (int round = 0; round < 100; ++round) {
+        setMonitors(watcher, {{0, 0, 500 - round, 600}});
+        runUntil([&] { return x11->screens.list().size() == 1; });
+        setMonitors(watcher, {{0, 0, 500, 600}, {500, 0, 500, 600}});
+        ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 2; })) << round;
+    }
+    EXPECT_LE(ownWindows(), windows);
+    EXPECT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
+}
+
+TEST_F(TwoMonitorsTest, DrawsAtTheScaleOfTheDesktop) {
+    start();
+    EXPECT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
+    constexpr char resources[] = "Xft.dpi:\t192\n";
+    xcb_change_property(watcher.get(), XCB_PROP_MODE_REPLACE, watcher.root(),
+                        XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8, sizeof resources - 1,
+                        resources);
+    watcher.sync();
+    EXPECT_TRUE(becomes({250 + 60, 300}, blended(yellow, 0.35)));
+    EXPECT_EQ(pixel({250 + 66, 300}), blue);
+    EXPECT_EQ(x11->screens.list()[1].frame, (GlobalRect{250, 0, 250, 300}));
+    EXPECT_EQ(x11->pointer.location(), (GlobalPoint{125, 150}));
+    input.moveTo({700, 110});
+    EXPECT_TRUE(becomes({700 - 60, 110}, blended(yellow, 0.35)));
+}
+
+class OutputsTest : public OverlayDesktopTest {
+protected:
+    OutputsTest() : OverlayDesktopTest(PrivateServer::virtualOutputs()) {}
+
+    double framesPerSecond() {
+        int frames = 0;
+        const auto screens = x11->screens.list();
+        const auto* fastest = fastestScreen(screens);
+        const auto link = x11->displayLinks.create(
+            *fastest, frameRateRange(fastest->maximumFramesPerSecond), [&frames] { ++frames; });
+        runFor(std::chrono::milliseconds(1000)); // to see the server's pace
+        frames = 0;
+        runFor(std::chrono::milliseconds(1000));
+        return frames;
+    }
+};
+
+TEST_F(OutputsTest, KeepThePaceOfTheFastestDisplay) {
+    setOutputs(watcher, {{{1280, 720}, 60, {0, 0}}, {{1280, 720}, 120, {1280, 0}}});
+    connect();
+    ASSERT_EQ(x11->screens.list().size(), 2U);
+    EXPECT_NEAR(x11->screens.list()[0].maximumFramesPerSecond, 60, 0.5);
+    EXPECT_NEAR(x11->screens.list()[1].maximumFramesPerSecond, 120, 0.5);
+    EXPECT_EQ(x11->screens.list()[1].frame, (GlobalRect{1280, 0, 1280, 720}));
+    EXPECT_NEAR(framesPerSecond(), 120, 12);
+    setOutputs(watcher, {{{1280, 720}, 60, {0, 0}}});
+    ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; }));
+    EXPECT_NEAR(framesPerSecond(), 60, 6);
+}
+
+TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
+    setOutputs(watcher, {{{800, 600}, 60, {0, 0}}});
+    startCompositing();
+    input.moveTo({400, 300});
+    start();
+    for (int round = 0; round < 5; ++round) {
+        setOutputs(watcher, {{{800, 600}, 60, {0, 0}}, {{640, 480}, 120, {800, 0}}});
+        ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 2; }));
+        paintDesktop({1440, 600});
+        input.moveTo({1000, 200});
+        EXPECT_TRUE(becomes({1000, 200}, blended(yellow, 0.35)));
+        setOutputs(watcher, {});
+        ASSERT_TRUE(runUntil([&] { return x11->screens.list().empty(); }));
+        EXPECT_EQ(ownWindows(), 0);
+        setOutputs(watcher, {{{800, 600}, 60, {0, 0}}});
+        ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; }));
+        paintDesktop({800, 600});
+        input.moveTo({300, 200});
+        EXPECT_TRUE(becomes({300, 200}, blended(yellow, 0.35)));
+    }
+}
+
+} // namespace
+} // namespace vantrel::desktop

@@ -1,0 +1,71 @@
+#include "overlay_fixture.h"
+
+namespace vantrel::desktop {
+namespace {
+
+constexpr std::uint32_t green = 0x208040;
+
+class OverlayStackingTest : public OverlayDesktopTest {
+protected:
+    void SetUp() override {
+        startCompositing();
+        paintDesktop();
+        input.moveTo({300, 300});
+    }
+    ClientWindowOptions wholeScreen() const {
+        return {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | green};
+    }
+};
+
+TEST_F(OverlayStackingTest, StaysAboveMenusThatOpenLater) {
+    start();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35)));
+    for (int round = 0; round < 5; ++round) {
+        const ClientWindow menu(server.display(), wholeScreen());
+        EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green))) << round;
+    }
+}
+
+TEST_F(OverlayStackingTest, StaysAboveAFullScreenWindow) {
+    const auto windowManager = startWindowManager(server);
+    start();
+    auto options = wholeScreen();
+    options.overrideRedirect = false;
+    options.fullScreen = true;
+    ClientWindow player(server.display(), options);
+    EXPECT_TRUE(becomes({700, 300}, green));
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+    player.raise();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+}
+
+TEST_F(OverlayStackingTest, GoesAboveAWindowThatIsRaised) {
+    ClientWindow other(server.display(), wholeScreen());
+    start();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+    other.raise();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+}
+
+TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
+    ClientWindow rival(server.display(), wholeScreen());
+    start();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+    int rounds = 0;
+    // The rival goes above whenever it was covered, as a screen locker does.
+    while (rounds < 50) {
+        rival.raise();
+        if (!runUntil([&] { return pixel({300, 300}) != green; }, std::chrono::milliseconds(150))) {
+            break;
+        }
+        ++rounds;
+    }
+    EXPECT_GE(rounds, 1);
+    EXPECT_LE(rounds, x11::RaisePolicy::patience);
+    // Others it still goes above.
+    const ClientWindow menu(server.display(), wholeScreen());
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+}
+
+} // namespace
+} // namespace vantrel::desktop
