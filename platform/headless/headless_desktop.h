@@ -1,8 +1,13 @@
 #pragma once
 
-#include "platform/clock.h"
 #include "platform/display_link.h"
 #include "platform/event_monitors.h"
+#include "platform/headless/headless_clock.h"
+#include "platform/headless/headless_faults.h"
+#include "platform/headless/headless_hot_keys.h"
+#include "platform/headless/headless_main_queue.h"
+#include "platform/headless/headless_session.h"
+#include "platform/headless/headless_user_defaults.h"
 #include "platform/layers/layer.h"
 #include "platform/layers/sprite_scene.h"
 #include "platform/observers.h"
@@ -21,17 +26,6 @@
 // punish with a stuck window or a stray event is listed in faults().
 
 namespace vantrel::headless {
-
-class Clock final : public vantrel::Clock {
-public:
-    [[nodiscard]] double uptime() const override { return now_; }
-    // Another time base than uptime, as on a real desktop.
-    [[nodiscard]] double mediaTime() const override { return now_ + 1000; }
-    void advance(double seconds) { now_ += seconds; }
-
-private:
-    double now_ = 100;
-};
 
 class Pointer final : public vantrel::Pointer {
 public:
@@ -58,12 +52,6 @@ public:
 private:
     std::vector<Screen> screens_;
     Observers<> changes_;
-};
-
-struct Faults {
-    std::vector<std::string> list;
-
-    void add(std::string fault) { list.push_back(std::move(fault)); }
 };
 
 class OverlayWindow;
@@ -219,6 +207,14 @@ struct Desktop {
     OverlayWindows overlayWindows{faults};
     Transaction transaction{overlayWindows, clock, faults};
     EventMonitors eventMonitors{faults};
+    HotKeys hotKeys{faults};
+    MainQueue mainQueue{clock};
+    UserDefaults userDefaults;
+    LoginItem loginItem;
+    Workspace workspace;
+    Bundle bundle;
+    Locale locale;
+    AlertSound alertSound;
 
     // Time goes on, and then a frame comes.
     void frame(double seconds = 1.0 / 60);

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/alert_sound.h"
+#include "platform/bundle.h"
+#include "platform/locale.h"
+#include "platform/login_item.h"
+#include "platform/observers.h"
+#include "platform/workspace.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+// The user's session and the installation around the program, each as the test sets it.
+
+namespace vantrel::headless {
+
+class LoginItem final : public vantrel::LoginItem {
+public:
+    [[nodiscard]] LoginItemStatus status() const override { return current; }
+    bool register_() override { return change(registered); }
+    bool unregister() override { return change(LoginItemStatus::notRegistered); }
+
+    LoginItemStatus current = LoginItemStatus::notRegistered;
+    LoginItemStatus registered = LoginItemStatus::enabled; // what registering leads to
+    bool refuses = false;
+    int changes = 0; // that were asked for
+
+private:
+    bool change(LoginItemStatus status) {
+        ++changes;
+        if (!refuses) {
+            current = status;
+        }
+        return !refuses;
+    }
+};
+
+class Workspace final : public vantrel::Workspace {
+public:
+    bool openUrl(const std::string& url) override {
+        opened.push_back(url);
+        return opensUrls;
+    }
+    Subscription onWillSleep(std::function<void()> callback) override {
+        return willSleep_.add(std::move(callback));
+    }
+    Subscription onDidWake(std::function<void()> callback) override {
+        return didWake_.add(std::move(callback));
+    }
+
+    void sleep() { willSleep_.notify(); }
+    void wake() { didWake_.notify(); }
+
+    std::vector<std::string> opened;
+    bool opensUrls = true;
+
+private:
+    Observers<> willSleep_;
+    Observers<> didWake_;
+};
+
+class Bundle final : public vantrel::Bundle {
+public:
+    [[nodiscard]] std::optional<std::filesystem::path>
+    resource(std::string_view name, std::string_view extension) const override {
+        const auto found = resources.find(std::string(name).append(".").append(extension));
+        return found == resources.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] std::optional<std::string> shortVersion() const override { return version; }
+    [[nodiscard]] std::optional<std::string> buildNumber() const override { return build; }
+
+    std::map<std::string, std::filesystem::path> resources; // by "name.extension"
+    std::optional<std::string> version = "1.0.0";
+    std::optional<std::string> build = "1";
+};
+
+class Locale final : public vantrel::Locale {
+public:
+    [[nodiscard]] std::vector<std::string> preferredLanguages() const override { return languages; }
+
+    std::vector<std::string> languages{"en-US"};
+};
+
+class AlertSound final : public vantrel::AlertSound {
+public:
+    void beep() override { ++beeps; }
+
+    int beeps = 0;
+};
+
+} // namespace vantrel::headless
