@@ -20,6 +20,7 @@ constexpr int monitorHeight = 1080;
 std::vector<std::uint32_t> pixelsAt(const desktop::XConnection& connection,
                                     const std::vector<desktop::PixelPoint>& places) {
     std::vector<xcb_get_image_cookie_t> cookies;
+    cookies.reserve(places.size());
     for (const desktop::PixelPoint place : places) {
         cookies.push_back(xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
                                         connection.root(), static_cast<std::int16_t>(place.x),
@@ -57,9 +58,10 @@ BenchDesktop::BenchDesktop(int monitorCount)
       compositingManager(desktop::startCompositingManager(server)),
       input(server.display()),
       background(settledBackground(connection)) {
-    std::vector<desktop::PixelRect> monitors;
-    for (int i = 0; i < monitorCount; ++i) {
-        monitors.push_back({i * monitorWidth, 0, monitorWidth, monitorHeight});
+    std::vector<desktop::PixelRect> monitors(static_cast<std::size_t>(monitorCount),
+                                             {0, 0, monitorWidth, monitorHeight});
+    for (int i = 0; desktop::PixelRect & monitor : monitors) {
+        monitor.x = monitorWidth * i++;
     }
     desktop::setMonitors(connection, monitors);
     desktop::writePreferences(server.environment().at("XDG_CONFIG_HOME"),

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iomanip>
 #include <limits>
+#include <sstream>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -30,9 +32,9 @@ std::string limitOf(const Row& row) {
     if (!row.target) {
         return "-";
     }
-    char text[16];
-    std::snprintf(text, sizeof(text), "%.2f", *row.target);
-    return text;
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << *row.target;
+    return text.str();
 }
 
 } // namespace

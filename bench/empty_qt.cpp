@@ -1,4 +1,4 @@
-// The least that a Qt Widgets application can be: one empty window of one colour.
+// The least that a Qt Widgets application can be: one empty window.
 
 #include <QApplication>
 #include <QWidget>
@@ -6,7 +6,6 @@
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QWidget window;
-    window.setStyleSheet(QStringLiteral("background: #facc15"));
     window.setGeometry(100, 100, 400, 300);
     window.show();
     return QApplication::exec();

@@ -32,7 +32,8 @@ std::vector<std::uint32_t> disc() {
     std::vector<std::uint32_t> pixels;
     for (int i = 0; i < side * side; ++i) {
         const double x = i % side - side / 2.0 + 0.5;
-        const double y = i / side - side / 2.0 + 0.5;
+        const int row = i / side;
+        const double y = row - side / 2.0 + 0.5;
         const double cover = std::fmin(std::fmax(side / 2.0 - std::hypot(x, y) + 0.5, 0.0), 1.0);
         const auto channel = [&](double value) {
             return static_cast<std::uint32_t>(std::lround(value * 0.35 * cover));

@@ -14,10 +14,10 @@ struct Held {
     double serverMemory = 0; // MiB of pixmaps and window contents
 };
 
-Held heldBy(BenchDesktop& desktop, const Contender& contender) {
+Held heldBy(BenchDesktop& desktop, const Contender& contender, double seconds) {
     desktop.input.moveTo({960, 540});
     const auto process = startAndAwait(desktop, contender);
-    atPace(200, 1, [&](int step) { desktop.input.moveTo({960 + step % 100, 540}); });
+    atPace(200, seconds, [&](int step) { desktop.input.moveTo({960 + step % 100, 540}); });
     const desktop::ServerResources resources =
         desktop::serverResources(desktop.connection, process.pid());
     return {.memory =
@@ -39,8 +39,8 @@ Report measureMemory(const Contenders& contenders, const Effort& effort) {
     Comparison memory;
     Comparison serverMemory;
     for (int turn = 0; turn < effort.turns; ++turn) {
-        const Held program = heldBy(desktop, contenders.programAsApplication);
-        const Held empty = heldBy(desktop, contenders.emptyApplication);
+        const Held program = heldBy(desktop, contenders.programAsApplication, effort.secondsInTurn);
+        const Held empty = heldBy(desktop, contenders.emptyApplication, effort.secondsInTurn);
         memory.program.push_back({program.memory});
         memory.floor.push_back({empty.memory});
         serverMemory.program.push_back({program.serverMemory});

@@ -1,13 +1,13 @@
 #include "measurements.h"
 
 #include "desktop/harness/usage.h"
+#include "desktop/harness/wait.h"
 #include "desktop/harness/x_traffic.h"
-
-#include <xcb/present.h>
 
 namespace vantrel::bench {
 namespace {
 
+using namespace std::chrono_literals;
 using desktop::SyntheticInput;
 
 constexpr double motionsPerSecond = 500;
@@ -40,6 +40,23 @@ Samples costOf(BenchDesktop& desktop, const Contender& contender, double seconds
     return {cost.count() / seconds};
 }
 
+// Without rings the costs would say nothing. One shows first inside the disc, a little from the
+// pointer.
+Check ringsAppear(BenchDesktop& desktop, const Contender& contender) {
+    desktop.input.moveTo(placeAt(0));
+    const auto process = startAndAwait(desktop, contender);
+    const desktop::PixelPoint near{placeAt(0).x + 20, placeAt(0).y};
+    std::uint32_t covered = desktop.background;
+    desktop::waitFor([&] {
+        covered = desktop::pixelAt(desktop.connection, near);
+        return covered != desktop.background;
+    });
+    desktop.input.click();
+    const bool appeared = desktop::waitFor(
+        [&] { return desktop::pixelAt(desktop.connection, near) != covered; }, 500ms);
+    return {.name = "a click shows a ring", .met = appeared, .found = appeared ? "yes" : "no"};
+}
+
 // The display link's frames that passed without being asked for in time.
 Check framesMissed(const Contender& contender, double seconds) {
     BenchDesktop desktop(3);
@@ -67,7 +84,8 @@ Report measureClicks(const Contenders& contenders, const Effort& effort) {
         [&] { return costOf(desktop, contenders.programAtRest, effort.secondsInTurn, false); });
     return {.rows = {summarize("eight clicks on three displays / plain motion", "ms/s", comparison,
                                median)},
-            .checks = {framesMissed(contenders.programAtRest, effort.secondsInTurn)}};
+            .checks = {ringsAppear(desktop, contenders.programAtRest),
+                       framesMissed(contenders.programAtRest, effort.secondsInTurn)}};
 }
 
 } // namespace vantrel::bench

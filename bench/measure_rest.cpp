@@ -16,6 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr desktop::PixelPoint restingPlace{960, 540};
+constexpr desktop::RequestKind queryPointer{XCB_QUERY_POINTER, 0};
 
 void rest(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
@@ -30,13 +31,20 @@ Samples costAtRest(BenchDesktop& desktop, const Contender& contender, double sec
     return {Milliseconds(desktop::cpuTime(process.pid()) - before).count() / seconds};
 }
 
-// Requests as "major.minor: count each second".
-std::string describe(const desktop::TrafficCounts& counts, double seconds) {
+// How often each request was sent in a second: by name the two that are expected, by number others.
+std::string describe(const desktop::TrafficCounts& counts, desktop::RequestKind notifyMsc,
+                     double seconds) {
     std::ostringstream text;
     text << std::fixed << std::setprecision(1);
     for (const auto& [kind, count] : counts.requests) {
-        text << int{kind.major} << '.' << int{kind.minor} << ": "
-             << static_cast<double>(count) / seconds << "/s, ";
+        if (kind == notifyMsc) {
+            text << "NotifyMSC ";
+        } else if (kind == queryPointer) {
+            text << "QueryPointer ";
+        } else {
+            text << "request " << int{kind.major} << '.' << int{kind.minor} << ' ';
+        }
+        text << static_cast<double>(count) / seconds << "/s, ";
     }
     text << static_cast<double>(counts.requestBytes) / seconds << " bytes/s";
     return text.str();
@@ -51,12 +59,13 @@ Check onlyLinkAndPointer(const Contender& contender, double seconds) {
     const desktop::TrafficCounts before = traffic.counts();
     rest(seconds);
     const desktop::TrafficCounts counts = traffic.counts() - before;
-    const std::uint8_t present = desktop.connection.majorOpcode("Present").value_or(0);
-    const auto expected =
-        counts.count({present, XCB_PRESENT_NOTIFY_MSC}) + counts.count({XCB_QUERY_POINTER, 0});
+    const desktop::RequestKind notifyMsc{
+        desktop.connection.majorOpcode("Present").value_or(std::uint8_t{0}),
+        XCB_PRESENT_NOTIFY_MSC};
+    const auto expected = counts.count(notifyMsc) + counts.count(queryPointer);
     return {.name = "at rest only NotifyMSC and QueryPointer",
             .met = expected > 0 && expected == counts.totalRequests(),
-            .found = describe(counts, seconds)};
+            .found = describe(counts, notifyMsc, seconds)};
 }
 
 } // namespace

@@ -13,7 +13,7 @@ struct Effort {
     int starts = 15;
 
     static Effort smoke() {
-        return {.turns = 2, .motionsInTurn = 10, .secondsInTurn = 0.3, .starts = 2};
+        return {.turns = 1, .motionsInTurn = 10, .secondsInTurn = 0.3, .starts = 1};
     }
 };
 

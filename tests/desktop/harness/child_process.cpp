@@ -25,6 +25,7 @@ using namespace std::chrono_literals;
 
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
     std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
     for (std::string& string : strings) {
         pointers.push_back(string.data());
     }
@@ -72,7 +73,7 @@ ChildProcess::ChildProcess(const Command& command) {
     std::vector<std::string> arguments = command.arguments;
     std::vector<std::string> variables;
     for (const auto& [name, value] : command.environment) {
-        variables.push_back(name + "=" + value);
+        variables.emplace_back(name).append("=").append(value);
     }
     const std::vector<char*> argumentPointers = pointersTo(arguments);
     const std::vector<char*> variablePointers = pointersTo(variables);

@@ -9,8 +9,8 @@
 namespace vantrel::desktop {
 
 std::uint32_t Picture::at(PixelPoint place) const {
-    const int column = place.x - area.x;
-    const int row = place.y - area.y;
+    const std::ptrdiff_t column = place.x - area.x;
+    const std::ptrdiff_t row = place.y - area.y;
     if (column < 0 || row < 0 || column >= area.width || row >= area.height) {
         throw std::out_of_range("outside the picture");
     }
@@ -23,7 +23,8 @@ Picture captureScreen(const XConnection& connection, const PixelRect& area) {
         static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
         static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height), ~0U);
     const auto reply = ownReply(xcb_get_image_reply(connection.get(), cookie, nullptr));
-    const auto count = static_cast<std::size_t>(area.width * area.height);
+    const std::size_t count =
+        static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height);
     if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) < 4 * count) {
         throw std::runtime_error("cannot capture the screen");
     }

@@ -74,7 +74,7 @@ std::uint8_t SyntheticInput::keycodeOf(std::uint32_t keysym) const {
     const auto cookie = xcb_get_keyboard_mapping(connection_.get(), setup->min_keycode, count);
     const auto reply = ownReply(xcb_get_keyboard_mapping_reply(connection_.get(), cookie, nullptr));
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
-    for (int key = 0; key < count; ++key) {
+    for (std::ptrdiff_t key = 0; key < count; ++key) {
         if (symbols[key * reply->keysyms_per_keycode] == keysym) {
             return static_cast<std::uint8_t>(setup->min_keycode + key);
         }
