@@ -1,0 +1,89 @@
+# Shared by scripts/run, scripts/test and .ci/run: the packages that each of them needs, and how the
+# project is built.
+# shellcheck shell=bash disable=SC2034
+
+project=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
+
+build_packages=(
+    cmake g++ ninja-build pkgconf
+    qt6-base-dev
+    libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
+    libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev
+    libplist-dev nlohmann-json3-dev
+)
+# Whether a display answers is asked with xdpyinfo.
+display_packages=(x11-utils)
+# The private desktop of the tests and the demo.
+desktop_packages=(
+    libxcb-res0-dev libxcb-xtest0-dev
+    openbox picom xvfb
+)
+test_packages=(
+    "${desktop_packages[@]}"
+    dbus-daemon libgmock-dev libgtest-dev xcompmgr xserver-xorg-core xserver-xorg-video-dummy
+)
+demo_packages=(
+    "${desktop_packages[@]}"
+    dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
+)
+check_packages=(
+    clang clang-format clang-tidy libbenchmark-dev libclang-rt-14-dev python3 shellcheck
+)
+
+say() {
+    printf '%s\n' "$*"
+}
+
+fail() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# missing_packages <package>...: those that are not installed.
+missing_packages() {
+    local -A installed=()
+    local package status
+    while read -r package status; do
+        [[ $status == installed ]] && installed[$package]=yes
+    done < <(dpkg-query --show --showformat '${Package} ${db:Status-Status}\n' "$@" 2>/dev/null)
+    for package in "$@"; do
+        [[ ${installed[$package]-} ]] || say "$package"
+    done
+}
+
+# ensure_packages <purpose> <package>...: installs what is missing.
+ensure_packages() {
+    local purpose=$1 missing administrator=()
+    shift
+    command -v apt-get dpkg-query >/dev/null ||
+        fail 'this needs Debian or a relative of it (apt-get and dpkg); README.md says what to install elsewhere'
+    mapfile -t missing < <(missing_packages "$@")
+    ((${#missing[@]})) || return 0
+
+    say "Installing with apt-get, to $purpose: ${missing[*]}"
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null ||
+            fail "not root and no sudo; let an administrator run: apt-get install ${missing[*]}"
+        administrator=(sudo)
+    fi
+    local apt=("${administrator[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes)
+    "${apt[@]}" update || say 'The package lists could not be refreshed; trying with those at hand.'
+    "${apt[@]}" install --no-install-recommends "${missing[@]}" ||
+        fail 'apt-get could not install the packages'
+}
+
+# configure <cmake argument>...: quiet unless it fails.
+configure() {
+    local output
+    output=$(cd "$project" && cmake --log-level=WARNING "$@" 2>&1) || {
+        printf '%s\n' "$output" >&2
+        fail 'the build could not be configured'
+    }
+}
+
+# build_release: Vantrel alone, in build/release.
+build_release() {
+    say 'Building Vantrel (release)'
+    configure --preset release -DVANTREL_BENCHMARKS=OFF
+    cmake --build "$project/build/release"
+}

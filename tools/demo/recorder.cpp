@@ -1,0 +1,86 @@
+#include "recorder.h"
+
+#include "desktop/harness/screen_capture.h"
+#include "interruption.h"
+
+#include <csignal>
+#include <stdexcept>
+#include <utility>
+
+#include <QPainter>
+#include <xcb/xfixes.h>
+
+namespace vantrel::demo {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::vector<std::string> filmCommand(const desktop::PrivateServer& server,
+                                     const std::filesystem::path& video) {
+    const std::string size =
+        std::to_string(stageSize.width()) + "x" + std::to_string(stageSize.height());
+    return {"ffmpeg",     "-hide_banner", "-nostdin",    "-y",         "-f",   "x11grab",
+            "-framerate", "60",           "-video_size", size,         "-i",   server.display(),
+            "-c:v",       "libx264",      "-preset",     "veryfast",   "-crf", "18",
+            "-pix_fmt",   "yuv420p",      "-movflags",   "+faststart", video};
+}
+
+desktop::ChildProcess startFilming(const desktop::PrivateServer& server,
+                                   const std::filesystem::path& video,
+                                   const std::filesystem::path& log) {
+    return desktop::ChildProcess({.arguments = filmCommand(server, video),
+                                  .environment = server.environment(),
+                                  .errors = log});
+}
+
+// The pointer is no part of the screen's pixels.
+void paintPointer(const desktop::XConnection& connection, QImage& image) {
+    const auto version = desktop::ownReply(xcb_xfixes_query_version_reply(
+        connection.get(), xcb_xfixes_query_version(connection.get(), 4, 0), nullptr));
+    const auto pointer = desktop::ownReply(xcb_xfixes_get_cursor_image_reply(
+        connection.get(), xcb_xfixes_get_cursor_image(connection.get()), nullptr));
+    if (!version || !pointer) {
+        return;
+    }
+    const auto* pixels = xcb_xfixes_get_cursor_image_cursor_image(pointer.get());
+    const QImage shape(reinterpret_cast<const uchar*>(pixels), pointer->width, pointer->height,
+                       QImage::Format_ARGB32_Premultiplied);
+    QPainter(&image).drawImage(pointer->x - pointer->xhot, pointer->y - pointer->yhot, shape);
+}
+
+} // namespace
+
+Recorder::Recorder(const desktop::PrivateServer& server, std::filesystem::path video)
+    : video_(std::move(video)),
+      log_(server.folder() / "ffmpeg.err"),
+      process_(startFilming(server, video_, log_)) {
+    expect("the camera", [&] {
+        if (!process_.running()) {
+            throw std::runtime_error("ffmpeg did not start: " + desktop::readFile(log_));
+        }
+        return desktop::readFile(log_).find("frame=") != std::string::npos;
+    });
+}
+
+void Recorder::finish() {
+    process_.signal(SIGINT);
+    if (!process_.wait(60s)) {
+        throw std::runtime_error("ffmpeg did not finish the video");
+    }
+    std::error_code unreadable;
+    if (std::filesystem::file_size(video_, unreadable) == 0 || unreadable) {
+        throw std::runtime_error("there is no video: " + desktop::readFile(log_));
+    }
+}
+
+QImage photograph(const desktop::XConnection& connection) {
+    const desktop::Picture screen =
+        desktop::captureScreen(connection, {0, 0, stageSize.width(), stageSize.height()});
+    QImage image = QImage(reinterpret_cast<const uchar*>(screen.pixels.data()), stageSize.width(),
+                          stageSize.height(), QImage::Format_RGB32)
+                       .copy();
+    paintPointer(connection, image);
+    return image;
+}
+
+} // namespace vantrel::demo
