@@ -167,6 +167,10 @@ void X11Screens::handleEvent(const xcb_generic_event_t& event) {
     const auto number = eventNumber(event);
     if (number == first + XCB_RANDR_SCREEN_CHANGE_NOTIFY || number == first + XCB_RANDR_NOTIFY) {
         stale_ = true;
+    } else if (number == XCB_CONFIGURE_NOTIFY) {
+        // All that the server says about a monitor that a user has defined.
+        const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        stale_ = stale_ || configure.window == connection_.root();
     } else if (number == XCB_PROPERTY_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         stale_ = stale_ || change.atom == connection_.atom(Atom::workArea) ||

@@ -23,10 +23,11 @@ void SpriteStack::prepare(std::size_t count) {
 
 bool SpriteStack::add() {
     auto window = SpriteWindow::create(*resources_);
-    if (window) {
-        entries_.push_back({std::move(window)});
+    if (!window) {
+        return false;
     }
-    return window != nullptr;
+    entries_.push_back({std::move(window)});
+    return true;
 }
 
 SpriteWindow* SpriteStack::acquire() {

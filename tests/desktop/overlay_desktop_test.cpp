@@ -105,6 +105,7 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
     startCompositing();
     paintDesktop();
     input.moveTo({300, 300});
+    preferences.click.style = ClickStyle::pulse;
     start();
     ASSERT_TRUE(becomes({300, 300}, blended(yellow, 0.35)));
     const auto quiet = captureScreen(watcher, {200, 200, 200, 200});
@@ -116,10 +117,7 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
         EXPECT_TRUE(becomes({264, 300}, blue));
     }
     EXPECT_EQ(rings, 3);
-    EXPECT_TRUE(runUntil([&] {
-        return channelDistance(pixel({300, 300}), blended(yellow, 0.35)) <= 3;
-    }));
-    EXPECT_EQ(captureScreen(watcher, quiet.area), quiet);
+    EXPECT_TRUE(runUntil([&] { return captureScreen(watcher, quiet.area) == quiet; }));
     show(CursorMode::laser);
     manager->addClick({300, 300}, false);
     show(CursorMode::highlight);
@@ -132,21 +130,22 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
 TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
     paintDesktop();
     input.moveTo({300, 300});
+    preferences.click.style = ClickStyle::pulse;
     start();
     EXPECT_TRUE(becomes({300, 300}, yellow));
     EXPECT_EQ(pixel({300 - 30, 300 - 30}), blue); // the corner of the disc's box
-    EXPECT_EQ(pixel({330, 300}), yellow);
+    EXPECT_TRUE(becomes({330, 300}, yellow));
     preferences.highlight.style = HighlightStyle::ring;
     show(CursorMode::highlight);
     EXPECT_TRUE(becomes({320, 300}, blue));
-    EXPECT_EQ(pixel({331, 300}), yellow);
+    EXPECT_TRUE(becomes({331, 300}, yellow));
     preferences.highlight.style = HighlightStyle::glow;
     show(CursorMode::highlight);
     EXPECT_TRUE(becomes({300, 300}, yellow, 8));
     EXPECT_EQ(pixel({331, 300}), blue);
     manager->addClick({300, 300}, false);
-    EXPECT_TRUE(runUntil([&] { return pixel({262, 300}) == yellow; }));
-    EXPECT_TRUE(becomes({262, 300}, blue));
+    EXPECT_TRUE(becomes({265, 300}, yellow));
+    EXPECT_TRUE(becomes({265, 300}, blue));
     show(CursorMode::laser);
     EXPECT_TRUE(becomes({303, 300}, 0xFF453A, 8));
     EXPECT_EQ(pixel({315, 300}), blue);
@@ -170,6 +169,7 @@ TEST_F(OverlayDesktopTest, DoesNotFadeInWhereThePointerComes) {
     compositing.emplace(startCompositingManager(server, CompositingManager::picomEyeCandy));
     paintDesktop();
     input.moveTo({300, 300});
+    preferences.click.style = ClickStyle::pulse;
     start();
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35)));
     // A ring would be over before it had faded in.

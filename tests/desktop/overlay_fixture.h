@@ -46,7 +46,7 @@ protected:
         manager.reset();
         x11.reset();
         connection.reset();
-        EXPECT_EQ(ownWindows(), 0);
+        EXPECT_TRUE(runUntil([this] { return ownWindows() == 0; }));
     }
 
     void paintDesktop(PixelSize size = {1000, 600}) {

@@ -59,6 +59,7 @@ TEST_F(ProgramTest, SaysInOneLineWhatItCannotDo) {
 }
 
 TEST_F(ProgramTest, EndsWithTheServer) {
+    input.moveTo({300, 300});
     auto program = start();
     ASSERT_TRUE(highlightShows());
     server.stop();
