@@ -1,0 +1,144 @@
+#pragma once
+
+#include "preferences/shortcut.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace vantrel {
+
+enum class CursorMode : std::uint8_t { off, highlight, laser };
+enum class HighlightStyle : std::uint8_t { filled, ring, glow };
+enum class ClickStyle : std::uint8_t { none, ripple, pulse };
+enum class GlowStrength : std::uint8_t { low, medium, high };
+enum class AppLanguage : std::uint8_t { system, chinese, english };
+
+// The cases of an enumeration in their order, each with the name under which it is stored.
+template <typename Enum>
+struct CasesOf;
+
+template <typename Enum>
+using CaseTable = std::array<std::pair<Enum, std::string_view>, 3>;
+
+template <>
+struct CasesOf<CursorMode> {
+    static constexpr CaseTable<CursorMode> table{{{CursorMode::off, "off"},
+                                                  {CursorMode::highlight, "highlight"},
+                                                  {CursorMode::laser, "laser"}}};
+};
+template <>
+struct CasesOf<HighlightStyle> {
+    static constexpr CaseTable<HighlightStyle> table{{{HighlightStyle::filled, "filled"},
+                                                      {HighlightStyle::ring, "ring"},
+                                                      {HighlightStyle::glow, "glow"}}};
+};
+template <>
+struct CasesOf<ClickStyle> {
+    static constexpr CaseTable<ClickStyle> table{
+        {{ClickStyle::none, "none"}, {ClickStyle::ripple, "ripple"}, {ClickStyle::pulse, "pulse"}}};
+};
+template <>
+struct CasesOf<GlowStrength> {
+    static constexpr CaseTable<GlowStrength> table{{{GlowStrength::low, "low"},
+                                                    {GlowStrength::medium, "medium"},
+                                                    {GlowStrength::high, "high"}}};
+};
+template <>
+struct CasesOf<AppLanguage> {
+    static constexpr CaseTable<AppLanguage> table{{{AppLanguage::system, "system"},
+                                                   {AppLanguage::chinese, "chinese"},
+                                                   {AppLanguage::english, "english"}}};
+};
+
+template <typename Enum>
+constexpr std::array<Enum, 3> allCases() {
+    const auto& table = CasesOf<Enum>::table;
+    return {table[0].first, table[1].first, table[2].first};
+}
+
+template <typename Enum>
+constexpr std::string_view nameOf(Enum value) {
+    return CasesOf<Enum>::table[static_cast<std::size_t>(value)].second;
+}
+
+// Matched exactly; no case for any other string.
+template <typename Enum>
+constexpr std::optional<Enum> caseNamed(std::string_view name) {
+    for (const auto& [value, text] : CasesOf<Enum>::table) {
+        if (text == name) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
+// An opaque sRGB colour, each component from 0 to 1.
+struct EffectColor {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+
+    bool operator==(const EffectColor&) const = default;
+
+    // From 0xRRGGBB.
+    static constexpr EffectColor fromRgb(std::uint32_t rgb) {
+        return {((rgb >> 16) & 0xFF) / 255.0, ((rgb >> 8) & 0xFF) / 255.0, (rgb & 0xFF) / 255.0};
+    }
+    // Stands in for components that no colour can have.
+    static constexpr EffectColor fallback() { return {1.0, 0.8, 0.0}; }
+    // The palette: yellow, green, blue, red, purple, white.
+    static std::span<const EffectColor, 6> presets();
+};
+
+struct HighlightSettings {
+    HighlightStyle style = HighlightStyle::filled;
+    EffectColor color = EffectColor::fromRgb(0xFACC15);
+    double diameter = 64;   // points, 24 to 120
+    double opacity = 0.35;  // 0.1 to 0.9
+    bool idleHide = false;  // hide while the pointer rests
+    double idleSeconds = 3; // rest before hiding: 2, 3, 5 or 10
+
+    bool operator==(const HighlightSettings&) const = default;
+};
+
+struct ClickSettings {
+    ClickStyle style = ClickStyle::ripple;
+    bool left = true;
+    bool right = true;
+
+    bool operator==(const ClickSettings&) const = default;
+};
+
+struct LaserSettings {
+    EffectColor color = EffectColor::fromRgb(0xFF453A);
+    double diameter = 12; // points, 6 to 24
+    GlowStrength glow = GlowStrength::medium;
+
+    bool operator==(const LaserSettings&) const = default;
+};
+
+// Every choice of the user.
+struct AppPreferences {
+    static constexpr std::int64_t currentSchemaVersion = 1;
+
+    std::int64_t schemaVersion = currentSchemaVersion;
+    CursorMode lastMode = CursorMode::off;
+    HighlightSettings highlight;
+    ClickSettings click;
+    LaserSettings laser;
+    std::optional<Shortcut> highlightShortcut = Shortcut::defaultHighlight();
+    std::optional<Shortcut> laserShortcut = Shortcut::defaultLaser();
+    bool launchAtLogin = false;
+    AppLanguage language = AppLanguage::system;
+
+    bool operator==(const AppPreferences&) const = default;
+
+    // Brings every bounded field back into its range. For values that were read from storage.
+    void sanitize();
+};
+
+} // namespace vantrel

@@ -1,0 +1,129 @@
+#include "preferences/release_links.h"
+
+#include <plist/plist.h>
+
+#include <QString>
+#include <QUrl>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+namespace vantrel {
+
+namespace {
+
+// Three links need less than one kilobyte; the bound keeps what a damaged file can unfold to small.
+constexpr std::size_t maximumFileSize = 1 << 14;
+
+using PropertyList = std::unique_ptr<void, decltype(&plist_free)>;
+
+constexpr const char* keyOf(ReleaseLink link) {
+    constexpr std::array keys{"PrivacyURL", "TermsURL", "SupportURL"};
+    return keys[static_cast<std::size_t>(link)];
+}
+
+// What can be read of the file, and no more than it takes to see that it is too large.
+std::string contentsOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(maximumFileSize + 1, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    return bytes;
+}
+
+std::uint64_t bigEndian(std::string_view bytes) {
+    std::uint64_t value = 0;
+    for (const char byte : bytes) {
+        value = value << 8 | static_cast<unsigned char>(byte);
+    }
+    return value;
+}
+
+// Whether no object of a binary property list but one holds others. A list that nests shared
+// objects unfolds without bound when it is read, and no usable configuration nests any.
+bool isFlat(std::string_view bytes) {
+    constexpr std::size_t trailerSize = 32;
+    constexpr unsigned char firstContainer = 0xA0;
+    if (bytes.size() < trailerSize) {
+        return false;
+    }
+    const auto trailer = bytes.substr(bytes.size() - trailerSize);
+    const auto offsetSize = bigEndian(trailer.substr(6, 1));
+    const auto count = bigEndian(trailer.substr(8, 8));
+    const auto table = bigEndian(trailer.substr(24, 8));
+    if (count > bytes.size() || table > bytes.size()) {
+        return false;
+    }
+    int containers = 0;
+    for (std::uint64_t index = 0; index < count; ++index) {
+        const auto entry = std::min<std::uint64_t>(table + index * offsetSize, bytes.size());
+        const auto offset = bigEndian(bytes.substr(entry, offsetSize));
+        if (offset >= bytes.size()) {
+            return false;
+        }
+        containers += static_cast<unsigned char>(bytes[offset]) >= firstContainer ? 1 : 0;
+    }
+    return containers <= 1;
+}
+
+PropertyList parse(std::string_view bytes) {
+    plist_t root = nullptr;
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    const bool binary = plist_is_binary(bytes.data(), size) != 0;
+    if (bytes.size() <= maximumFileSize && (!binary || isFlat(bytes))) {
+        plist_from_memory(bytes.data(), size, &root);
+    }
+    return {root, &plist_free};
+}
+
+bool holdsOnlyStrings(plist_t dictionary) {
+    plist_dict_iter position = nullptr;
+    plist_dict_new_iter(dictionary, &position);
+    const std::unique_ptr<void, decltype(&std::free)> owner(position, &std::free);
+    plist_t value = nullptr;
+    do {
+        plist_dict_next_item(dictionary, position, nullptr, &value);
+    } while (value != nullptr && plist_get_node_type(value) == PLIST_STRING);
+    return value == nullptr;
+}
+
+std::optional<QString> textOf(plist_t root, ReleaseLink link) {
+    if (root == nullptr || plist_get_node_type(root) != PLIST_DICT || !holdsOnlyStrings(root)) {
+        return std::nullopt;
+    }
+    const plist_t value = plist_dict_get_item(root, keyOf(link));
+    if (value == nullptr) {
+        return std::nullopt;
+    }
+    std::uint64_t length = 0;
+    const char* text = plist_get_string_ptr(value, &length);
+    return QString::fromUtf8(text, static_cast<qsizetype>(length));
+}
+
+// The scheme is looked for in the text, since a parsed URL has it in lower case.
+bool isUsable(const QUrl& url, const QString& text, ReleaseLink link) {
+    const bool page = text.startsWith(QLatin1String("https:")) && !url.host().isEmpty();
+    const bool mail = link == ReleaseLink::support && text.startsWith(QLatin1String("mailto:")) &&
+                      !url.path().isEmpty();
+    return url.isValid() && (page || mail);
+}
+
+} // namespace
+
+std::optional<std::string> releaseURL(const Bundle& bundle, ReleaseLink link) {
+    const auto path = bundle.resource("ReleaseConfiguration", "plist");
+    return path ? releaseURL(contentsOf(*path), link) : std::nullopt;
+}
+
+std::optional<std::string> releaseURL(std::string_view configuration, ReleaseLink link) {
+    const auto root = parse(configuration);
+    const auto text = textOf(root.get(), link);
+    const QUrl url(text.value_or(QString()), QUrl::StrictMode);
+    return text && isUsable(url, *text, link) ? std::optional(url.toEncoded().toStdString())
+                                              : std::nullopt;
+}
+
+} // namespace vantrel

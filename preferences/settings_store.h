@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/user_defaults.h"
+#include "preferences/preferences.h"
+
+#include <string>
+
+namespace vantrel {
+
+// Keeps the preferences between runs, as one document under one key of the user's defaults.
+class SettingsStore {
+public:
+    // The defaults must outlive the store.
+    SettingsStore(UserDefaults& defaults, std::string key);
+
+    // The default preferences when nothing usable is stored, which then stays as it is.
+    [[nodiscard]] AppPreferences load() const;
+    // Exactly the given values; nothing is written when one of them is no finite number.
+    void save(const AppPreferences& preferences);
+
+private:
+    UserDefaults& defaults_;
+    const std::string key_;
+};
+
+} // namespace vantrel

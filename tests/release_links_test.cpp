@@ -1,0 +1,172 @@
+#include "preferences/release_links.h"
+
+#include <gtest/gtest.h>
+#include <plist/plist.h>
+
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <fstream>
+#include <vector>
+
+namespace vantrel {
+namespace {
+
+std::string xml(const std::string& members) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)" + members +
+           "</dict></plist>";
+}
+
+std::string xml(const std::string& key, const std::string& url) {
+    return xml("<key>" + key + "</key><string>" + url + "</string>");
+}
+
+std::string binary(plist_t list) {
+    char* bytes = nullptr;
+    std::uint32_t size = 0;
+    plist_to_bin(list, &bytes, &size);
+    std::string result(bytes, size);
+    plist_to_bin_free(bytes);
+    plist_free(list);
+    return result;
+}
+
+TEST(ReleaseLinks, AreHttpsWithAHostOrMailForSupport) {
+    struct Case {
+        std::string url;
+        bool page = false;
+        bool mail = false;
+    };
+    const std::vector<Case> table{
+        {"https://example.com/privacy?a=b&amp;c#d", true, false},
+        {"https://[::1]/", true, false},
+        {"http://example.com", false, false},
+        {"HTTPS://example.com", false, false},
+        {"Https://example.com", false, false},
+        {"https://", false, false},
+        {"https:///path", false, false},
+        {"https:example.com", false, false},
+        {"https://:443/", false, false},
+        {"https://exa mple.com", false, false},
+        {"https://example.com/%zz", false, false},
+        {" https://example.com", false, false},
+        {"javascript:https://example.com", false, false},
+        {"file:///etc/passwd", false, false},
+        {"example.com", false, false},
+        {"", false, false},
+        {"mailto:help@example.com?subject=Vantrel", false, true},
+        {"MAILTO:help@example.com", false, false},
+        {"mailto:", false, false},
+        {"mailto:?subject=Vantrel", false, false},
+        {"mailto://example.com", false, false},
+    };
+    for (const auto& [url, page, mail] : table) {
+        EXPECT_EQ(releaseURL(xml("PrivacyURL", url), ReleaseLink::privacy).has_value(), page)
+            << url;
+        EXPECT_EQ(releaseURL(xml("TermsURL", url), ReleaseLink::terms).has_value(), page) << url;
+        EXPECT_EQ(releaseURL(xml("SupportURL", url), ReleaseLink::support).has_value(),
+                  page || mail)
+            << url;
+    }
+}
+
+TEST(ReleaseLinks, AreEncodedForWhoeverOpensThem) {
+    const auto link =
+        releaseURL(xml("TermsURL", "https://example.com/条?a=b&amp;c"), ReleaseLink::terms);
+    EXPECT_EQ(link, "https://example.com/%E6%9D%A1?a=b&c");
+    EXPECT_EQ(releaseURL(xml("TermsURL", "https://example.com"), ReleaseLink::support),
+              std::nullopt);
+}
+
+TEST(ReleaseLinks, NeedADictionaryOfNothingButStrings) {
+    const std::string start =
+        "<key>PrivacyURL</key><string>https://example.com</string><key>Other</key>";
+    EXPECT_EQ(releaseURL(xml(start + "<string/>"), ReleaseLink::privacy), "https://example.com");
+    for (const std::string other :
+         {"<integer>1</integer>", "<true/>", "<data/>", "<array/>", "<dict/>", "<real>1</real>"}) {
+        EXPECT_EQ(releaseURL(xml(start + other), ReleaseLink::privacy), std::nullopt) << other;
+    }
+    EXPECT_EQ(releaseURL(xml(""), ReleaseLink::privacy), std::nullopt);
+    for (const std::string list :
+         {"", "x", "bplist00", "<plist>", "<plist><string>https://example.com</string></plist>",
+          "<plist><array><string>https://example.com</string></array></plist>"}) {
+        EXPECT_EQ(releaseURL(list, ReleaseLink::privacy), std::nullopt) << list;
+    }
+}
+
+TEST(ReleaseLinks, AreReadFromAWholeListInEitherFormat) {
+    const std::string link = "mailto:help@example.com";
+    plist_t list = plist_new_dict();
+    plist_dict_set_item(list, "SupportURL", plist_new_string(link.c_str()));
+    for (const auto& bytes : {binary(list), xml("SupportURL", link)}) {
+        EXPECT_EQ(releaseURL(bytes, ReleaseLink::support), link);
+        // The library does without the last end tag.
+        const auto needed = std::min(bytes.size(), bytes.find("</plist>"));
+        for (std::size_t size = 0; size < needed; ++size) {
+            const auto cut = std::string_view(bytes).substr(0, size);
+            EXPECT_EQ(releaseURL(cut, ReleaseLink::support), std::nullopt) << cut;
+        }
+    }
+}
+
+std::string bigEndian(std::size_t value, std::size_t size) {
+    std::string bytes(size, '\0');
+    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, value >>= 8) {
+        *byte = static_cast<char>(value);
+    }
+    return bytes;
+}
+
+// Thirty arrays of which each holds the next one ten times are a few hundred bytes, and 10^30
+// values once they are unfolded.
+TEST(ReleaseLinks, AreNotUnfoldedFromSharedArrays) {
+    constexpr char arrays = 30;
+    std::string bytes = "bplist00";
+    std::string offsets;
+    for (char next = 1; next <= arrays; ++next) {
+        offsets += bigEndian(bytes.size(), 2);
+        bytes += '\xAA';
+        bytes.append(10, next);
+    }
+    offsets += bigEndian(bytes.size(), 2);
+    bytes += "Qx"; // a text of one letter
+    const auto table = bytes.size();
+    bytes += offsets;
+    bytes += bigEndian(0x0201, 8); // two bytes for an offset, one for a reference
+    bytes += bigEndian(arrays + 1, 8);
+    bytes += bigEndian(0, 8);
+    bytes += bigEndian(table, 8);
+    EXPECT_EQ(releaseURL(bytes, ReleaseLink::support), std::nullopt);
+}
+
+class FileBundle final : public Bundle {
+public:
+    [[nodiscard]] std::optional<std::filesystem::path>
+    resource(std::string_view name, std::string_view extension) const override {
+        const bool asked = name == "ReleaseConfiguration" && extension == "plist";
+        return asked ? path : std::nullopt;
+    }
+    [[nodiscard]] std::optional<std::string> shortVersion() const override { return {}; }
+    [[nodiscard]] std::optional<std::string> buildNumber() const override { return {}; }
+
+    std::optional<std::filesystem::path> path;
+};
+
+TEST(ReleaseLinks, AreReadAnewFromTheResourcesEachTime) {
+    const QTemporaryDir folder;
+    FileBundle bundle;
+    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt);
+    bundle.path = folder.path().toStdString();
+    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "a folder";
+    *bundle.path /= "links.plist";
+    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "no file";
+    for (const std::string url : {"https://example.com/1", "https://example.com/2"}) {
+        std::ofstream(*bundle.path) << xml("PrivacyURL", url);
+        EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), url);
+    }
+    std::ofstream(*bundle.path, std::ios::app) << std::string(1 << 20, ' ');
+    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "far too long";
+}
+
+} // namespace
+} // namespace vantrel
