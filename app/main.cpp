@@ -1,8 +1,12 @@
-#include "overlay/overlay_window_manager.h"
+#include "app/app_state.h"
+#include "platform/freedesktop/autostart_login_item.h"
+#include "platform/freedesktop/desktop_workspace.h"
+#include "platform/freedesktop/environment_locale.h"
 #include "platform/freedesktop/file_user_defaults.h"
+#include "platform/freedesktop/installed_bundle.h"
+#include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/termination_signals.h"
 #include "platform/x11/desktop.h"
-#include "preferences/settings_store.h"
 
 #include <QCoreApplication>
 
@@ -11,6 +15,7 @@
 #include <span>
 #include <string_view>
 
+namespace vantrel {
 namespace {
 
 constexpr auto usage = "Usage: vantrel [--help | --version]\n"
@@ -20,8 +25,52 @@ constexpr auto usage = "Usage: vantrel [--help | --version]\n"
                        "  --help     show this text and exit\n"
                        "  --version  show the version and exit\n";
 
+constexpr auto preferencesKey = "Vantrel.preferences.v1";
+
+// The program on this machine's desktop, from its launch to its end.
+class Program {
+public:
+    // The connection must outlive it.
+    explicit Program(x11::Connection& connection) : x11_(connection) {
+        // Also when it is lost before the event loop runs.
+        lost_ = connection.lost.add([this] { mainQueue_.async([] { QCoreApplication::quit(); }); });
+        sleep_ = workspace_.onWillSleep([this] { suspend(); });
+        shutDown_ = workspace_.onWillShutDown([this] { suspend(); });
+        wake_ = workspace_.onDidWake([this] { mainQueue_.async([this] { state_.wake(); }); });
+        state_.startUp();
+    }
+
+    // What was changed is on disk afterwards.
+    void suspend() {
+        state_.suspend();
+        defaults_.flush();
+    }
+
+private:
+    x11::X11Desktop x11_;
+    FileUserDefaults defaults_;
+    QtMainQueue mainQueue_;
+    AutostartLoginItem loginItem_{runningExecutable()};
+    DesktopWorkspace workspace_;
+    InstalledBundle bundle_;
+    EnvironmentLocale locale_;
+    SettingsStore store_{defaults_, preferencesKey};
+    AppState state_{store_,
+                    {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
+                                 x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
+                     .hotKeys = x11_.hotKeys,
+                     .mainQueue = mainQueue_,
+                     .loginItem = loginItem_,
+                     .workspace = workspace_,
+                     .bundle = bundle_,
+                     .locale = locale_}};
+    Subscription lost_;
+    Subscription sleep_;
+    Subscription shutDown_;
+    Subscription wake_;
+};
+
 int run(int argc, char** argv) {
-    using namespace vantrel;
     std::string error;
     const auto connection = x11::Connection::open({}, error);
     if (!connection) {
@@ -30,28 +79,20 @@ int run(int argc, char** argv) {
     }
     const QCoreApplication application(argc, argv);
     const TerminationSignals signals([] { QCoreApplication::quit(); });
-    x11::X11Desktop desktop(*connection);
-    const auto lost = connection->lost.add([] { QCoreApplication::quit(); });
-
-    FileUserDefaults defaults;
-    const SettingsStore store(defaults, "Vantrel.preferences.v1");
-    const auto preferences = store.load();
-    OverlayWindowManager overlays({desktop.clock, desktop.pointer, desktop.screens,
-                                   desktop.displayLinks, desktop.overlayWindows,
-                                   desktop.transaction, desktop.eventMonitors});
-    overlays.apply(preferences.lastMode == CursorMode::off ? CursorMode::highlight
-                                                           : preferences.lastMode,
-                   preferences);
-    return QCoreApplication::exec();
+    Program program(*connection);
+    const int status = QCoreApplication::exec();
+    program.suspend();
+    return status;
 }
 
 } // namespace
+} // namespace vantrel
 
 int main(int argc, char** argv) {
     for (const std::string_view argument :
          std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
         if (argument == "--help") {
-            std::fputs(usage, stdout);
+            std::fputs(vantrel::usage, stdout);
             return EXIT_SUCCESS;
         }
         if (argument == "--version") {
@@ -62,5 +103,5 @@ int main(int argc, char** argv) {
                      static_cast<int>(argument.size()), argument.data());
         return 2;
     }
-    return run(argc, argv);
+    return vantrel::run(argc, argv);
 }

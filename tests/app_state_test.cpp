@@ -1,0 +1,259 @@
+#include "app/app_state.h"
+#include "headless_fixture.h"
+#include "preferences/preference_encoding.h"
+
+namespace vantrel {
+namespace {
+
+constexpr auto key = "Vantrel.preferences.v1";
+
+class AppStateTest : public HeadlessTest {
+protected:
+    void SetUp() override {
+        desktop.screens.set({screen(1, {0, 0, 800, 600})});
+        launch();
+    }
+    void TearDown() override {
+        state.reset();
+        EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+        HeadlessTest::TearDown();
+    }
+    // A new run of the program, without startUp().
+    void launch() {
+        state.reset();
+        state = std::make_unique<AppState>(
+            store,
+            AppDesktop{{desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
+                        desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
+                       desktop.hotKeys,
+                       desktop.mainQueue,
+                       desktop.loginItem,
+                       desktop.workspace,
+                       desktop.bundle,
+                       desktop.locale});
+        state->openWindow = [this](AppWindow window) { opened.push_back(window); };
+    }
+    void change(auto change) { state->changePreferences(change); }
+    std::optional<AppPreferences> saved() {
+        const auto bytes = desktop.userDefaults.data(key);
+        return bytes ? decodePreferences(*bytes) : std::nullopt;
+    }
+    bool monitorsClicks() { return desktop.eventMonitors.globalCount() == 2; }
+
+    SettingsStore store{desktop.userDefaults, key};
+    std::unique_ptr<AppState> state;
+    std::vector<AppWindow> opened;
+};
+
+constexpr headless::Combination controlOptionH{4, 6144};
+constexpr headless::Combination controlOptionL{37, 6144};
+
+TEST_F(AppStateTest, ShortcutsToggleTheirModeAndSwitchStraightToIt) {
+    state->startUp();
+    struct Case {
+        CursorMode current;
+        headless::Combination pressed;
+        CursorMode expected;
+    };
+    const Case cases[] = {
+        {CursorMode::off, controlOptionH, CursorMode::highlight},
+        {CursorMode::off, controlOptionL, CursorMode::laser},
+        {CursorMode::highlight, controlOptionH, CursorMode::off},
+        {CursorMode::highlight, controlOptionL, CursorMode::laser},
+        {CursorMode::laser, controlOptionH, CursorMode::highlight},
+        {CursorMode::laser, controlOptionL, CursorMode::off},
+    };
+    for (const auto& [current, pressed, expected] : cases) {
+        state->setMode(current);
+        EXPECT_TRUE(desktop.hotKeys.press(pressed));
+        EXPECT_EQ(state->mode().get(), expected);
+        EXPECT_EQ(state->preferences().get().lastMode, expected);
+        EXPECT_EQ(desktop.overlayWindows.windows().empty(), expected == CursorMode::off);
+    }
+}
+
+TEST_F(AppStateTest, SeesClicksOnlyWhereTheyMatter) {
+    struct Case {
+        CursorMode mode;
+        bool idleHide;
+        ClickSettings click;
+        bool wanted;
+    };
+    const Case cases[] = {
+        {CursorMode::highlight, false, {ClickStyle::ripple, true, true}, true},
+        {CursorMode::highlight, false, {ClickStyle::pulse, false, true}, true},
+        {CursorMode::highlight, false, {ClickStyle::ripple, false, false}, false},
+        {CursorMode::highlight, false, {ClickStyle::none, true, true}, false},
+        {CursorMode::highlight, true, {ClickStyle::none, false, false}, true},
+        {CursorMode::laser, true, {ClickStyle::ripple, true, true}, false},
+    };
+    for (const auto& [mode, idleHide, click, wanted] : cases) {
+        change([&](AppPreferences& preferences) {
+            preferences.highlight.idleHide = idleHide;
+            preferences.click = click;
+        });
+        state->setMode(mode);
+        EXPECT_EQ(monitorsClicks(), wanted);
+        EXPECT_TRUE(state->clickAvailable().get());
+    }
+    state->setMode(CursorMode::off);
+    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
+}
+
+TEST_F(AppStateTest, SaysThatClicksCannotBeSeenUntilTheyCanOrNeedNot) {
+    EXPECT_FALSE(state->clickAvailable().get());
+    state->startUp();
+    EXPECT_TRUE(state->clickAvailable().get());
+    desktop.eventMonitors.refusesLocal = true;
+    state->setMode(CursorMode::highlight);
+    EXPECT_FALSE(state->clickAvailable().get());
+    desktop.eventMonitors.refusesLocal = false;
+    state->apply();
+    EXPECT_TRUE(state->clickAvailable().get());
+    EXPECT_TRUE(monitorsClicks());
+}
+
+TEST_F(AppStateTest, DrawsTheClicksThatItSees) {
+    state->setMode(CursorMode::highlight);
+    desktop.eventMonitors.send({EventType::leftMouseDown, {400, 300}});
+    const auto& layers = desktop.overlayWindows.windows()[0]->rootLayer()->sublayers();
+    EXPECT_EQ(layers.size(), 2U);
+}
+
+TEST_F(AppStateTest, SavesOnceAfterTheLastOfManyChanges) {
+    for (int i = 1; i <= 10; ++i) {
+        change([i](AppPreferences& preferences) { preferences.highlight.diameter = 50 + i; });
+        desktop.mainQueue.advance(0.02);
+    }
+    desktop.mainQueue.advance(0.22);
+    EXPECT_EQ(desktop.userDefaults.writes, 0);
+    desktop.mainQueue.advance(0.02);
+    EXPECT_EQ(desktop.userDefaults.writes, 1);
+    EXPECT_EQ(saved()->highlight.diameter, 60);
+    desktop.mainQueue.advance(10);
+    EXPECT_EQ(desktop.userDefaults.writes, 1);
+}
+
+TEST_F(AppStateTest, DoesNotSaveWhatDidNotChange) {
+    state->startUp();
+    state->setMode(CursorMode::off);
+    desktop.mainQueue.advance(10);
+    EXPECT_EQ(desktop.userDefaults.writes, 0);
+}
+
+TEST_F(AppStateTest, SavesAtOnceBeforeSleepAndComesBackAfterIt) {
+    state->setMode(CursorMode::laser);
+    state->suspend();
+    EXPECT_EQ(desktop.userDefaults.writes, 1);
+    EXPECT_EQ(saved()->lastMode, CursorMode::laser);
+    EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+    EXPECT_EQ(state->mode().get(), CursorMode::laser);
+    desktop.mainQueue.advance(10);
+    EXPECT_EQ(desktop.userDefaults.writes, 1);
+    state->wake();
+    EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
+    EXPECT_EQ(desktop.displayLinks.count(), 1U);
+}
+
+TEST_F(AppStateTest, BringsTheLastModeBackInTheNextRun) {
+    state->setMode(CursorMode::highlight);
+    state->suspend();
+    launch();
+    EXPECT_EQ(state->mode().get(), CursorMode::off);
+    EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+    state->startUp();
+    EXPECT_EQ(state->mode().get(), CursorMode::highlight);
+    EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
+}
+
+TEST_F(AppStateTest, TellsWhatIsWrongWithTheShortcuts) {
+    const auto error = [this] { return state->hotkeyError().get(); };
+    EXPECT_EQ(error(), std::nullopt);
+    change([](AppPreferences& preferences) {
+        preferences.laserShortcut = Shortcut{4, 6144, "another text"};
+    });
+    EXPECT_EQ(error(), "duplicate");
+    EXPECT_TRUE(desktop.hotKeys.registered().empty());
+    desktop.hotKeys.heldByOthers = {controlOptionH};
+    change(
+        [](AppPreferences& preferences) { preferences.laserShortcut = Shortcut::defaultLaser(); });
+    EXPECT_EQ(error(), "registration");
+    EXPECT_TRUE(desktop.hotKeys.press(controlOptionL));
+    EXPECT_EQ(state->mode().get(), CursorMode::laser);
+    change([](AppPreferences& preferences) { preferences.highlightShortcut.reset(); });
+    EXPECT_EQ(error(), std::nullopt);
+}
+
+TEST_F(AppStateTest, TakesTheLoginItemAsItIs) {
+    desktop.loginItem.current = LoginItemStatus::enabled;
+    state->startUp();
+    EXPECT_TRUE(state->preferences().get().launchAtLogin);
+    desktop.loginItem.current = LoginItemStatus::notFound;
+    state->syncLaunchAtLogin();
+    EXPECT_FALSE(state->preferences().get().launchAtLogin);
+    EXPECT_EQ(state->systemMessage().get(), std::nullopt);
+    desktop.mainQueue.advance(1);
+    EXPECT_EQ(desktop.userDefaults.writes, 1);
+    state->syncLaunchAtLogin();
+    EXPECT_EQ(desktop.mainQueue.waiting(), 0U);
+}
+
+TEST_F(AppStateTest, ReportsWhatBecameOfTheLoginItem) {
+    const auto message = [this] { return state->systemMessage().get(); };
+    state->setLaunchAtLogin(true);
+    EXPECT_TRUE(state->preferences().get().launchAtLogin);
+    EXPECT_EQ(message(), std::nullopt);
+
+    state->setLaunchAtLogin(false);
+    desktop.loginItem.registered = LoginItemStatus::requiresApproval;
+    state->setLaunchAtLogin(true);
+    EXPECT_FALSE(state->preferences().get().launchAtLogin);
+    EXPECT_EQ(message(), "Approve this app in System Settings → General → Login Items.");
+
+    change([](AppPreferences& preferences) { preferences.language = AppLanguage::chinese; });
+    desktop.loginItem.refuses = true;
+    desktop.loginItem.current = LoginItemStatus::enabled;
+    state->setLaunchAtLogin(false);
+    EXPECT_TRUE(state->preferences().get().launchAtLogin);
+    EXPECT_EQ(message(), "无法修改登录启动状态。请从已安装的应用运行并重试。");
+}
+
+TEST_F(AppStateTest, ResetsEverything) {
+    state->setMode(CursorMode::laser);
+    change([](AppPreferences& preferences) {
+        preferences.laser.diameter = 20;
+        preferences.laserShortcut.reset();
+    });
+    const int changes = desktop.loginItem.changes;
+    state->resetPreferences();
+    EXPECT_EQ(state->mode().get(), CursorMode::off);
+    EXPECT_EQ(state->preferences().get(), AppPreferences());
+    EXPECT_EQ(desktop.loginItem.changes, changes + 1);
+    EXPECT_EQ(desktop.hotKeys.registered(), (std::vector{controlOptionH, controlOptionL}));
+}
+
+TEST_F(AppStateTest, TellsObserversOfEveryAssignment) {
+    std::vector<CursorMode> modes;
+    const auto observer = state->mode().observe([&](CursorMode mode) { modes.push_back(mode); });
+    state->setMode(CursorMode::laser);
+    state->setMode(CursorMode::laser);
+    EXPECT_EQ(modes, (std::vector{CursorMode::off, CursorMode::laser, CursorMode::laser}));
+}
+
+TEST_F(AppStateTest, NamesModesInTheLanguageOfTheMoment) {
+    EXPECT_EQ(state->title(CursorMode::laser), "Laser");
+    desktop.locale.languages = {"zh_CN"};
+    EXPECT_EQ(state->title(CursorMode::laser), "激光");
+    EXPECT_EQ(state->title(CursorMode::off), "关闭");
+    change([](AppPreferences& preferences) { preferences.language = AppLanguage::english; });
+    EXPECT_EQ(state->title(CursorMode::highlight), "Highlight");
+}
+
+TEST_F(AppStateTest, ShowsTheHelpInsteadOfALinkThatIsNotThere) {
+    state->openLink(ReleaseLink::terms);
+    EXPECT_EQ(opened, std::vector{AppWindow::help});
+    EXPECT_TRUE(desktop.workspace.opened.empty());
+}
+
+} // namespace
+} // namespace vantrel
