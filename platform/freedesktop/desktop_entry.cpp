@@ -126,10 +126,9 @@ void DesktopEntry::set(std::string_view key, std::string_view value) {
 }
 
 void DesktopEntry::remove(std::string_view key) {
-    const auto group = mainGroup();
-    for (auto line = group.rbegin(); line != group.rend(); ++line) {
-        if (line->key == key) {
-            lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(line->index));
+    for (const Line& line : mainGroup()) {
+        if (line.key == key) {
+            lines_[line.index].clear();
         }
     }
 }

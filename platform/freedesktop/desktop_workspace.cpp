@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <csignal>
+#include <memory>
 #include <unistd.h>
 
 namespace vantrel {
@@ -11,7 +12,7 @@ namespace {
 // Runs on when this program ends. The signals that this program takes from a descriptor are blocked
 // in it, and a child that inherited that could not be ended by them.
 bool start(const QString& program, const QStringList& arguments) {
-    auto* process = new QProcess;
+    auto process = std::make_unique<QProcess>();
     process->setStandardInputFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());
     process->setStandardErrorFile(QProcess::nullDevice());
@@ -21,12 +22,12 @@ bool start(const QString& program, const QStringList& arguments) {
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
     });
-    QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
+    QObject::connect(process.get(), &QProcess::finished, process.get(), &QObject::deleteLater);
     process->start(program, arguments);
     if (!process->waitForStarted()) {
-        delete process;
         return false;
     }
+    static_cast<void>(process.release()); // it goes when the program that it started does
     return true;
 }
 

@@ -29,6 +29,8 @@ public:
     explicit FileUserDefaults(std::filesystem::path folder = userFolder());
     // What was set is on disk afterwards, as far as the disk takes it.
     ~FileUserDefaults() override;
+    FileUserDefaults(const FileUserDefaults&) = delete;
+    FileUserDefaults& operator=(const FileUserDefaults&) = delete;
 
     // A key that is no plain file name (empty, with a slash, beginning with a dot) holds nothing.
     [[nodiscard]] std::optional<std::string> data(std::string_view key) const override;

@@ -7,7 +7,7 @@ std::filesystem::path runningExecutable() {
     return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-InstalledBundle::InstalledBundle(std::filesystem::path executable)
+InstalledBundle::InstalledBundle(const std::filesystem::path& executable)
     : folder_((executable.parent_path() / VANTREL_RESOURCES_FROM_EXECUTABLE).lexically_normal()) {}
 
 std::optional<std::filesystem::path> InstalledBundle::resource(std::string_view name,

@@ -11,7 +11,7 @@ std::filesystem::path runningExecutable();
 // them out in the same shape; no path is fixed when the program is built.
 class InstalledBundle final : public Bundle {
 public:
-    explicit InstalledBundle(std::filesystem::path executable = runningExecutable());
+    explicit InstalledBundle(const std::filesystem::path& executable = runningExecutable());
 
     [[nodiscard]] std::optional<std::filesystem::path>
     resource(std::string_view name, std::string_view extension) const override;

@@ -26,18 +26,18 @@ public:
     // The interval at which a missing bus is tried again.
     explicit LoginManager(std::chrono::milliseconds retryInterval = usualRetryInterval);
     ~LoginManager() override;
+    Q_DISABLE_COPY_MOVE(LoginManager)
 
     [[nodiscard]] Subscription onWillSleep(std::function<void()> callback);
     [[nodiscard]] Subscription onDidWake(std::function<void()> callback);
     [[nodiscard]] Subscription onWillShutDown(std::function<void()> callback);
 
-private Q_SLOTS:
-    void prepareForSleep(bool going);
-    void prepareForShutdown(bool going);
-    void ownerChanged(const QString& name, const QString& former, const QString& owner);
-    void loseBus();
-
 private:
+    Q_SLOT void prepareForSleep(bool going);
+    Q_SLOT void prepareForShutdown(bool going);
+    Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
+    Q_SLOT void loseBus();
+
     struct DelayLock {
         QString what;
         bool isGoing = false; // between the announcement and its end, when no lock is wanted

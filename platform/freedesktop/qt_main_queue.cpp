@@ -34,22 +34,28 @@ QtMainQueue::QtMainQueue() : timer_(timerfd_create(clockId, TFD_CLOEXEC | TFD_NO
         throw std::system_error(errno, std::generic_category(), "timerfd_create");
     }
     notifier_ = std::make_unique<QSocketNotifier>(timer_.get(), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, &context_, [this] { runDue(); });
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                     [this] { runDue(); });
 }
 
 void QtMainQueue::async(std::function<void()> call) {
-    QMetaObject::invokeMethod(&context_, std::move(call), Qt::QueuedConnection);
+    schedule(0, std::move(call));
 }
 
 Subscription QtMainQueue::after(double seconds, std::function<void()> call) {
-    const Deadline deadline(now() + toDelay(seconds), ++lastNumber_);
-    calls_->emplace(deadline, std::move(call));
-    armTimer();
+    const Deadline deadline = schedule(seconds, std::move(call));
     return Subscription([waiting = std::weak_ptr(calls_), deadline] {
         if (const auto calls = waiting.lock()) {
             calls->erase(deadline);
         }
     });
+}
+
+QtMainQueue::Deadline QtMainQueue::schedule(double seconds, std::function<void()> call) {
+    const Deadline deadline(now() + toDelay(seconds), ++lastNumber_);
+    calls_->emplace(deadline, std::move(call));
+    armTimer();
+    return deadline;
 }
 
 void QtMainQueue::runDue() {

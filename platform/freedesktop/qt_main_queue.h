@@ -3,7 +3,6 @@
 #include "platform/freedesktop/unique_descriptor.h"
 #include "platform/main_queue.h"
 
-#include <QObject>
 #include <QSocketNotifier>
 #include <chrono>
 #include <cstdint>
@@ -28,10 +27,10 @@ private:
     using Deadline = std::pair<std::chrono::nanoseconds, std::uint64_t>;
     using Calls = std::map<Deadline, std::function<void()>>;
 
+    Deadline schedule(double seconds, std::function<void()> call);
     void runDue();
     void armTimer();
 
-    QObject context_;
     std::shared_ptr<Calls> calls_ = std::make_shared<Calls>();
     std::uint64_t lastNumber_ = 0;
     UniqueDescriptor timer_;

@@ -17,7 +17,7 @@ std::string variable(const char* name, const char* otherwise = "") {
 }
 
 path home() {
-    const path named = variable("HOME");
+    path named = variable("HOME");
     if (named.is_absolute()) {
         return named;
     }
