@@ -5,6 +5,7 @@
 #include "platform/x11/display_link.h"
 #include "platform/x11/event_loop.h"
 #include "platform/x11/event_monitors.h"
+#include "platform/x11/hot_keys.h"
 #include "platform/x11/overlay_windows.h"
 #include "platform/x11/pointer.h"
 #include "platform/x11/screens.h"
@@ -18,6 +19,7 @@ struct X11Desktop {
           screens(connection),
           pointer(connection, screens),
           eventMonitors(connection, pointer),
+          hotKeys(connection),
           displayLinks(connection, screens),
           overlayWindows(connection, screens, clock),
           transaction(overlayWindows) {}
@@ -27,6 +29,7 @@ struct X11Desktop {
     X11Screens screens;
     X11Pointer pointer;
     X11EventMonitors eventMonitors;
+    X11HotKeys hotKeys;
     X11DisplayLinks displayLinks;
     X11OverlayWindows overlayWindows;
     X11Transaction transaction;

@@ -1,6 +1,7 @@
 #include "platform/x11/event_monitors.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <xcb/xinput.h>
 
@@ -11,10 +12,21 @@ namespace {
 constexpr EventMask motionMask =
     maskOf(EventType::mouseMoved) | maskOf(EventType::leftMouseDragged) |
     maskOf(EventType::rightMouseDragged) | maskOf(EventType::otherMouseDragged);
+constexpr EventMask pressMask =
+    maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown);
+
+constexpr std::uint32_t leftButton = 1;
+constexpr std::uint32_t rightButton = 3;
+
+// A wheel turns its steps into presses, many a second. Nobody clicks with them, so they are left
+// out before anything is asked about them.
+bool isWheel(std::uint32_t button) {
+    return button >= 4 && button <= 7;
+}
 
 } // namespace
 
-X11EventMonitors::X11EventMonitors(Connection& connection, const X11Pointer& pointer)
+X11EventMonitors::X11EventMonitors(Connection& connection, X11Pointer& pointer)
     : connection_(connection), pointer_(pointer), events_(connection.addHandler(*this)) {}
 
 std::optional<EventMonitors::Token> X11EventMonitors::addGlobal(EventMask mask,
@@ -32,20 +44,22 @@ std::optional<EventMonitors::Token> X11EventMonitors::addLocal(EventMask mask,
 }
 
 void X11EventMonitors::remove(Token token) {
-    const auto isToken = [token](const auto& monitor) { return monitor.token == token; };
-    if (sending_) {
-        // The lists are being walked along.
-        for (auto& monitor : global_) {
-            monitor.mask = isToken(monitor) ? 0 : monitor.mask;
+    const auto forget = [token](auto& monitors) {
+        for (auto& monitor : monitors) {
+            monitor.mask = monitor.token == token ? 0 : monitor.mask;
         }
-        for (auto& monitor : local_) {
-            monitor.mask = isToken(monitor) ? 0 : monitor.mask;
-        }
-    } else {
-        std::erase_if(global_, isToken);
-        std::erase_if(local_, isToken);
+    };
+    forget(global_);
+    forget(local_);
+    if (!sending_) {
+        eraseRemoved();
     }
     select();
+}
+
+void X11EventMonitors::eraseRemoved() {
+    std::erase_if(global_, [](const auto& monitor) { return monitor.mask == 0; });
+    std::erase_if(local_, [](const auto& monitor) { return monitor.mask == 0; });
 }
 
 void X11EventMonitors::select() {
@@ -56,14 +70,21 @@ void X11EventMonitors::select() {
     for (const auto& monitor : local_) {
         wanted |= monitor.mask;
     }
-    struct {
+    std::uint32_t events = 0;
+    if ((wanted & motionMask) != 0) {
+        events |= XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
+    }
+    if ((wanted & pressMask) != 0) {
+        events |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+    }
+    if (std::exchange(selected_, events) == events) {
+        return;
+    }
+    // Of the pointers only: what moves them is seen through them.
+    const struct {
         xcb_input_event_mask_t head;
         std::uint32_t events;
-    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, 0};
-    if ((wanted & motionMask) != 0) {
-        selection.events |=
-            XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
-    }
+    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
     xcb_input_xi_select_events(connection_.xcb(), connection_.root(), 1, &selection.head);
 }
 
@@ -72,31 +93,79 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
         return;
     }
     const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-    if (generic.extension == connection_.majorOpcode(xcb_input_id) &&
-        (generic.event_type == XCB_INPUT_RAW_MOTION ||
-         generic.event_type == XCB_INPUT_RAW_TOUCH_UPDATE)) {
+    if (generic.extension != connection_.majorOpcode(xcb_input_id)) {
+        return;
+    }
+    if (generic.event_type == XCB_INPUT_RAW_MOTION ||
+        generic.event_type == XCB_INPUT_RAW_TOUCH_UPDATE) {
         moved_ = true;
+    } else if (generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
+        notePress(event);
+    }
+}
+
+void X11EventMonitors::notePress(const xcb_generic_event_t& event) {
+    const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+    if (!isWheel(press.detail)) {
+        presses_.push_back({press.deviceid, press.sourceid, press.detail});
     }
 }
 
 void X11EventMonitors::eventsDrained() {
+    deliverPresses();
     if (std::exchange(moved_, false)) {
         const auto place = pointer_.lastLocation();
         send({.type = EventType::mouseMoved, .locationInWindow = {place.x, place.y}});
     }
 }
 
+void X11EventMonitors::deliverPresses() {
+    if (presses_.empty()) {
+        return;
+    }
+    const auto presses = std::exchange(presses_, {});
+    ButtonMapping mapping(connection_);
+    for (const auto& press : presses) {
+        mapping.request(press);
+    }
+    const auto place = pointer_.location();
+    for (const auto& press : presses) {
+        const auto button = mapping.buttonOf(press);
+        if (button == leftButton) {
+            sendPress(EventType::leftMouseDown, place);
+        } else if (button == rightButton) {
+            sendPress(EventType::rightMouseDown, place);
+        }
+    }
+}
+
+void X11EventMonitors::sendPress(EventType type, GlobalPoint place) {
+    const auto* window = windowAt_ ? windowAt_(place) : nullptr;
+    const auto origin = window != nullptr ? window->convertPointToScreen({}) : GlobalPoint{};
+    send({.type = type, .locationInWindow = toLocal(place, origin), .window = window});
+}
+
 void X11EventMonitors::send(const Event& event) {
     sending_ = true;
-    for (std::size_t i = 0; i < global_.size(); ++i) {
-        if ((global_[i].mask & maskOf(event.type)) != 0) {
-            const auto handler = global_[i].handler;
-            handler(event);
+    // A monitor that is added meanwhile hears of the next event.
+    const auto wants = [&event, last = lastToken_](const auto& monitor) {
+        return (monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last;
+    };
+    if (event.window == nullptr) {
+        for (const auto& monitor : global_) {
+            if (wants(monitor)) {
+                monitor.handler(event);
+            }
+        }
+    } else {
+        for (const auto& monitor : local_) {
+            if (wants(monitor) && monitor.handler(event) == std::nullopt) {
+                break;
+            }
         }
     }
     sending_ = false;
-    std::erase_if(global_, [](const auto& monitor) { return monitor.mask == 0; });
-    std::erase_if(local_, [](const auto& monitor) { return monitor.mask == 0; });
+    eraseRemoved();
 }
 
 } // namespace vantrel::x11

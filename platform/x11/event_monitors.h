@@ -1,18 +1,28 @@
 #pragma once
 
 #include "platform/event_monitors.h"
+#include "platform/x11/button_mapping.h"
 #include "platform/x11/pointer.h"
 
+#include <list>
 #include <vector>
 
 namespace vantrel::x11 {
 
-// Motion of every mouse, touchpad and tablet, seen whoever has grabbed the pointer. However many
-// motions have arrived, they are told of once, when all of them were read. A motion carries the
-// place of the last query: the raw events have none, and asking is for who needs it.
+// Motion and presses of every mouse, touchpad and tablet, seen whoever has grabbed the pointer.
+// They are told of when all that had arrived was read: first the presses, in their order and each
+// with the place of the pointer, then the motion, once however many there were. A motion carries
+// the place of the last query, as the raw events have none and asking is for who needs it; it
+// always goes to the global monitors.
 class X11EventMonitors final : public EventMonitors, private EventHandler {
 public:
-    X11EventMonitors(Connection& connection, const X11Pointer& pointer);
+    // The window of this application that a press at the point goes to, null when there is none.
+    using WindowAt = std::function<const EventWindow*(GlobalPoint)>;
+
+    X11EventMonitors(Connection& connection, X11Pointer& pointer);
+
+    // Until it is set, every press is taken for another application's.
+    void setWindowAt(WindowAt windowAt) { windowAt_ = std::move(windowAt); }
 
     std::optional<Token> addGlobal(EventMask mask, GlobalHandler handler) override;
     std::optional<Token> addLocal(EventMask mask, LocalHandler handler) override;
@@ -22,21 +32,29 @@ private:
     template <typename Handler>
     struct Monitor {
         Token token = 0;
-        EventMask mask = 0;
-        Handler handler; // empty once it was removed
+        EventMask mask = 0; // 0 once it was removed
+        Handler handler;
     };
 
     void handleEvent(const xcb_generic_event_t& event) override;
     void eventsDrained() override;
     void select();
+    void notePress(const xcb_generic_event_t& event);
+    void deliverPresses();
+    void sendPress(EventType type, GlobalPoint place);
     void send(const Event& event);
+    void eraseRemoved();
 
     Connection& connection_;
-    const X11Pointer& pointer_;
+    X11Pointer& pointer_;
+    WindowAt windowAt_;
     Token lastToken_ = 0;
-    std::vector<Monitor<GlobalHandler>> global_;
-    std::vector<Monitor<LocalHandler>> local_;
+    // Lists, so that a handler may add a monitor while they are walked along.
+    std::list<Monitor<GlobalHandler>> global_;
+    std::list<Monitor<LocalHandler>> local_;
+    std::uint32_t selected_ = 0;
     bool sending_ = false;
+    std::vector<RawPress> presses_;
     bool moved_ = false;
     Subscription events_;
 };
