@@ -9,8 +9,10 @@
 #include <csignal>
 #include <limits>
 #include <optional>
+#include <semaphore>
 #include <string>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -108,6 +110,17 @@ TEST(TerminationSignals, EachCallOnceFromTheEventLoop) {
         EXPECT_TRUE(waitUntil([&] { return calls > 0; })) << strsignal(number);
         EXPECT_EQ(calls, 1);
     }
+}
+
+TEST(TerminationSignals, SpareTheThreadsThatStartAfterThemAndWaitForTheirReceiver) {
+    TerminationSignals signals;
+    std::binary_semaphore end(0);
+    std::jthread toolkit([&] { end.acquire(); });
+    kill(getpid(), SIGTERM);
+    int calls = 0;
+    signals.deliverTo([&] { ++calls; });
+    EXPECT_TRUE(waitUntil([&] { return calls == 1; }));
+    end.release();
 }
 
 TEST(TerminationSignals, LeaveAloneWhatTheParentHadIgnored) {

@@ -24,20 +24,17 @@ sigset_t heededSignals() {
 
 } // namespace
 
-TerminationSignals::TerminationSignals(std::function<void()> callback) {
+TerminationSignals::TerminationSignals() {
     const sigset_t signals = heededSignals();
     descriptor_ = UniqueDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     if (!descriptor_) {
         throw std::system_error(errno, std::generic_category(), "signalfd");
     }
     pthread_sigmask(SIG_BLOCK, &signals, &former_);
-    notifier_ = std::make_unique<QSocketNotifier>(descriptor_.get(), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
-                     [this, call = std::move(callback)] {
-                         if (takeOne()) {
-                             call();
-                         }
-                     });
+}
+
+TerminationSignals::TerminationSignals(std::function<void()> callback) : TerminationSignals() {
+    deliverTo(std::move(callback));
 }
 
 TerminationSignals::~TerminationSignals() {
@@ -45,6 +42,16 @@ TerminationSignals::~TerminationSignals() {
     while (takeOne()) {
     }
     pthread_sigmask(SIG_SETMASK, &former_, nullptr);
+}
+
+void TerminationSignals::deliverTo(std::function<void()> callback) {
+    notifier_ = std::make_unique<QSocketNotifier>(descriptor_.get(), QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                     [this, call = std::move(callback)] {
+                         if (takeOne()) {
+                             call();
+                         }
+                     });
 }
 
 bool TerminationSignals::takeOne() {
