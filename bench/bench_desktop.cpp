@@ -75,7 +75,7 @@ Contenders contendersFor(const std::string& program) {
     const Contender empty{.command = {here / "vantrel_empty_qt"},
                           .appearsAt = desktop::PixelPoint{300, 250}};
     if (program.empty()) {
-        return {floor, floorAtRest, empty, floor, floorAtRest, empty};
+        return {floor, floorAtRest, empty, floor, floorAtRest, empty, false};
     }
     const Contender tested{.command = {std::filesystem::canonical(program)}};
     return {tested, tested, tested, floor, floorAtRest, empty};

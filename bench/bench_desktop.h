@@ -40,6 +40,7 @@ struct Contenders {
     Contender floor;
     Contender floorAtRest; // keeps a display link
     Contender emptyApplication;
+    bool showsClicks = true; // the program does; the floor in its place does not
 };
 
 // The floor and the empty application lie beside this executable. Without a program the floor is
