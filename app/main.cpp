@@ -32,10 +32,12 @@ class Program {
 public:
     // The connection must outlive it.
     explicit Program(x11::Connection& connection) : x11_(connection) {
-        // Also when it is lost before the event loop runs.
         lost_ = connection.lost.add([this] { mainQueue_.async([] { QCoreApplication::quit(); }); });
         sleep_ = workspace_.onWillSleep([this] { suspend(); });
-        shutDown_ = workspace_.onWillShutDown([this] { suspend(); });
+        shutDown_ = workspace_.onWillShutDown([this] {
+            suspend();
+            quit();
+        });
         wake_ = workspace_.onDidWake([this] { mainQueue_.async([this] { state_.wake(); }); });
         state_.startUp();
     }
@@ -47,6 +49,9 @@ public:
     }
 
 private:
+    // From the event loop, which may not run yet.
+    void quit() { mainQueue_.async([] { QCoreApplication::quit(); }); }
+
     x11::X11Desktop x11_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;
@@ -77,9 +82,10 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "vantrel: %s\n", error.c_str());
         return EXIT_FAILURE;
     }
+    TerminationSignals signals;
     const QCoreApplication application(argc, argv);
-    const TerminationSignals signals([] { QCoreApplication::quit(); });
     Program program(*connection);
+    signals.deliverTo([] { QCoreApplication::quit(); });
     const int status = QCoreApplication::exec();
     program.suspend();
     return status;

@@ -19,6 +19,8 @@ class HotKeys final : public vantrel::HotKeys {
 public:
     explicit HotKeys(Faults& faults) : faults_(faults) {}
     ~HotKeys() override;
+    HotKeys(const HotKeys&) = delete;
+    HotKeys& operator=(const HotKeys&) = delete;
 
     void setHandler(std::function<void(HotKeyId)> handler) override;
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,

@@ -1,0 +1,59 @@
+#include "overlay_fixture.h"
+
+#include <cstdlib>
+#include <new>
+
+#include <poll.h>
+
+namespace {
+std::uint64_t allocations = 0;
+} // namespace
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++allocations;
+    return std::malloc(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace vantrel::desktop {
+namespace {
+
+TEST_F(OverlayDesktopTest, TakesNoMemoryToFollowThePointer) {
+    startCompositing();
+    start();
+    input.moveTo({100, 100});
+    runFor(std::chrono::milliseconds(200));
+    std::uint64_t taken = 0;
+    // Without the toolkit's event loop, which is not the program's.
+    const auto handleWhatComes = [&] {
+        pollfd descriptor{connection->descriptor(), POLLIN, 0};
+        poll(&descriptor, 1, 20);
+        const auto before = allocations;
+        connection->dispatch();
+        taken += allocations - before;
+    };
+    for (int x = 0; x < 200; ++x) {
+        input.moveTo({100 + x, 200});
+        handleWhatComes();
+    }
+    ASSERT_EQ(x11->pointer.location().x, 299);
+    for (int i = 0; i < 60; ++i) {
+        handleWhatComes();
+    }
+    EXPECT_EQ(taken, 0U);
+}
+
+} // namespace
+} // namespace vantrel::desktop
