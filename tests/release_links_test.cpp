@@ -1,3 +1,4 @@
+#include "platform/headless/headless_session.h"
 #include "preferences/release_links.h"
 
 #include <gtest/gtest.h>
@@ -139,33 +140,22 @@ TEST(ReleaseLinks, AreNotUnfoldedFromSharedArrays) {
     EXPECT_EQ(releaseURL(bytes, ReleaseLink::support), std::nullopt);
 }
 
-class FileBundle final : public Bundle {
-public:
-    [[nodiscard]] std::optional<std::filesystem::path>
-    resource(std::string_view name, std::string_view extension) const override {
-        const bool asked = name == "ReleaseConfiguration" && extension == "plist";
-        return asked ? path : std::nullopt;
-    }
-    [[nodiscard]] std::optional<std::string> shortVersion() const override { return {}; }
-    [[nodiscard]] std::optional<std::string> buildNumber() const override { return {}; }
-
-    std::optional<std::filesystem::path> path;
-};
-
 TEST(ReleaseLinks, AreReadAnewFromTheResourcesEachTime) {
     const QTemporaryDir folder;
-    FileBundle bundle;
-    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt);
-    bundle.path = folder.path().toStdString();
-    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "a folder";
-    *bundle.path /= "links.plist";
-    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "no file";
+    headless::Bundle bundle;
+    const auto link = [&bundle] { return releaseURL(bundle, ReleaseLink::privacy); };
+    EXPECT_EQ(link(), std::nullopt);
+    auto& path = bundle.resources["ReleaseConfiguration.plist"];
+    path = folder.path().toStdString();
+    EXPECT_EQ(link(), std::nullopt) << "a folder";
+    path /= "links.plist";
+    EXPECT_EQ(link(), std::nullopt) << "no file";
     for (const std::string url : {"https://example.com/1", "https://example.com/2"}) {
-        std::ofstream(*bundle.path) << xml("PrivacyURL", url);
-        EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), url);
+        std::ofstream(path) << xml("PrivacyURL", url);
+        EXPECT_EQ(link(), url);
     }
-    std::ofstream(*bundle.path, std::ios::app) << std::string(1 << 20, ' ');
-    EXPECT_EQ(releaseURL(bundle, ReleaseLink::privacy), std::nullopt) << "far too long";
+    std::ofstream(path, std::ios::app) << std::string(1 << 20, ' ');
+    EXPECT_EQ(link(), std::nullopt) << "far too long";
 }
 
 } // namespace
