@@ -104,8 +104,8 @@ private:
 
     void write(const std::integral auto& value) { document_ += std::to_string(value); }
 
-    // The fewest digits that read back as the same double; no fraction for a whole number, an
-    // exponent only where the digits would not reach the decimal point.
+    // The fewest digits that read back as the same double: no fraction for a whole number, an
+    // exponent only for the very large and the very small.
     void write(double value) {
         const double magnitude = std::abs(value);
         const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude <= 0x1p54);
@@ -175,9 +175,16 @@ public:
 private:
     explicit Reader(const json& object) : object_(object) {}
 
+    template <typename T>
+    static bool assign(T& member, const T* value) {
+        if (value != nullptr) {
+            member = *value;
+        }
+        return value != nullptr;
+    }
+
     static bool read(const json& value, bool& member) {
-        const auto* boolean = value.get_ptr<const json::boolean_t*>();
-        return boolean != nullptr && (member = *boolean, true);
+        return assign(member, value.get_ptr<const json::boolean_t*>());
     }
 
     template <std::integral Int>
@@ -202,15 +209,14 @@ private:
     }
 
     static bool read(const json& value, std::string& member) {
-        const auto* text = value.get_ptr<const json::string_t*>();
-        return text != nullptr && (member = *text, true);
+        return assign(member, value.get_ptr<const json::string_t*>());
     }
 
     template <Enumeration Enum>
     static bool read(const json& value, Enum& member) {
         const auto* name = value.get_ptr<const json::string_t*>();
         const auto named = name != nullptr ? caseNamed<Enum>(*name) : std::nullopt;
-        return named && (member = *named, true);
+        return assign(member, named ? &*named : nullptr);
     }
 
     const json& object_;
