@@ -105,10 +105,11 @@ TEST_F(OutputsTest, KeepThePaceOfTheFastestDisplay) {
     EXPECT_NEAR(x11->screens.list()[0].maximumFramesPerSecond, 60, 0.5);
     EXPECT_NEAR(x11->screens.list()[1].maximumFramesPerSecond, 120, 0.5);
     EXPECT_EQ(x11->screens.list()[1].frame, (GlobalRect{1280, 0, 1280, 720}));
-    EXPECT_NEAR(framesPerSecond(), 120, 12);
+    // Neither is the other, even on a machine that has more to do than it can.
+    EXPECT_NEAR(framesPerSecond(), 120, 35);
     setOutputs(watcher, {{{1280, 720}, 60, {0, 0}}});
     ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; }));
-    EXPECT_NEAR(framesPerSecond(), 60, 6);
+    EXPECT_NEAR(framesPerSecond(), 60, 20);
 }
 
 TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
