@@ -21,7 +21,7 @@ void ButtonMapping::request(const RawPress& press) {
 }
 
 void ButtonMapping::requestDevice(std::uint16_t id) {
-    if (std::ranges::find(devices_, id, &Device::id) == devices_.end()) {
+    if (id != 0 && std::ranges::find(devices_, id, &Device::id) == devices_.end()) {
         // Devices have small numbers; the request keeps from its beginnings a byte for them.
         const auto cookie =
             xcb_input_get_device_button_mapping(connection_.xcb(), static_cast<std::uint8_t>(id));

@@ -9,8 +9,8 @@ namespace vantrel::x11 {
 
 // A button that went down, as a raw event tells of it.
 struct RawPress {
-    std::uint16_t device = 0; // the pointer that it moves
-    std::uint16_t source = 0; // the mouse itself
+    std::uint16_t device = 0; // the pointer that it moves; 0 for a button without mapping
+    std::uint16_t source = 0; // the mouse itself; 0 likewise
     std::uint32_t button = 0; // by its place on the mouse
 };
 

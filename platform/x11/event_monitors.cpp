@@ -75,11 +75,14 @@ void X11EventMonitors::select() {
         events |= XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
     }
     if ((wanted & pressMask) != 0) {
-        events |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+        events |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                  XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
     }
     if (std::exchange(selected_, events) == events) {
         return;
     }
+    // A finger may be lifted while nobody looks.
+    fingers_.clear();
     // Of the pointers only: what moves them is seen through them.
     const struct {
         xcb_input_event_mask_t head;
@@ -96,11 +99,20 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
     if (generic.extension != connection_.majorOpcode(xcb_input_id)) {
         return;
     }
-    if (generic.event_type == XCB_INPUT_RAW_MOTION ||
-        generic.event_type == XCB_INPUT_RAW_TOUCH_UPDATE) {
+    switch (generic.event_type) {
+    case XCB_INPUT_RAW_MOTION:
+    case XCB_INPUT_RAW_TOUCH_UPDATE:
         moved_ = true;
-    } else if (generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
+        break;
+    case XCB_INPUT_RAW_BUTTON_PRESS:
         notePress(event);
+        break;
+    case XCB_INPUT_RAW_TOUCH_BEGIN:
+    case XCB_INPUT_RAW_TOUCH_END:
+        noteFinger(event);
+        break;
+    default:
+        break;
     }
 }
 
@@ -109,6 +121,19 @@ void X11EventMonitors::notePress(const xcb_generic_event_t& event) {
     if (!isWheel(press.detail)) {
         presses_.push_back({press.deviceid, press.sourceid, press.detail});
     }
+}
+
+// The server sends no raw press for a finger.
+void X11EventMonitors::noteFinger(const xcb_generic_event_t& event) {
+    const auto& touch = reinterpret_cast<const xcb_input_raw_touch_begin_event_t&>(event);
+    if (touch.event_type == XCB_INPUT_RAW_TOUCH_END) {
+        std::erase(fingers_, touch.detail);
+        return;
+    }
+    if (fingers_.empty()) {
+        presses_.push_back({.button = leftButton});
+    }
+    fingers_.push_back(touch.detail);
 }
 
 void X11EventMonitors::eventsDrained() {

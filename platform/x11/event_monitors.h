@@ -40,6 +40,7 @@ private:
     void eventsDrained() override;
     void select();
     void notePress(const xcb_generic_event_t& event);
+    void noteFinger(const xcb_generic_event_t& event);
     void deliverPresses();
     void sendPress(EventType type, GlobalPoint place);
     void send(const Event& event);
@@ -55,6 +56,7 @@ private:
     std::uint32_t selected_ = 0;
     bool sending_ = false;
     std::vector<RawPress> presses_;
+    std::vector<std::uint32_t> fingers_; // that are down
     bool moved_ = false;
     Subscription events_;
 };
