@@ -4,6 +4,7 @@
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
 #include "platform/x11/desktop.h"
+#include "platform/x11/key_table.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <set>
 
 #include <X11/keysym.h>
 #include <xcb/xinput.h>
@@ -258,6 +260,21 @@ TEST_F(HotKeysDesktopTest, AreRefusedWhereThereIsNoSuchKeyOrModifier) {
     EXPECT_EQ(x11->hotKeys.register_(4, modifier::control | 1, {}), std::nullopt);
     EXPECT_NE(x11->hotKeys.register_(0x5A, modifier::shift, {}), std::nullopt);
     EXPECT_EQ(x11->hotKeys.register_(0x5A, modifier::shift, {}), std::nullopt);
+}
+
+TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
+    // Modifier keys, and codes that no key has.
+    const std::set<std::uint32_t> none{0x34, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D,
+                                       0x3E, 0x3F, 0x42, 0x44, 0x46, 0x4D, 0x6C, 0x70, 0x7F};
+    for (std::uint32_t code = 0; code <= 0x7F; ++code) {
+        const auto keycode = x11::keycodeOf(code);
+        ASSERT_EQ(keycode.has_value(), !none.contains(code)) << code;
+        EXPECT_TRUE(!keycode || x11::virtualKeyCodeOf(*keycode) == code) << code;
+    }
+    EXPECT_EQ(x11::keycodeOf(53), 9);                   // Escape
+    EXPECT_EQ(x11::keycodeOf(51), 22);                  // Backspace
+    EXPECT_EQ(x11::virtualKeyCodeOf(50), std::nullopt); // left Shift
+    EXPECT_EQ(x11::virtualKeyCodeOf(0), std::nullopt);
 }
 
 struct Click {
