@@ -6,6 +6,14 @@
 
 namespace vantrel {
 
+// Modifier keys of a combination, as bits. The values are those of stored shortcuts.
+namespace modifier {
+inline constexpr std::uint32_t command = 0x100;
+inline constexpr std::uint32_t shift = 0x200;
+inline constexpr std::uint32_t option = 0x800;
+inline constexpr std::uint32_t control = 0x1000;
+} // namespace modifier
+
 // The identity that a registration carries and a press reports.
 struct HotKeyId {
     std::uint32_t signature = 0;
@@ -15,7 +23,7 @@ struct HotKeyId {
 };
 
 // Key combinations that are seen in every application and consumed. Keys are virtual key codes,
-// modifiers the bits command 0x100, shift 0x200, option 0x800 and control 0x1000.
+// modifiers those above.
 class HotKeys {
 public:
     using Ref = std::uint64_t;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/hot_keys.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -7,14 +9,6 @@
 #include <string_view>
 
 namespace vantrel {
-
-// Modifier keys of a shortcut. The values are those of the stored document.
-namespace modifier {
-inline constexpr std::uint32_t command = 0x100;
-inline constexpr std::uint32_t shift = 0x200;
-inline constexpr std::uint32_t option = 0x800;
-inline constexpr std::uint32_t control = 0x1000;
-} // namespace modifier
 
 // Modifier flags of a key event; other bits of a flag word mean nothing here.
 namespace keyflag {

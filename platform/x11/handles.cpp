@@ -10,14 +10,14 @@ namespace {
 
 using Key = std::pair<xcb_connection_t*, std::uint32_t>;
 
-std::map<Key, std::source_location>& ledger() {
-    static std::map<Key, std::source_location> entries;
+std::map<Key, SourceLine>& ledger() {
+    static std::map<Key, SourceLine> entries;
     return entries;
 }
 
 } // namespace
 
-void IdLedger::add(xcb_connection_t* connection, std::uint32_t id, const std::source_location& at) {
+void IdLedger::add(xcb_connection_t* connection, std::uint32_t id, SourceLine at) {
     ledger().insert_or_assign({connection, id}, at);
 }
 
@@ -29,8 +29,8 @@ std::string IdLedger::leftOver(xcb_connection_t* connection) {
     std::string lines;
     for (const auto& [key, at] : ledger()) {
         if (key.first == connection) {
-            lines += "X id " + std::to_string(key.second) + " made at " + at.file_name() + ":" +
-                     std::to_string(at.line()) + "\n";
+            lines += "X id " + std::to_string(key.second) + " made at " + at.file + ":" +
+                     std::to_string(at.line) + "\n";
         }
     }
     return lines;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <source_location>
 #include <string>
 #include <utility>
 
@@ -8,17 +7,28 @@
 
 namespace vantrel::x11 {
 
+// Where a handle is made: its caller's line.
+struct SourceLine {
+    const char* file = "";
+    int line = 0;
+
+    static constexpr SourceLine here(const char* file = __builtin_FILE(),
+                                     int line = __builtin_LINE()) {
+        return {file, line};
+    }
+};
+
 // In debug builds, where each X id that is alive was made; elsewhere nothing.
 class IdLedger {
 public:
 #ifdef NDEBUG
-    static void add(xcb_connection_t*, std::uint32_t, const std::source_location&) {}
+    static void add(xcb_connection_t*, std::uint32_t, SourceLine) {}
     static void remove(xcb_connection_t*, std::uint32_t) {}
     static std::string leftOver(xcb_connection_t*) {
         return {};
     }
 #else
-    static void add(xcb_connection_t* connection, std::uint32_t id, const std::source_location& at);
+    static void add(xcb_connection_t* connection, std::uint32_t id, SourceLine at);
     static void remove(xcb_connection_t* connection, std::uint32_t id);
     // A line for each id of the connection that is still alive.
     static std::string leftOver(xcb_connection_t* connection);
@@ -30,8 +40,7 @@ template <auto Free>
 class Handle {
 public:
     Handle() = default;
-    explicit Handle(xcb_connection_t* connection,
-                    const std::source_location& at = std::source_location::current())
+    explicit Handle(xcb_connection_t* connection, SourceLine at = SourceLine::here())
         : connection_(connection), id_(xcb_generate_id(connection)) {
         IdLedger::add(connection_, id_, at);
     }

@@ -1,5 +1,7 @@
 #include "platform/x11/modifier_map.h"
 
+#include "platform/hot_keys.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -11,12 +13,6 @@ namespace vantrel::x11 {
 namespace {
 
 constexpr unsigned modifierCount = 8;
-
-// The bits in which HotKeys are given their modifiers.
-constexpr std::uint32_t commandBit = 0x100;
-constexpr std::uint32_t shiftBit = 0x200;
-constexpr std::uint32_t optionBit = 0x800;
-constexpr std::uint32_t controlBit = 0x1000;
 
 struct KeyboardMapping {
     xcb_keycode_t firstKeycode;
@@ -95,10 +91,10 @@ ModifierMap ModifierMap::read(const Connection& connection) {
 
 std::optional<std::uint32_t> ModifierMap::stateOf(std::uint32_t modifiers) const {
     const std::array<std::pair<std::uint32_t, std::uint32_t>, 4> bits{{
-        {commandBit, command},
-        {shiftBit, XCB_MOD_MASK_SHIFT},
-        {optionBit, option},
-        {controlBit, XCB_MOD_MASK_CONTROL},
+        {modifier::command, command},
+        {modifier::shift, XCB_MOD_MASK_SHIFT},
+        {modifier::option, option},
+        {modifier::control, XCB_MOD_MASK_CONTROL},
     }};
     std::uint32_t state = 0;
     for (const auto& [modifier, bit] : bits) {
