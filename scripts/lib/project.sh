@@ -55,7 +55,7 @@ missing_packages() {
 ensure_packages() {
     local purpose=$1 missing administrator=()
     shift
-    command -v apt-get dpkg-query >/dev/null ||
+    { command -v apt-get && command -v dpkg-query; } >/dev/null ||
         fail 'this needs Debian or a relative of it (apt-get and dpkg); README.md says what to install elsewhere'
     mapfile -t missing < <(missing_packages "$@")
     ((${#missing[@]})) || return 0
