@@ -16,7 +16,7 @@ endif()
 add_library(vantrel_options INTERFACE)
 target_compile_options(vantrel_options INTERFACE
     -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference
     -Wimplicit-fallthrough -fno-strict-aliasing
     # Fields that an initializer leaves out are initialised where they are declared.
     -Wno-missing-field-initializers)

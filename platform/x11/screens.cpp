@@ -1,6 +1,7 @@
 #include "platform/x11/screens.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <span>
 #include <string>
@@ -197,7 +198,7 @@ void X11Screens::read() {
         xcb_randr_get_screen_resources_current(connection_.xcb(), connection_.root());
     auto monitors = readMonitors(connection_);
     dropMirrors(monitors);
-    std::ranges::stable_partition(monitors, &Monitor::primary);
+    std::stable_partition(monitors.begin(), monitors.end(), std::mem_fn(&Monitor::primary));
     const Owned<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(connection_.xcb(), resourcesCookie, nullptr));
     const auto rates = resources ? readRates(*resources) : Rates();
