@@ -43,6 +43,10 @@ struct ClickGeometry {
     double endDiameter = 0;
 
     static const ClickGeometry& of(ClickStyle style);
+    // From a progress of 0 at the start to one of 1 at the end.
+    [[nodiscard]] double diameterAt(double progress) const {
+        return startDiameter + (endDiameter - startDiameter) * progress;
+    }
 };
 
 inline constexpr double clickOpacity = 0.8; // at the start; 0 at the end

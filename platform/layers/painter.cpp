@@ -1,7 +1,6 @@
 #include "platform/layers/painter.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -19,18 +18,6 @@ bool isFinite(const Rect& rect) {
            std::isfinite(rect.height);
 }
 
-// The line along an ellipse as the area between two: the toolkit's own strokes of curves are
-// polygons whose corners show on scaled displays.
-QPainterPath outline(const QRectF& ellipse, double lineWidth) {
-    const double half = lineWidth / 2;
-    QPainterPath path;
-    path.addEllipse(ellipse.adjusted(-half, -half, half, half));
-    if (ellipse.width() > lineWidth && ellipse.height() > lineWidth) {
-        path.addEllipse(ellipse.adjusted(half, half, -half, -half));
-    }
-    return path;
-}
-
 void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& state) {
     if (!isFinite(state.ellipse)) {
         return;
@@ -42,7 +29,7 @@ void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& st
         painter.drawEllipse(ellipse);
     }
     if (shape.strokeColor().isValid()) {
-        painter.fillPath(outline(ellipse, shape.lineWidth()), shape.strokeColor());
+        painter.fillPath(ellipseLine(ellipse, shape.lineWidth()), shape.strokeColor());
     }
 }
 
@@ -81,6 +68,16 @@ Rect paintedShape(const ShapeLayer& shape, double mediaTime) {
 }
 
 } // namespace
+
+QPainterPath ellipseLine(const QRectF& ellipse, double lineWidth) {
+    const double half = lineWidth / 2;
+    QPainterPath path;
+    path.addEllipse(ellipse.adjusted(-half, -half, half, half));
+    if (ellipse.width() > lineWidth && ellipse.height() > lineWidth) {
+        path.addEllipse(ellipse.adjusted(half, half, -half, -half));
+    }
+    return path;
+}
 
 void paintLayer(QPainter& painter, const Layer& layer, double mediaTime) {
     painter.save();

@@ -3,6 +3,7 @@
 #include "platform/layers/layer.h"
 
 #include <QImage>
+#include <QPainterPath>
 #include <QSize>
 
 class QPainter;
@@ -18,6 +19,10 @@ namespace vantrel {
 
 // The same into a painter whose coordinates are the layer's, y upward.
 void paintLayer(QPainter& painter, const Layer& layer, double mediaTime);
+
+// The line along an ellipse as the area between two: the toolkit's own strokes of curves are
+// polygons whose corners show on scaled displays.
+[[nodiscard]] QPainterPath ellipseLine(const QRectF& ellipse, double lineWidth);
 
 // The smallest rectangle, in the layer's own coordinates, outside which it and those below it show
 // nothing; empty when they show nothing at all.

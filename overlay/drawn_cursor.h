@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/cursor_image.h"
+
+namespace vantrel {
+
+// An arrow of our own, for desktops that do not show theirs.
+class DrawnCursor final : public CursorImages {
+public:
+    [[nodiscard]] CursorImage arrow(double scale) const override;
+};
+
+} // namespace vantrel
