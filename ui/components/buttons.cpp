@@ -1,0 +1,100 @@
+#include "ui/components/buttons.h"
+
+#include "ui/components/accessibility.h"
+#include "ui/components/label.h"
+#include "ui/components/pictogram.h"
+#include "ui/components/stack.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+PlainButton::PlainButton(ViewContext& view, const Wording& name,
+                         const std::function<void()>& action, QWidget* face) {
+    setAutoDefault(false);
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(face);
+    face->setAttribute(Qt::WA_TransparentForMouseEvents);
+    hideFromScreenReaders(face);
+    connect(this, &QAbstractButton::clicked, this, action);
+    view.follow(this, [this, &view, name] { setAccessibleName(view.say(name)); });
+}
+
+QSize PlainButton::sizeHint() const {
+    return layout()->sizeHint();
+}
+
+bool PlainButton::hitButton(const QPoint& point) const {
+    return rect().contains(point);
+}
+
+void PlainButton::paintEvent(QPaintEvent* /*event*/) {
+    constexpr double radius = 6;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isDown() || underMouse()) {
+        drawChrome(painter, palette(), rect(),
+                   {.fill = {Tone::primary, isDown() ? 0.1 : 0.05}, .radius = radius});
+    }
+    drawFocusRing(painter, *this, rect(), radius);
+}
+
+PlainButton* iconButton(ViewContext& view, std::string_view symbol, int fontSize, Tone tone,
+                        const Wording& name, const std::function<void()>& action) {
+    auto* button = new PlainButton(view, name, action,
+                                   row(0, {new Symbol(symbol, fontSize, tone)})->padded(4));
+    view.follow(button, [button, &view, name] { button->setToolTip(view.say(name)); });
+    return button;
+}
+
+PlainButton* labelButton(ViewContext& view, std::string_view symbol, const Wording& title,
+                         const TextStyle& style, const std::function<void()>& action) {
+    auto* face = row(5, {new Symbol(symbol, style.size, style.tone), label(view, title, style)});
+    return new PlainButton(view, title, action, face->padded(4, 3));
+}
+
+PlainButton* actionRow(ViewContext& view, const Wording& title, std::string_view symbol,
+                       const std::optional<Wording>& subtitle,
+                       const std::function<void()>& action) {
+    constexpr TextStyle titleStyle{13, QFont::Medium};
+    auto* texts = column(
+        3, {label(view, title, titleStyle),
+            subtitle ? label(view, *subtitle, captionText.toned(Tone::secondary)) : nullptr});
+    auto* picture = row(0, {new Symbol(symbol, 17, Tone::blue)});
+    picture->setFixedWidth(24);
+    auto* face =
+        row(12, {picture, texts, spacer(), new Symbol("chevron.right", 10, Tone::tertiary)});
+    auto* button = new PlainButton(view, title, action, face->padded(0, 5));
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    if (subtitle) {
+        view.follow(button, [button, &view, text = *subtitle] {
+            button->setAccessibleDescription(view.say(text));
+        });
+    }
+    return button;
+}
+
+QPushButton* pushButton(ViewContext& view, const Wording& title,
+                        const std::function<void()>& action, ButtonRole role) {
+    auto* button = new QPushButton;
+    button->setFont(bodyText.font());
+    button->setAutoDefault(role == ButtonRole::primary);
+    button->setDefault(role == ButtonRole::primary);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    QObject::connect(button, &QAbstractButton::clicked, button, action);
+    view.follow(button, [button, &view, title, role] {
+        button->setText(view.say(title));
+        if (role == ButtonRole::destructive) {
+            QPalette red;
+            red.setColor(QPalette::ButtonText, toneColor(Tone::red, QPalette()));
+            button->setPalette(red);
+        }
+    });
+    return button;
+}
+
+} // namespace vantrel

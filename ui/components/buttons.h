@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/components/style.h"
+#include "ui/components/view_context.h"
+
+#include <QPushButton>
+
+#include <functional>
+#include <optional>
+#include <string_view>
+
+namespace vantrel {
+
+// A button without a frame, whose face is composed of parts.
+class PlainButton : public QPushButton {
+public:
+    PlainButton(ViewContext& view, const Wording& name, const std::function<void()>& action,
+                QWidget* face);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    [[nodiscard]] bool hitButton(const QPoint& point) const override;
+};
+
+// A pictogram alone; screen readers are told the name.
+[[nodiscard]] PlainButton* iconButton(ViewContext& view, std::string_view symbol, int fontSize,
+                                      Tone tone, const Wording& name,
+                                      const std::function<void()>& action);
+// A pictogram with its title beside it.
+[[nodiscard]] PlainButton* labelButton(ViewContext& view, std::string_view symbol,
+                                       const Wording& title, const TextStyle& style,
+                                       const std::function<void()>& action);
+// A row that leads somewhere, across its whole width.
+[[nodiscard]] PlainButton* actionRow(ViewContext& view, const Wording& title,
+                                     std::string_view symbol,
+                                     const std::optional<Wording>& subtitle,
+                                     const std::function<void()>& action);
+
+enum class ButtonRole : unsigned char { normal, primary, destructive };
+
+// The desktop's own kind of button.
+[[nodiscard]] QPushButton* pushButton(ViewContext& view, const Wording& title,
+                                      const std::function<void()>& action,
+                                      ButtonRole role = ButtonRole::normal);
+
+} // namespace vantrel

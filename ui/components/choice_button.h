@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ui/components/style.h"
+#include "ui/components/view_context.h"
+
+#include <QRadioButton>
+
+#include <functional>
+#include <vector>
+
+namespace vantrel {
+
+// What a choice is: its name for screen readers, whether it is made now, and how to make it.
+struct ChoiceRole {
+    Wording name;
+    std::function<bool()> isSelected;
+    std::function<void()> choose;
+};
+
+struct ChoiceLook {
+    Chrome selected;
+    Chrome plain;
+};
+
+// One of several things to choose from, with a face that is composed of parts. It shows whether it
+// is chosen as the state has it; choosing it only changes the state. The keyboard stops at each.
+class ChoiceButton : public QRadioButton {
+public:
+    ChoiceButton(ViewContext& view, const ChoiceRole& role, const ChoiceLook& look, QWidget* face);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    [[nodiscard]] bool hitButton(const QPoint& point) const override;
+    void nextCheckState() override {}
+
+private:
+    ChoiceLook look_;
+};
+
+// Choices side by side, told to screen readers as one group. They share the width evenly unless
+// they have widths of their own.
+[[nodiscard]] QWidget* choiceRow(ViewContext& view, int spacing, const Wording& name,
+                                 const std::vector<QWidget*>& choices);
+
+} // namespace vantrel

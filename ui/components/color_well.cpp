@@ -1,0 +1,135 @@
+#include "ui/components/color_well.h"
+
+#include "overlay/effect_drawing.h"
+#include "ui/components/pictogram.h"
+
+#include <QColorDialog>
+#include <QPainter>
+#include <QRgba64>
+#include <QWindow>
+
+namespace vantrel {
+
+namespace {
+
+constexpr QRectF wellRect(0, 4, 46, 26);
+constexpr double cornerRadius = 6;
+
+// Exactly what it was made of when it was made of bytes.
+EffectColor toEffectColor(const QColor& color) {
+    const QColor rgb = color.toRgb();
+    if (!rgb.isValid()) {
+        return EffectColor::fallback();
+    }
+    const auto part = [](quint16 value) { return value / 65535.0; };
+    const auto parts = rgb.rgba64();
+    return {part(parts.red()), part(parts.green()), part(parts.blue())};
+}
+
+} // namespace
+
+void CustomColorWell::Coordinator::colorChanged(const QColor& picked) {
+    lastChange = toEffectColor(picked);
+    color.set(*lastChange);
+}
+
+CustomColorWell::CustomColorWell(ViewContext& view, const Binding<EffectColor>& color,
+                                 const Wording& label)
+    : view_(view),
+      coordinator_(std::make_shared<Coordinator>(Coordinator{color, std::nullopt})),
+      color_(toQColor(color.get())) {
+    setAutoDefault(false);
+    setCheckable(true);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    connect(this, &QAbstractButton::clicked, this, &CustomColorWell::openDialog);
+    view.follow(this, [this, label] {
+        setAccessibleName(view_.say(label));
+        follow();
+    });
+}
+
+// What came from the dialog does not go back into it: that would disturb who is dragging there.
+void CustomColorWell::follow() {
+    const auto bound = coordinator_->color.get();
+    if (coordinator_->lastChange != bound) {
+        coordinator_->lastChange = bound;
+        setColor(toQColor(bound));
+    }
+}
+
+void CustomColorWell::setColor(const QColor& color) {
+    color_ = color;
+    update();
+    if (dialog_ != nullptr) {
+        const QSignalBlocker silence(dialog_);
+        dialog_->setCurrentColor(color);
+    }
+}
+
+QColorDialog* CustomColorWell::dialog() const {
+    return dialog_;
+}
+
+void CustomColorWell::openDialog() {
+    if (dialog_ == nullptr) {
+        dialog_ = makeDialog();
+    }
+    dialog_->show();
+    dialog_->raise();
+    dialog_->activateWindow();
+}
+
+// The dialog may outlive the well, whose panel closes when the dialog takes the focus.
+QColorDialog* CustomColorWell::makeDialog() {
+    auto* dialog = new QColorDialog(color_);
+    dialog->setWindowTitle(accessibleName());
+    const auto pick = [coordinator = coordinator_, well = QPointer(this)](const QColor& picked) {
+        if (well != nullptr) {
+            well->color_ = picked;
+            well->update();
+        }
+        coordinator->colorChanged(picked);
+    };
+    connect(dialog, &QColorDialog::currentColorChanged, dialog, pick);
+    connect(dialog, &QDialog::rejected, dialog, [pick, before = color_] { pick(before); });
+    connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
+    connect(&view_, &QObject::destroyed, dialog, [dialog] { delete dialog; });
+    if (window()->windowType() == Qt::Window && window()->windowHandle() != nullptr) {
+        dialog->winId();
+        dialog->windowHandle()->setTransientParent(window()->windowHandle());
+    }
+    return dialog;
+}
+
+QSize CustomColorWell::sizeHint() const {
+    return {49, 34};
+}
+
+void CustomColorWell::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame = wellRect;
+    drawChrome(painter, palette(), frame,
+               {.fill = {Tone::primary, isDown() ? 0.12 : 0.06},
+                .outline = {Tone::primary, 0.12},
+                .radius = cornerRadius});
+    painter.fillPath(continuousRect(frame.adjusted(4, 4, -4, -4), 3), color_);
+    drawChrome(painter, palette(), frame.adjusted(4, 4, -4, -4),
+               {.outline = {Tone::primary, 0.12}, .radius = 3});
+    if (isChecked()) {
+        paintBadge(painter);
+    }
+    drawFocusRing(painter, *this, frame, cornerRadius);
+}
+
+void CustomColorWell::paintBadge(QPainter& painter) {
+    const int side = pictogramSide(11);
+    const QPointF corner(wellRect.right() + 3 - side, wellRect.center().y() - 10 - side / 2.0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(QRectF(corner, QSizeF(side, side)).adjusted(3, 3, -3, -3));
+    painter.drawPixmap(corner, pictogram("checkmark.circle.fill", side,
+                                         toneColor(Tone::blue, palette()), devicePixelRatio()));
+}
+
+} // namespace vantrel

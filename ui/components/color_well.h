@@ -1,0 +1,55 @@
+#pragma once
+
+#include "ui/components/view_context.h"
+
+#include <QColor>
+#include <QPointer>
+#include <QPushButton>
+
+#include <memory>
+#include <optional>
+
+class QColorDialog;
+
+namespace vantrel {
+
+// Shows a colour, and opens the desktop's colour dialog on it. What is picked there takes effect at
+// once, while it is still being dragged; cancelling the dialog brings the old colour back.
+class CustomColorWell : public QPushButton {
+public:
+    // Between a well, its dialog and the bound colour.
+    struct Coordinator {
+        Binding<EffectColor> color;
+        // That passed between the well and the binding last.
+        std::optional<EffectColor> lastChange;
+
+        void colorChanged(const QColor& picked);
+    };
+
+    // The label is told to screen readers. A checked well carries a badge.
+    CustomColorWell(ViewContext& view, const Binding<EffectColor>& color, const Wording& label);
+
+    [[nodiscard]] QColor color() const { return color_; }
+    // Null while there is none.
+    [[nodiscard]] QColorDialog* dialog() const;
+    void openDialog();
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void nextCheckState() override {}
+
+private:
+    void follow();
+    void setColor(const QColor& color);
+    QColorDialog* makeDialog();
+    void paintBadge(QPainter& painter);
+
+    ViewContext& view_;
+    std::shared_ptr<Coordinator> coordinator_;
+    QColor color_;
+    QPointer<QColorDialog> dialog_;
+};
+
+} // namespace vantrel

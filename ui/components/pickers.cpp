@@ -1,0 +1,90 @@
+#include "ui/components/pickers.h"
+
+#include "ui/components/choice_button.h"
+#include "ui/components/label.h"
+#include "ui/components/stack.h"
+
+#include <QComboBox>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+namespace vantrel {
+
+namespace {
+
+constexpr ChoiceLook segmentLook{
+    .selected = {.fill = {Tone::accent, 1}, .radius = 6},
+    .plain = {.radius = 6},
+};
+
+// What the segments lie in.
+class Trough final : public QWidget {
+public:
+    explicit Trough(QWidget* segments) {
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(2, 2, 2, 2);
+        layout->addWidget(segments);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        drawChrome(painter, palette(), rect(), {.fill = {Tone::primary, 0.07}, .radius = 8});
+    }
+};
+
+// Lets the wheel scroll what it lies in.
+class PopUp final : public QComboBox {
+protected:
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+};
+
+QWidget* segment(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,
+                 std::size_t own) {
+    const auto isSelected = [index, own] { return index.get() == own; };
+    auto* text = label(view, title, {12, QFont::Medium})->centered();
+    auto* button = new ChoiceButton(view, {title, isSelected, [index, own] { index.set(own); }},
+                                    segmentLook, column(0, {text})->padded(8, 4));
+    view.follow(button, [text, isSelected] {
+        text->setTone(isSelected() ? Tone::onAccent : Tone::primary);
+    });
+    return button;
+}
+
+} // namespace
+
+QWidget* segmentedPicker(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,
+                         const std::vector<Wording>& choices) {
+    std::vector<QWidget*> segments;
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        segments.push_back(segment(view, choices[i], index, i));
+    }
+    return row(12, {hugging(label(view, title)), new Trough(choiceRow(view, 2, title, segments))});
+}
+
+QWidget* popUpPicker(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,
+                     const std::vector<Wording>& choices) {
+    auto* popUp = new PopUp;
+    popUp->setFont(bodyText.font());
+    popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    popUp->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        popUp->addItem({});
+    }
+    QObject::connect(popUp, &QComboBox::activated, popUp,
+                     [index](int chosen) { index.set(static_cast<std::size_t>(chosen)); });
+    view.follow(popUp, [popUp, &view, title, index, choices] {
+        popUp->setAccessibleName(view.say(title));
+        for (std::size_t i = 0; i < choices.size(); ++i) {
+            popUp->setItemText(static_cast<int>(i), view.say(choices[i]));
+        }
+        const auto current = index.get();
+        popUp->setCurrentIndex(current < choices.size() ? static_cast<int>(current) : -1);
+    });
+    return row(12, {label(view, title), spacer(), popUp});
+}
+
+} // namespace vantrel

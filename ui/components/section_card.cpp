@@ -1,0 +1,103 @@
+#include "ui/components/section_card.h"
+
+#include "ui/components/accessibility.h"
+#include "ui/components/label.h"
+#include "ui/components/stack.h"
+#include "ui/components/style.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr double cornerRadius = 18;
+constexpr int shadowRadius = 8;
+constexpr int shadowDrop = 3;
+constexpr double shadowOpacity = 0.025;
+
+// A stack of sheets, each fainter the farther it reaches.
+class Shadow final : public QWidget {
+public:
+    Shadow() {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hideFromScreenReaders(this);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF outermost(rect());
+        for (int inset = 0; inset < 2 * shadowRadius; inset += 2) {
+            const double radius = cornerRadius + shadowRadius - inset;
+            painter.fillPath(
+                continuousRect(outermost.adjusted(inset, inset, -inset, -inset), radius),
+                QColor::fromRgbF(0, 0, 0, static_cast<float>(shadowOpacity / shadowRadius)));
+        }
+    }
+};
+
+} // namespace
+
+SectionCard::SectionCard(ViewContext& view, const Wording& title,
+                         const std::optional<Wording>& subtitle, QWidget* content)
+    : shadow_(new Shadow) {
+    constexpr TextStyle titleStyle{15, QFont::DemiBold};
+    auto* header = column(
+        4, {paragraph(view, title, titleStyle),
+            subtitle ? paragraph(view, *subtitle, calloutText.toned(Tone::secondary)) : nullptr});
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(18, 18, 18, 18);
+    layout->addWidget(column(16, {header, content}));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    setAccessibleRole(this, QAccessible::Grouping);
+    view.follow(this, [this, &view, title] { setAccessibleName(view.say(title)); });
+}
+
+SectionCard::~SectionCard() {
+    delete shadow_;
+}
+
+void SectionCard::paintEvent(QPaintEvent* /*event*/) {
+    QColor sheet = palette().color(QPalette::Base);
+    sheet.setAlphaF(0.72F);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(continuousRect(rect(), cornerRadius), sheet);
+    drawChrome(painter, palette(), rect(),
+               {.outline = {Tone::primary, 0.06}, .radius = cornerRadius});
+}
+
+bool SectionCard::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ParentChange:
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::ShowToParent:
+    case QEvent::HideToParent:
+        placeShadow();
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
+}
+
+void SectionCard::placeShadow() {
+    if (shadow_ == nullptr || parentWidget() == nullptr) {
+        return;
+    }
+    if (shadow_->parentWidget() != parentWidget()) {
+        shadow_->setParent(parentWidget());
+    }
+    shadow_->setGeometry(geometry()
+                             .adjusted(-shadowRadius, -shadowRadius, shadowRadius, shadowRadius)
+                             .translated(0, shadowDrop));
+    shadow_->stackUnder(this);
+    shadow_->setVisible(!isHidden());
+}
+
+} // namespace vantrel

@@ -1,0 +1,47 @@
+#include "ui/components/view_context.h"
+
+namespace vantrel {
+
+ViewContext::ViewContext(AppState& state, const Clock& clock, const CursorImages& cursors)
+    : state_(state), clock_(clock), cursors_(cursors) {
+    const auto observe = [this](auto& observable) {
+        subscriptions_.push_back(observable.observe([this](const auto&) { publish(); }));
+    };
+    observe(state.preferences());
+    observe(state.mode());
+    observe(state.clickAvailable());
+    observe(state.hotkeyError());
+    observe(state.systemMessage());
+    observe(state.selectedTab());
+}
+
+void ViewContext::publish() {
+    if (std::exchange(pending_, true)) {
+        return;
+    }
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            pending_ = false;
+            Q_EMIT changed();
+        },
+        Qt::QueuedConnection);
+}
+
+void ViewContext::follow(QObject* follower, const std::function<void()>& update) {
+    update();
+    connect(this, &ViewContext::changed, follower, update);
+}
+
+QWidget* ViewContext::showWhile(QWidget* part, std::function<bool()> condition) {
+    // A part that has no parent yet would come up as a window.
+    const auto update = [part, condition = std::move(condition)] {
+        if (const bool shown = condition(); !shown || part->parentWidget() != nullptr) {
+            part->setVisible(shown);
+        }
+    };
+    follow(part, update);
+    return part;
+}
+
+} // namespace vantrel

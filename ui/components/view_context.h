@@ -1,0 +1,72 @@
+#pragma once
+
+#include "app/app_state.h"
+#include "platform/clock.h"
+#include "platform/cursor_image.h"
+#include "ui/components/binding.h"
+#include "ui/components/text.h"
+
+#include <QObject>
+#include <QWidget>
+
+#include <functional>
+#include <type_traits>
+#include <vector>
+
+namespace vantrel {
+
+// What every view needs: the state, and the one place from which views are brought up to date. All
+// that the state publishes in one go leads to one round of updates, in the next turn of the event
+// loop, so that the overlays come before the windows.
+class ViewContext : public QObject {
+    Q_OBJECT
+
+public:
+    // All must outlive the context, and the context the views.
+    ViewContext(AppState& state, const Clock& clock, const CursorImages& cursors);
+
+    [[nodiscard]] AppState& state() const { return state_; }
+    [[nodiscard]] const AppPreferences& preferences() const { return state_.preferences().get(); }
+    [[nodiscard]] const Clock& clock() const { return clock_; }
+    [[nodiscard]] const CursorImages& cursors() const { return cursors_; }
+    [[nodiscard]] bool english() const { return state_.english(); }
+    [[nodiscard]] QString say(const Wording& wording) const { return wording(english()); }
+
+    // Makes an update now and after each change of the state, as long as the follower lives.
+    void follow(QObject* follower, const std::function<void()>& update);
+    // Keeps a part in its place only while a condition holds. Returns the part.
+    QWidget* showWhile(QWidget* part, std::function<bool()> condition);
+
+    // A field of the preferences, such as binding(&AppPreferences::laser, &LaserSettings::glow).
+    // Setting it changes the state once.
+    template <typename... Path>
+    [[nodiscard]] auto binding(Path... path) const {
+        const auto field = [path...](auto& preferences) -> auto& {
+            return (preferences.*....*path);
+        };
+        using Value = std::remove_cvref_t<decltype(field(std::declval<AppPreferences&>()))>;
+        auto& state = state_;
+        return Binding<Value>{
+            .get = [&state, field] { return field(state.preferences().get()); },
+            .set =
+                [&state, field](const Value& value) {
+                    state.changePreferences(
+                        [&](AppPreferences& preferences) { field(preferences) = value; });
+                },
+        };
+    }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void publish();
+
+    AppState& state_;
+    const Clock& clock_;
+    const CursorImages& cursors_;
+    bool pending_ = false;
+    std::vector<Subscription> subscriptions_;
+};
+
+} // namespace vantrel
