@@ -1,5 +1,6 @@
 #include "freedesktop_event_loop.h"
 #include "freedesktop_support.h"
+#include "mock_login_manager.h"
 
 #include "platform/freedesktop/desktop_workspace.h"
 #include "platform/freedesktop/file_user_defaults.h"
@@ -8,17 +9,8 @@
 #include <gmock/gmock.h>
 
 #include <QDBusConnection>
-#include <QDBusContext>
 #include <QDBusMessage>
-#include <QDBusUnixFileDescriptor>
-#include <QProcess>
-#include <array>
-#include <fcntl.h>
-#include <map>
-#include <memory>
-#include <poll.h>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace vantrel {
@@ -26,104 +18,6 @@ namespace {
 
 using std::filesystem::path;
 using testing::ElementsAre;
-
-const TemporaryFolder& busFolder() {
-    static const TemporaryFolder folder;
-    return folder;
-}
-
-// libdbus reads the address of the system bus once in a process, so every bus of these tests is at
-// the same one.
-QString busAddress() {
-    return QStringLiteral("unix:path=") + QString::fromStdString(busFolder() / "bus");
-}
-
-// A system bus of the test's own.
-class PrivateBus {
-public:
-    PrivateBus() {
-        std::filesystem::remove(busFolder() / "bus");
-        daemon_.setProgram(QStringLiteral("dbus-daemon"));
-        daemon_.setArguments({QStringLiteral("--session"), QStringLiteral("--nofork"),
-                              QStringLiteral("--nopidfile"), QStringLiteral("--print-address"),
-                              QStringLiteral("--address=") + busAddress()});
-        daemon_.start();
-        daemon_.waitForReadyRead();
-    }
-    ~PrivateBus() {
-        daemon_.kill();
-        daemon_.waitForFinished();
-    }
-    Q_DISABLE_COPY_MOVE(PrivateBus)
-
-private:
-    QProcess daemon_;
-};
-
-// The delay locks that programs hold, each by the far end of a pipe.
-class Inhibitors {
-public:
-    QDBusUnixFileDescriptor take(const QString& what) {
-        std::array<int, 2> ends{-1, -1};
-        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-        watched_.emplace(what, UniqueDescriptor(ends[0]));
-        const UniqueDescriptor held(ends[1]);
-        return QDBusUnixFileDescriptor(held.get());
-    }
-    // The locks of one kind that somebody still holds.
-    [[nodiscard]] int held(const QString& what) const {
-        int count = 0;
-        for (auto [at, end] = watched_.equal_range(what); at != end; ++at) {
-            pollfd lock{at->second.get(), POLLIN, 0};
-            poll(&lock, 1, 0);
-            count += (lock.revents & POLLHUP) == 0 ? 1 : 0;
-        }
-        return count;
-    }
-
-private:
-    std::multimap<QString, UniqueDescriptor> watched_;
-};
-
-} // namespace
-
-// A login manager of a test, on a connection of its own.
-class MockLoginManager : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
-
-public:
-    MockLoginManager() {
-        bus_.registerObject(path_, this, QDBusConnection::ExportAllSlots);
-        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.login1")));
-    }
-    ~MockLoginManager() override { QDBusConnection::disconnectFromBus(name_); }
-    Q_DISABLE_COPY_MOVE(MockLoginManager)
-
-    void announce(const char* signal, bool going) {
-        auto message = QDBusMessage::createSignal(
-            path_, QStringLiteral("org.freedesktop.login1.Manager"), QString::fromLatin1(signal));
-        message << going;
-        bus_.send(message);
-    }
-    [[nodiscard]] int sleepLocks() const { return inhibitors_.held(QStringLiteral("sleep")); }
-    [[nodiscard]] int shutdownLocks() const { return inhibitors_.held(QStringLiteral("shutdown")); }
-
-    Q_SLOT QDBusUnixFileDescriptor Inhibit(const QString& what, const QString& who,
-                                           const QString& why, const QString& mode) {
-        EXPECT_FALSE(who.isEmpty() || why.isEmpty());
-        EXPECT_EQ(mode, QStringLiteral("delay"));
-        return inhibitors_.take(what);
-    }
-
-private:
-    const QString name_ = QStringLiteral("mock-login-manager");
-    const QString path_ = QStringLiteral("/org/freedesktop/login1");
-    QDBusConnection bus_ = QDBusConnection::connectToBus(busAddress(), name_);
-    Inhibitors inhibitors_;
-};
-
-namespace {
 
 class LoginManagerEvents : public testing::Test {
 protected:
@@ -224,7 +118,7 @@ TEST_F(LoginManagerEvents, ComeAgainAfterTheBusHasDied) {
 
 TEST_F(LoginManagerEvents, AreTakenFromNobodyElseOnTheBus) {
     ASSERT_TRUE(waitUntilHeld());
-    auto stranger = QDBusConnection::connectToBus(busAddress(), QStringLiteral("stranger"));
+    auto stranger = QDBusConnection::connectToBus(privateBusAddress(), QStringLiteral("stranger"));
     auto message = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
                                               QStringLiteral("org.freedesktop.login1.Manager"),
                                               QStringLiteral("PrepareForSleep"));
@@ -246,7 +140,7 @@ TEST_F(LoginManagerEvents, AreSimplyAbsentWithoutABus) {
     manager.reset();
     mock.reset();
     bus.reset();
-    std::filesystem::remove(busFolder() / "bus");
+    std::filesystem::remove(privateBusSocket());
     manager.emplace(std::chrono::milliseconds(1));
     int turns = 0;
     EXPECT_TRUE(waitUntil([&] { return ++turns > 20; }));
@@ -292,11 +186,9 @@ TEST(UrlOpening, FailsWhereTheDesktopHasNoOpener) {
 } // namespace vantrel
 
 int main(int argc, char** argv) {
-    const std::string address = vantrel::busAddress().toStdString();
+    const std::string address = vantrel::privateBusAddress().toStdString();
     setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
     const QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
-
-#include "freedesktop_workspace_test.moc"

@@ -1,45 +1,18 @@
-#include "desktop/harness/client_window.h"
-#include "desktop/harness/desktop_programs.h"
-#include "desktop/harness/screen_capture.h"
-#include "desktop/harness/synthetic_input.h"
-#include "desktop/harness/vantrel_program.h"
-#include "desktop/harness/wait.h"
 #include "desktop/harness/x_traffic.h"
-
-#include <gtest/gtest.h>
+#include "desktop/program_fixture.h"
 
 namespace vantrel::desktop {
 namespace {
 
 using namespace std::chrono_literals;
 
-// The built program on a private server.
-class ProgramTest : public ::testing::Test {
-protected:
-    ChildProcess start(const VantrelOptions& options = {}) {
-        return startVantrel(server, VANTREL_PROGRAM, options);
-    }
-    bool highlightShows() {
-        return waitFor([&] { return pixelAt(watcher, {300, 300}) != black; });
-    }
-    std::string errors() { return readFile(server.folder() / "vantrel.err"); }
-
-    static constexpr std::uint32_t black = 0;
-    PrivateServer server = PrivateServer::virtualScreen({800, 600});
-    XConnection watcher{server.display()};
-    SyntheticInput input{server.display()};
-};
-
-TEST_F(ProgramTest, ShowsTheHighlightUntilASignalEndsIt) {
-    const ClientWindow desktop(server.display(), {.area = {0, 0, 800, 600}, .color = 0xFF000000});
-    const auto compositing = startCompositingManager(server);
-    input.moveTo({300, 300});
+TEST_F(ProgramInUseTest, ShowsTheHighlightUntilASignalEndsIt) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         auto program = start();
-        EXPECT_TRUE(highlightShows());
+        EXPECT_TRUE(shows("highlight"));
         program.signal(signal);
         EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
-        EXPECT_TRUE(waitFor([&] { return pixelAt(watcher, {300, 300}) == black; }));
+        EXPECT_TRUE(shows("off"));
         EXPECT_EQ(errors(), "");
     }
 }
@@ -61,7 +34,7 @@ TEST_F(ProgramTest, SaysInOneLineWhatItCannotDo) {
 TEST_F(ProgramTest, EndsWithTheServer) {
     input.moveTo({300, 300});
     auto program = start();
-    ASSERT_TRUE(highlightShows());
+    ASSERT_TRUE(waitFor([&] { return pixelAt(watcher, {300, 300}) != 0; }));
     server.stop();
     EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
     EXPECT_EQ(errors(), "");
@@ -81,6 +54,47 @@ TEST_F(ProgramTest, AsksOnlyForFramesAndThePointerWhileItRests) {
     EXPECT_NEAR(static_cast<double>(rest.count(notifyFrame)), 120, 3);
     EXPECT_NEAR(static_cast<double>(rest.count(queryPointer)), 120, 3);
     EXPECT_EQ(rest.totalRequests(), rest.count(notifyFrame) + rest.count(queryPointer));
+}
+
+TEST_F(ProgramInUseTest, TogglesTheModesFromAnotherProgramsWindow) {
+    auto program = start({.preferences = preferencesShowing("laser")});
+    ASSERT_TRUE(shows("laser"));
+    typeShortcut('l');
+    EXPECT_TRUE(shows("off"));
+    for (const auto lock : {XK_Caps_Lock, XK_Num_Lock}) {
+        input.typeChord({static_cast<std::uint32_t>(lock)});
+    }
+    typeShortcut('h');
+    EXPECT_TRUE(shows("highlight"));
+    typeShortcut('l');
+    EXPECT_TRUE(shows("laser"));
+    typeShortcut('h');
+    EXPECT_TRUE(shows("highlight"));
+    typeShortcut('h');
+    EXPECT_TRUE(shows("off"));
+    EXPECT_TRUE(program.running());
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(ProgramInUseTest, PlaysClicksInHighlightModeOnly) {
+    const auto ringAppears = [&](std::chrono::milliseconds limit) {
+        // Beside the disc, where a pulse passes slowly.
+        constexpr PixelPoint onRing{place.x + 35, place.y};
+        return waitFor([&] { return pixelAt(watcher, onRing) != 0; }, limit) &&
+               waitFor([&] { return pixelAt(watcher, onRing) == 0; });
+    };
+    auto preferences = preferencesShowing("highlight");
+    preferences["click"]["style"] = "pulse";
+    const auto program = start({.preferences = preferences});
+    ASSERT_TRUE(shows("highlight"));
+    for (const auto button : {Button::left, Button::right}) {
+        input.click(button);
+        EXPECT_TRUE(ringAppears(10s));
+    }
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    input.click();
+    EXPECT_FALSE(ringAppears(300ms));
 }
 
 } // namespace

@@ -51,7 +51,9 @@ ChildProcess startVantrel(const PrivateServer& server, const std::filesystem::pa
     for (const auto& [name, value] : options.environment) {
         environment[name] = value;
     }
-    writePreferences(environment["XDG_CONFIG_HOME"], options.preferences);
+    if (!options.preferences.is_null()) {
+        writePreferences(environment["XDG_CONFIG_HOME"], options.preferences);
+    }
     std::vector<std::string> arguments{program};
     arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
     return ChildProcess({.arguments = arguments,

@@ -20,6 +20,7 @@ namespace vantrel::desktop {
 void writePreferences(const std::filesystem::path& configHome, const nlohmann::json& preferences);
 
 struct VantrelOptions {
+    // What was stored by the time of the start; null: whatever is there, if anything.
     nlohmann::json preferences = preferencesShowing("highlight");
     std::vector<std::string> arguments{};
     std::string display{};     // when it is not the server's own

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "desktop/harness/client_window.h"
+#include "desktop/harness/desktop_programs.h"
+#include "desktop/harness/screen_capture.h"
+#include "desktop/harness/synthetic_input.h"
+#include "desktop/harness/vantrel_program.h"
+#include "desktop/harness/wait.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include <X11/keysym.h>
+
+namespace vantrel::desktop {
+
+// The built program on a private server.
+class ProgramTest : public testing::Test {
+protected:
+    ChildProcess start(const VantrelOptions& options = {}) {
+        return startVantrel(server, VANTREL_PROGRAM, options);
+    }
+    // With whatever is stored.
+    ChildProcess startAgain() { return start({.preferences = nullptr}); }
+    [[nodiscard]] std::string errors() const { return readFile(server.folder() / "vantrel.err"); }
+
+    PrivateServer server = PrivateServer::virtualScreen({800, 600});
+    XConnection watcher{server.display()};
+    SyntheticInput input{server.display()};
+};
+
+// The same over a compositing manager and the black window of another program that has the focus.
+class ProgramInUseTest : public ProgramTest {
+protected:
+    ProgramInUseTest() {
+        xcb_set_input_focus(other.connection().get(), XCB_INPUT_FOCUS_NONE, other.id(),
+                            XCB_CURRENT_TIME);
+        other.connection().sync();
+        input.moveTo(place);
+    }
+
+    // The two shortcuts of a fresh installation.
+    void typeShortcut(char letter) {
+        input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(letter)});
+    }
+    // Waits until the pointer is marked as in that mode.
+    [[nodiscard]] bool shows(std::string_view mode) const {
+        return waitFor([&] { return shownMode() == mode; });
+    }
+
+    [[nodiscard]] std::filesystem::path configFolder() const {
+        return server.folder() / "config" / "vantrel";
+    }
+    [[nodiscard]] std::filesystem::path document() const {
+        return configFolder() / "Vantrel.preferences.v1";
+    }
+    // Empty when there is no such document.
+    [[nodiscard]] std::string storedMode() const {
+        const auto stored = nlohmann::json::parse(readFile(document()), nullptr, false);
+        return stored.is_object() ? stored.value("lastMode", "") : "";
+    }
+    [[nodiscard]] bool stores(std::string_view mode) const {
+        return waitFor([&] { return storedMode() == mode; });
+    }
+
+    static constexpr PixelPoint place{300, 300};
+
+    ClientWindow other{server.display(), {.area = {0, 0, 800, 600}, .color = 0xFF000000}};
+    ChildProcess compositing = startCompositingManager(server);
+
+private:
+    // Empty while something else shows.
+    [[nodiscard]] std::string_view shownMode() const {
+        constexpr std::uint32_t paleYellow = 0x584707; // 35 % over black
+        const std::uint32_t pixel = pixelAt(watcher, place);
+        if (pixel == 0) {
+            return "off";
+        }
+        // The dot is red with a white core.
+        return pixel >> 16 == 0xFF                       ? "laser"
+               : channelDistance(pixel, paleYellow) <= 3 ? "highlight"
+                                                         : "";
+    }
+};
+
+} // namespace vantrel::desktop

@@ -1,0 +1,192 @@
+#include "desktop/harness/x_traffic.h"
+#include "desktop/program_fixture.h"
+#include "freedesktop_event_loop.h"
+#include "mock_login_manager.h"
+#include "platform/freedesktop/unique_descriptor.h"
+
+#include <QCoreApplication>
+
+#include <fstream>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <xcb/xinput.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+class SavedModeTest : public ProgramInUseTest {
+protected:
+    // Where the program writes a document before it takes the place of the former one.
+    [[nodiscard]] fs::path unfinishedDocument() const {
+        return configFolder() / ".Vantrel.preferences.v1.new";
+    }
+    void store(std::string_view bytes) const {
+        fs::create_directories(configFolder());
+        std::ofstream(document()) << bytes;
+    }
+    // Returns once the program, which shows nothing, has read what is stored and holds its
+    // shortcuts.
+    ChildProcess startAgainShowingNothing() {
+        const auto grabs = [this] {
+            return traffic.counts().count(
+                {*watcher.majorOpcode("XInputExtension"), XCB_INPUT_XI_PASSIVE_GRAB_DEVICE});
+        };
+        const auto before = grabs();
+        auto program = start({.preferences = nullptr, .display = traffic.display()});
+        EXPECT_TRUE(waitFor([&] { return grabs() == before + 2; }));
+        return program;
+    }
+
+    XTraffic traffic{server.display()};
+};
+
+TEST_F(SavedModeTest, OfAFreshInstallationIsForTheUserAloneAndComesBack) {
+    {
+        const auto program = startAgainShowingNothing();
+        EXPECT_FALSE(fs::exists(configFolder()));
+        typeShortcut('h');
+        EXPECT_TRUE(stores("highlight"));
+        EXPECT_EQ(fs::status(configFolder()).permissions(), fs::perms::owner_all);
+        EXPECT_EQ(fs::status(document()).permissions(),
+                  fs::perms::owner_read | fs::perms::owner_write);
+    }
+    const auto program = startAgain();
+    EXPECT_TRUE(shows("highlight"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SavedModeTest, IsWrittenAtOnceWhenASignalOrTheServerEndsTheProgram) {
+    const std::vector<std::function<void(const ChildProcess&)>> endings{
+        [](const ChildProcess& program) { program.signal(SIGTERM); },
+        [this](const ChildProcess&) { server.stop(); }};
+    for (const auto& end : endings) {
+        auto program = start();
+        ASSERT_TRUE(shows("highlight"));
+        typeShortcut('l');
+        ASSERT_TRUE(shows("laser"));
+        end(program);
+        EXPECT_EQ(program.wait(5s), ExitStatus{.code = 0});
+        EXPECT_EQ(storedMode(), "laser");
+        EXPECT_EQ(errors(), "");
+    }
+}
+
+TEST_F(SavedModeTest, IsTheDefaultWhereNothingUsableIsStoredWhichStaysUntilTheNextSave) {
+    for (const std::string_view bytes : {"", "\xFF\xFE garbage", R"({"lastMode":"laser",)"}) {
+        store(bytes);
+        auto program = startAgainShowingNothing();
+        EXPECT_EQ(readFile(document()), bytes);
+        typeShortcut('h');
+        EXPECT_TRUE(shows("highlight"));
+        EXPECT_TRUE(stores("highlight")) << bytes;
+        EXPECT_EQ(program.terminate(), ExitStatus{.code = 0});
+        EXPECT_EQ(errors(), "");
+    }
+}
+
+TEST_F(SavedModeTest, IsLostAndNothingElseWhereItCannotBeStored) {
+    fs::create_directories(document() / "something");
+    auto program = startAgainShowingNothing();
+    typeShortcut('h');
+    EXPECT_TRUE(shows("highlight"));
+    typeShortcut('l');
+    EXPECT_TRUE(shows("laser"));
+    EXPECT_EQ(program.terminate(), ExitStatus{.code = 0});
+    EXPECT_TRUE(fs::is_directory(document() / "something"));
+    EXPECT_FALSE(fs::exists(unfinishedDocument()));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SavedModeTest, IsStoredAgainAfterARunThatWasKilled) {
+    auto killed = start();
+    ASSERT_TRUE(shows("highlight"));
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    killed.signal(SIGKILL);
+    ASSERT_EQ(killed.wait(5s), ExitStatus{.signal = SIGKILL});
+    std::ofstream(unfinishedDocument()) << R"({"lastMode":"las)";
+
+    const auto program = startAgain();
+    EXPECT_TRUE(shows(storedMode()));
+    typeShortcut(storedMode() == "laser" ? 'h' : 'l');
+    EXPECT_TRUE(stores(storedMode() == "laser" ? "highlight" : "laser"));
+    EXPECT_FALSE(fs::exists(unfinishedDocument()));
+}
+
+// The program in a session that a login manager watches over.
+class SleepTest : public SavedModeTest {
+protected:
+    ChildProcess startInSession() {
+        auto program = start(
+            {.environment = {{"DBUS_SYSTEM_BUS_ADDRESS", privateBusAddress().toStdString()}}});
+        EXPECT_TRUE(shows("highlight"));
+        EXPECT_TRUE(waitUntilHeld());
+        return program;
+    }
+    [[nodiscard]] bool waitUntilHeld() const {
+        return waitUntil(
+            [this] { return manager.sleepLocks() == 1 && manager.shutdownLocks() == 1; });
+    }
+    // As a slow disk would; until the result is destroyed.
+    [[nodiscard]] UniqueDescriptor holdUpSaves() const {
+        UniqueDescriptor file(
+            open(unfinishedDocument().c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        EXPECT_EQ(flock(file.get(), LOCK_EX), 0);
+        return file;
+    }
+    [[nodiscard]] static bool isHeldUp(const ChildProcess& program) {
+        const std::string waiting = "-> FLOCK  ADVISORY  WRITE " + std::to_string(program.pid());
+        return waitFor([&] { return readFile("/proc/locks").find(waiting) != std::string::npos; });
+    }
+
+private:
+    int argumentCount_ = 1;
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    QCoreApplication application_{argumentCount_, arguments_};
+    PrivateBus bus_;
+
+protected:
+    MockLoginManager manager;
+};
+
+TEST_F(SleepTest, WaitsForTheSaveAndTheOverlayComesBackAfterIt) {
+    auto program = startInSession();
+    auto slowDisk = std::make_optional(holdUpSaves());
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    manager.announce("PrepareForSleep", true);
+    EXPECT_TRUE(shows("off"));
+    EXPECT_TRUE(isHeldUp(program));
+    EXPECT_EQ(manager.sleepLocks(), 1);
+    EXPECT_EQ(storedMode(), "highlight");
+    slowDisk.reset();
+    EXPECT_TRUE(waitUntil([this] { return manager.sleepLocks() == 0; }));
+    EXPECT_EQ(storedMode(), "laser");
+
+    manager.announce("PrepareForSleep", false);
+    EXPECT_TRUE(shows("laser"));
+    EXPECT_TRUE(waitUntilHeld());
+    typeShortcut('h');
+    EXPECT_TRUE(shows("highlight"));
+    EXPECT_TRUE(stores("highlight"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SleepTest, IsNotNeededForTheShutdownToSaveAndEndTheProgram) {
+    auto program = startInSession();
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    manager.announce("PrepareForShutdown", true);
+    EXPECT_TRUE(waitUntil([this] { return manager.shutdownLocks() == 0; }));
+    EXPECT_EQ(storedMode(), "laser");
+    EXPECT_EQ(program.wait(5s), ExitStatus{.code = 0});
+    EXPECT_EQ(errors(), "");
+}
+
+} // namespace
+} // namespace vantrel::desktop
