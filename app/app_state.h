@@ -55,15 +55,19 @@ public:
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
-    [[nodiscard]] Observable<AppPreferences>& preferences() { return preferences_; }
-    [[nodiscard]] Observable<CursorMode>& mode() { return mode_; }
+    [[nodiscard]] const Observable<AppPreferences>& preferences() const { return preferences_; }
+    [[nodiscard]] const Observable<CursorMode>& mode() const { return mode_; }
     // False only when presses should be seen and cannot be.
-    [[nodiscard]] Observable<bool>& clickAvailable() { return clickAvailable_; }
+    [[nodiscard]] const Observable<bool>& clickAvailable() const { return clickAvailable_; }
     // One of the hotkeyerror texts, if the shortcuts have a problem.
-    [[nodiscard]] Observable<std::optional<std::string>>& hotkeyError() { return hotkeyError_; }
+    [[nodiscard]] const Observable<std::optional<std::string>>& hotkeyError() const {
+        return hotkeyError_;
+    }
     // About the login item, in the language of the moment in which it was made.
-    [[nodiscard]] Observable<std::optional<std::string>>& systemMessage() { return systemMessage_; }
-    [[nodiscard]] Observable<SettingsTab>& selectedTab() { return selectedTab_; }
+    [[nodiscard]] const Observable<std::optional<std::string>>& systemMessage() const {
+        return systemMessage_;
+    }
+    [[nodiscard]] const Observable<SettingsTab>& selectedTab() const { return selectedTab_; }
 
     // The way of every change of a preference: applied at once, saved after saveDelay.
     void setPreferences(AppPreferences preferences);
@@ -76,6 +80,7 @@ public:
     }
 
     void setMode(CursorMode mode);
+    void selectTab(SettingsTab tab) { selectedTab_.set(tab); }
     // A pressed shortcut: switches to the mode, or off when it is on already.
     void handleShortcut(CursorMode mode);
     // Brings overlays and click monitoring in line with mode and preferences.

@@ -50,7 +50,9 @@ public:
 
 private:
     // From the event loop, which may not run yet.
-    void quit() { mainQueue_.async([] { QCoreApplication::quit(); }); }
+    void quit() {
+        mainQueue_.async([] { QCoreApplication::quit(); });
+    }
 
     x11::X11Desktop x11_;
     FileUserDefaults defaults_;

@@ -19,14 +19,14 @@ public:
         observers_.notify(value_);
     }
     // Called at once with the value as it is, and after each assignment with the new one.
-    [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) {
+    [[nodiscard]] Subscription observe(std::function<void(const T&)> observer) const {
         observer(value_);
         return observers_.add(std::move(observer));
     }
 
 private:
     T value_;
-    Observers<const T&> observers_;
+    mutable Observers<const T&> observers_;
 };
 
 } // namespace vantrel

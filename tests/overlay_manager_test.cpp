@@ -36,7 +36,7 @@ protected:
         return windows()[window]->rootLayer()->sublayers().size() - 1;
     }
     bool cursorHidden() { return windows()[0]->rootLayer()->sublayers()[0]->hidden(); }
-    // What a frame in which nothing else happens draws.
+    // How often the screen is brought up to date by an action.
     int flushesOf(auto action) {
         const int before = desktop.transaction.flushes;
         action();

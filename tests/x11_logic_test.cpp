@@ -124,22 +124,30 @@ TEST(PaceCheckTest, TellsThePaceOfTheDisplayFromAnother) {
     EXPECT_EQ(judge(60, 0, 1), std::nullopt);
 }
 
-TEST(RaisePolicyTest, YieldsToAWindowThatInsists) {
+TEST(RaisePolicyTest, YieldsToAWindowThatAnswersEveryTime) {
     RaisePolicy policy;
-    for (int i = 0; i < RaisePolicy::patience; ++i) {
-        EXPECT_TRUE(policy.shouldRaise(7, 0.1 * i));
+    double now = 0;
+    int raises = 0;
+    for (; raises < 100 && policy.shouldRaise(7, now); ++raises) {
+        now += 0.6;
     }
-    EXPECT_FALSE(policy.shouldRaise(7, 0.5));
-    EXPECT_FALSE(policy.shouldRaise(7, 1000));
-    EXPECT_TRUE(policy.shouldRaise(8, 0.5));
+    EXPECT_EQ(raises, RaisePolicy::patience);
+    EXPECT_TRUE(policy.hasYieldedTo(7));
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_FALSE(policy.shouldRaise(7, now += 5));
+    }
+    EXPECT_TRUE(policy.shouldRaise(8, now));
+    EXPECT_FALSE(policy.hasYieldedTo(8));
+    // It has left it at that for a while, or was closed and opened again.
+    EXPECT_TRUE(policy.shouldRaise(7, now + 11));
     policy.forget(7);
-    EXPECT_TRUE(policy.shouldRaise(7, 1001));
+    EXPECT_TRUE(policy.shouldRaise(7, now + 12));
 }
 
 TEST(RaisePolicyTest, GoesAboveAWindowThatIsRaisedNowAndThen) {
     RaisePolicy policy;
     for (int i = 0; i < 100; ++i) {
-        EXPECT_TRUE(policy.shouldRaise(7, 1.0 * i));
+        EXPECT_TRUE(policy.shouldRaise(7, 1.5 * i));
     }
 }
 

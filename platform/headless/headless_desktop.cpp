@@ -105,9 +105,10 @@ void OverlayWindow::flush(double mediaTime) {
     }
 }
 
-void OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
+bool OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
     ++counts.uploads;
     sprites_[sprite].picture = picture.copy();
+    return true;
 }
 
 void OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {

@@ -128,7 +128,7 @@ private:
         std::optional<QPoint> place;
     };
 
-    void upload(SpriteId sprite, const QImage& picture) override;
+    bool upload(SpriteId sprite, const QImage& picture) override;
     void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
     void place(SpriteId sprite, QPoint topLeft) override;
     void hide(SpriteId sprite) override;

@@ -34,6 +34,13 @@ const ShapeLayer* animatedShape(const Layer& layer) {
     return shape != nullptr && shape->animation() ? shape : nullptr;
 }
 
+void clear(QImage& picture, const QRect& area) {
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        std::fill(row + area.left(), row + area.right() + 1, 0);
+    }
+}
+
 QRgb premultiplied(const QColor& color, double opacity) {
     auto faded = color;
     faded.setAlphaF(color.alphaF() * static_cast<float>(opacity));
@@ -97,7 +104,7 @@ void SpriteScene::updateSprite(Sprite& sprite, const Layer& layer, double mediaT
     } else if (!sprite.rendered) {
         render(sprite, layer, mediaTime, sink);
     }
-    if (sprite.placed != topLeft) {
+    if (sprite.rendered && sprite.placed != topLeft) {
         sprite.placed = topLeft;
         sink.place(sprite.id, topLeft);
     }
@@ -133,8 +140,7 @@ void SpriteScene::render(Sprite& sprite, const Layer& layer, double mediaTime,
     painter.translate(-layer.bounds().width / 2, -layer.bounds().height / 2);
     paintLayer(painter, layer, mediaTime);
     painter.end();
-    sprite.rendered = true;
-    sink.upload(sprite.id, picture);
+    sprite.rendered = sink.upload(sprite.id, picture);
 }
 
 void SpriteScene::drawRing(Sprite& sprite, const ShapeLayer& layer, double mediaTime,
@@ -144,6 +150,7 @@ void SpriteScene::drawRing(Sprite& sprite, const ShapeLayer& layer, double media
     }
     if (canvas_.size() != sprite.box.size()) {
         canvas_ = QImage(sprite.box.size(), QImage::Format_ARGB32_Premultiplied);
+        canvas_.fill(Qt::transparent);
     }
     const auto state = layer.stateAt(mediaTime);
     const auto center = state->ellipse.center();
@@ -155,15 +162,15 @@ void SpriteScene::drawRing(Sprite& sprite, const ShapeLayer& layer, double media
         .lineWidth = layer.lineWidth() * scale_,
     };
     const QRect box = ring.box().intersected(canvas_.rect());
-    const QRect area = sprite.rendered ? box.united(sprite.inked) : canvas_.rect();
-    paintRing(canvas_, area, ring, premultiplied(layer.strokeColor(), state->opacity));
+    paintRing(canvas_, box, ring, premultiplied(layer.strokeColor(), state->opacity));
     sprite.drawnAt = mediaTime;
-    sprite.inked = box;
-    if (std::exchange(sprite.rendered, true)) {
-        sink.redraw(sprite.id, canvas_, area);
+    if (sprite.rendered) {
+        sink.redraw(sprite.id, canvas_, box.united(sprite.inked));
     } else {
-        sink.upload(sprite.id, canvas_);
+        sprite.rendered = sink.upload(sprite.id, canvas_);
     }
+    sprite.inked = box;
+    clear(canvas_, box);
 }
 
 void SpriteScene::hide(Sprite& sprite, SpriteSink& sink) {

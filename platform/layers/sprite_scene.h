@@ -21,9 +21,11 @@ class SpriteSink {
 public:
     virtual ~SpriteSink() = default;
 
-    // The sprite's picture from now on; its size may be another than before.
-    virtual void upload(SpriteId sprite, const QImage& picture) = 0;
-    // The picture of an animated sprite differs from the former one inside an area only.
+    // The sprite's picture from now on; its size may be another than before. False when it cannot
+    // be shown now; it is then offered again with the next update.
+    virtual bool upload(SpriteId sprite, const QImage& picture) = 0;
+    // The whole picture of an animated sprite, which differs from the former one inside an area
+    // only.
     virtual void redraw(SpriteId sprite, const QImage& picture, const QRect& area) = 0;
     virtual void place(SpriteId sprite, QPoint topLeft) = 0;
     virtual void hide(SpriteId sprite) = 0;
@@ -72,7 +74,7 @@ private:
     QSize display_;
     double scale_;
     std::vector<Sprite> sprites_;
-    QImage canvas_; // animated sprites are drawn here on their way to the sink
+    QImage canvas_; // animated sprites are drawn here on their way to the sink; empty in between
 };
 
 } // namespace vantrel

@@ -25,6 +25,9 @@ const xcb_screen_t* screenAt(xcb_connection_t* connection, int number) {
     return screens.rem > 0 ? screens.data : nullptr;
 }
 
+// Depths of the root window for which opaque pictures can be made.
+constexpr std::array<std::uint8_t, 4> usableDepths{16, 24, 30, 32};
+
 bool isAtLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMajor,
                std::uint32_t wantedMinor) {
     return major > wantedMajor || (major == wantedMajor && minor >= wantedMinor);
@@ -34,9 +37,12 @@ bool isAtLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMaj
 
 std::unique_ptr<Connection> Connection::open(const std::string& displayName, std::string& error) {
     int screenNumber = 0;
-    auto* xcb = xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &screenNumber);
+    const char* environment = std::getenv("DISPLAY");
+    const auto name =
+        displayName.empty() && environment != nullptr ? std::string(environment) : displayName;
+    auto* xcb = xcb_connect(name.empty() ? nullptr : name.c_str(), &screenNumber);
     std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber));
-    error = connection->prepare();
+    error = connection->prepare(name);
     return error.empty() ? std::move(connection) : nullptr;
 }
 
@@ -51,30 +57,55 @@ Connection::~Connection() {
 }
 
 // Returns what is missing.
-std::string Connection::prepare() {
+std::string Connection::prepare(const std::string& displayName) {
     if (xcb_connection_has_error(connection_) != 0) {
-        const char* display = std::getenv("DISPLAY");
-        return display == nullptr || *display == '\0'
-                   ? "cannot connect to an X server: DISPLAY is not set"
-                   : "cannot connect to the X server \"" + std::string(display) + "\"";
+        return displayName.empty() ? "cannot connect to an X server: DISPLAY is not set"
+                                   : "cannot connect to the X server \"" + displayName + "\"";
     }
     screen_ = screenAt(connection_, screenNumber_);
     if (screen_ == nullptr) {
         return "the X server has no such screen";
     }
+    if (std::ranges::find(usableDepths, screen_->root_depth) == usableDepths.end()) {
+        return "the X server's screen has an unusual depth of " +
+               std::to_string(screen_->root_depth) + " bits";
+    }
     rootSize_ = QSize(screen_->width_in_pixels, screen_->height_in_pixels);
     selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    for (auto* extension :
-         {&xcb_randr_id, &xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_present_id}) {
+    xcb_prefetch_extension_data(connection_, &xcb_present_id);
+    auto missing = missingExtension();
+    if (missing.empty()) {
+        internAtoms();
+        findArgbVisual();
+        missing = outdatedExtension();
+    }
+    return missing;
+}
+
+// A request of an extension that is not there would end the connection.
+std::string Connection::missingExtension() {
+    const std::array<std::pair<xcb_extension_t*, const char*>, 4> needed{{
+        {&xcb_randr_id, "RANDR"},
+        {&xcb_input_id, "XInput"},
+        {&xcb_shape_id, "SHAPE"},
+        {&xcb_xfixes_id, "XFIXES"},
+    }};
+    for (const auto& [extension, name] : needed) {
         xcb_prefetch_extension_data(connection_, extension);
     }
+    for (const auto& [extension, name] : needed) {
+        if (majorOpcode(*extension) == 0) {
+            return "the X server lacks the extension " + std::string(name);
+        }
+    }
+    return {};
+}
+
+std::string Connection::outdatedExtension() {
     const auto randr = xcb_randr_query_version(connection_, 1, 5);
     const auto input = xcb_input_xi_query_version(connection_, 2, 2);
     const auto fixes = xcb_xfixes_query_version(connection_, 5, 0);
     const auto shape = xcb_shape_query_version(connection_);
-    internAtoms();
-    findArgbVisual();
-
     const Owned<xcb_randr_query_version_reply_t> randrVersion(
         xcb_randr_query_version_reply(connection_, randr, nullptr));
     const Owned<xcb_input_xi_query_version_reply_t> inputVersion(
@@ -93,7 +124,7 @@ std::string Connection::prepare() {
     }
     if (!fixesVersion || !shapeVersion ||
         !isAtLeast(shapeVersion->major_version, shapeVersion->minor_version, 1, 1)) {
-        return "the X server lacks windows that clicks pass through (SHAPE 1.1, XFIXES)";
+        return "the X server lacks SHAPE 1.1, by which clicks pass through";
     }
     return {};
 }

@@ -23,12 +23,13 @@ struct FreeDeleter {
 template <typename T>
 using Owned = std::unique_ptr<T, FreeDeleter>;
 
-// The number of an event of an extension that sends generic events, or 0.
+// What kind of event it is, whether the server or another program sent it.
 inline constexpr std::uint8_t eventNumber(const xcb_generic_event_t& event) {
     return static_cast<std::uint8_t>(event.response_type & 0x7FU);
 }
 
-// Hears every event. Handlers look for what is theirs.
+// Hears every event. Handlers look for what is theirs. They must not run an event loop of their
+// own: nothing is delivered while one of them is busy.
 class EventHandler {
 public:
     virtual ~EventHandler() = default;
@@ -95,7 +96,9 @@ public:
 private:
     explicit Connection(xcb_connection_t* connection, int screenNumber);
 
-    std::string prepare();
+    std::string prepare(const std::string& displayName);
+    std::string missingExtension();
+    std::string outdatedExtension();
     void internAtoms();
     void findArgbVisual();
     bool deliverGulp();

@@ -43,6 +43,7 @@ private:
     std::uint32_t presentEvents_ = 0;
     PaceCheck pace_;
     bool judged_ = false;
+    bool paceDiffers_ = false; // from the display's, for good
     bool blank_ = false;
     bool alive_ = true; // since the last look
     std::unique_ptr<FrameTimer> timer_;
@@ -109,15 +110,21 @@ void X11DisplayLink::handleEvent(const xcb_generic_event_t& event) {
     if (!judged_) {
         const auto fits = pace_.add(complete.msc, complete.ust);
         judged_ = fits.has_value();
-        if (fits == false) {
+        paceDiffers_ = fits == false;
+        if (paceDiffers_) {
             useTimer();
         }
     }
 }
 
 void X11DisplayLink::eventsDrained() {
-    if (!std::exchange(blank_, false) || timer_) {
+    if (!std::exchange(blank_, false) || paceDiffers_) {
         return;
+    }
+    if (timer_) {
+        // The display was off, and is on again.
+        timer_.reset();
+        lifeCheck_.start(patience);
     }
     // Goes out with what the target asks of the server.
     requestBlank();
@@ -130,6 +137,7 @@ void X11DisplayLink::useTimer() {
     timer_ = std::make_unique<FrameTimer>(rate_, [target = target_] { (*target)(); });
 }
 
+// The request for the next blank stays with the server, which answers when there is one again.
 void X11DisplayLink::checkLife() {
     if (!std::exchange(alive_, false)) {
         useTimer();

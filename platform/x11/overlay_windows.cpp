@@ -32,7 +32,7 @@ private:
         SpriteWindow* window = nullptr;
     };
 
-    void upload(SpriteId sprite, const QImage& picture) override;
+    bool upload(SpriteId sprite, const QImage& picture) override;
     void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
     void place(SpriteId sprite, QPoint topLeft) override;
     void hide(SpriteId sprite) override;
@@ -88,16 +88,17 @@ SpriteWindow* X11OverlayWindow::windowOf(SpriteId sprite) const {
     return found == sprites_.end() ? nullptr : found->window;
 }
 
-void X11OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
+bool X11OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
     auto* window = windowOf(sprite);
     if (window == nullptr) {
         window = owner_.stack_.acquire();
         if (window == nullptr) {
-            return;
+            return false;
         }
         sprites_.push_back({sprite, window});
     }
     window->setPicture(picture);
+    return true;
 }
 
 void X11OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {

@@ -5,52 +5,13 @@
 #include "platform/overlay_window.h"
 #include "platform/transaction.h"
 #include "platform/x11/compositing.h"
-#include "platform/x11/raise_policy.h"
 #include "platform/x11/screens.h"
-#include "platform/x11/sprite_window.h"
+#include "platform/x11/sprite_stack.h"
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace vantrel::x11 {
-
-// The sprite windows of all overlays, bottom to top as far as this program's go. Those that are not
-// in use wait, parked, for the next sprite. They stay above the windows of others.
-class SpriteStack final : private EventHandler {
-public:
-    SpriteStack(Connection& connection, const Clock& clock);
-
-    // Makes them blend, or not, from now on. Takes away all windows that there are.
-    void setKind(SpriteKind kind);
-    // Has so many windows waiting, so that none need be made when a sprite appears.
-    void prepare(std::size_t count);
-    // On top of the others. Null when there can be none.
-    SpriteWindow* acquire();
-    void release(SpriteWindow& window);
-    void clear();
-    void raise();
-
-private:
-    struct Entry {
-        std::unique_ptr<SpriteWindow> window;
-        bool used = false;
-    };
-
-    void handleEvent(const xcb_generic_event_t& event) override;
-    void eventsDrained() override;
-    void cameAbove(xcb_window_t window);
-    bool add();
-    [[nodiscard]] bool isOurs(xcb_window_t window) const;
-
-    Connection& connection_;
-    const Clock& clock_;
-    RaisePolicy policy_;
-    bool covered_ = false;
-    std::optional<SpriteResources> resources_;
-    std::vector<Entry> entries_;
-    Subscription events_;
-};
 
 class X11OverlayWindow;
 

@@ -4,14 +4,24 @@ namespace vantrel::x11 {
 
 bool RaisePolicy::shouldRaise(Window window, double now) {
     auto& rival = rivals_[window];
-    if (rival.times > patience) {
+    if (now - rival.cameAbove > forgivingTime) {
+        rival = {};
+    }
+    rival.cameAbove = now;
+    if (rival.answers >= patience) {
         return false;
     }
-    if (rival.times == 0 || now - rival.since > period) {
-        rival = {now, 0};
+    rival.answers = now - rival.raisedOver <= answerTime ? rival.answers + 1 : 0;
+    if (rival.answers >= patience) {
+        return false;
     }
-    ++rival.times;
-    return rival.times <= patience;
+    rival.raisedOver = now;
+    return true;
+}
+
+bool RaisePolicy::hasYieldedTo(Window window) const {
+    const auto rival = rivals_.find(window);
+    return rival != rivals_.end() && rival->second.answers >= patience;
 }
 
 } // namespace vantrel::x11

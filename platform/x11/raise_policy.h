@@ -1,29 +1,37 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 
 namespace vantrel::x11 {
 
 // Decides whether the overlays go above a window that came above them. They do, unless that window
-// keeps coming back: then it wants to be on top more than they do, and two that both insist would
-// never rest. Such a window stays above until it goes away.
+// keeps answering by coming back: then it wants to be on top more than they do, and two that both
+// insist would never rest. Such a window is left above until it goes away, or has left it at that
+// for a while.
 class RaisePolicy {
 public:
     using Window = std::uint32_t;
 
-    static constexpr int patience = 4;    // times
-    static constexpr double period = 2.0; // within that many seconds
+    static constexpr int patience = 4;            // answers
+    static constexpr double answerTime = 1.0;     // seconds; what comes later is no answer
+    static constexpr double forgivingTime = 10.0; // seconds without coming above
 
     // The window is above the overlays now, in seconds of any clock.
     [[nodiscard]] bool shouldRaise(Window window, double now);
+    // Whether it is left above the overlays.
+    [[nodiscard]] bool hasYieldedTo(Window window) const;
     // It was closed or hidden.
     void forget(Window window) { rivals_.erase(window); }
 
 private:
+    static constexpr double never = -std::numeric_limits<double>::infinity();
+
     struct Rival {
-        double since = 0;
-        int times = 0;
+        double cameAbove = never;
+        double raisedOver = never;
+        int answers = 0;
     };
 
     std::map<Window, Rival> rivals_;

@@ -16,6 +16,7 @@ struct Monitor {
     std::uint32_t name = 0; // an atom
     QRect pixels;
     bool primary = false;
+    bool mirrors = false; // another one
     std::vector<xcb_randr_output_t> outputs;
     std::string outputName;
     double rate = 0;
@@ -50,21 +51,19 @@ bool showsAllOf(const Monitor& whole, const Monitor& part) {
 // A display that shows only what another one shows as well gets no overlay of its own: effects
 // would be drawn twice there. Of two equal ones, the earlier stays.
 void dropMirrors(std::vector<Monitor>& monitors) {
-    std::vector<Monitor> kept;
-    for (std::size_t i = 0; i < monitors.size(); ++i) {
-        const auto& monitor = monitors[i];
-        bool mirrors = monitor.pixels.isEmpty();
-        for (std::size_t j = 0; j < monitors.size() && !mirrors; ++j) {
-            auto& other = monitors[j];
-            mirrors =
-                j != i && showsAllOf(other, monitor) && (j < i || !showsAllOf(monitor, other));
-            other.primary = other.primary || (mirrors && monitor.primary);
-        }
-        if (!mirrors) {
-            kept.push_back(monitor);
+    for (auto& monitor : monitors) {
+        for (auto& other : monitors) {
+            const bool equal = showsAllOf(other, monitor) && showsAllOf(monitor, other);
+            if (!monitor.mirrors && &other != &monitor && showsAllOf(other, monitor) &&
+                (!equal || &other < &monitor)) {
+                monitor.mirrors = true;
+                other.primary = other.primary || monitor.primary;
+            }
         }
     }
-    monitors = std::move(kept);
+    std::erase_if(monitors, [](const Monitor& monitor) {
+        return monitor.mirrors || monitor.pixels.isEmpty();
+    });
 }
 
 using Rates = std::map<xcb_randr_mode_t, double>;
@@ -105,7 +104,7 @@ void readOutputs(const Connection& connection, Monitor& monitor, const Rates& ra
     }
 }
 
-// The union of what the work area leaves, in pixels; the whole root window when nobody tells.
+// What the desktop's panels leave, in pixels; the whole root window when nobody tells.
 QRect readWorkArea(const Connection& connection) {
     const auto number = [&connection](Atom property, std::uint32_t offset, std::uint32_t count) {
         return Owned<xcb_get_property_reply_t>(xcb_get_property_reply(

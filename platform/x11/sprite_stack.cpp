@@ -1,4 +1,4 @@
-#include "platform/x11/overlay_windows.h"
+#include "platform/x11/sprite_stack.h"
 
 #include <algorithm>
 
@@ -41,7 +41,9 @@ SpriteWindow* SpriteStack::acquire() {
     std::rotate(free, free + 1, entries_.end());
     auto& entry = entries_.back();
     entry.used = true;
-    entry.window->raise();
+    if (entries_.size() > 1) {
+        entry.window->stackAbove(*entries_[entries_.size() - 2].window);
+    }
     return entry.window.get();
 }
 
@@ -86,10 +88,12 @@ void SpriteStack::handleEvent(const xcb_generic_event_t& event) {
         break;
     }
     case XCB_CONFIGURE_NOTIFY: {
-        // Whatever comes above all of the overlays comes above one of them first.
+        // Whatever comes above the overlays lies right above one of them then, or above a window
+        // that is left there.
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        if (configure.above_sibling != XCB_NONE && isOurs(configure.above_sibling) &&
-            !isOurs(configure.window)) {
+        const auto below = configure.above_sibling;
+        if (below != XCB_NONE && !isOurs(configure.window) &&
+            (isOurs(below) || policy_.hasYieldedTo(below))) {
             cameAbove(configure.window);
         }
         break;

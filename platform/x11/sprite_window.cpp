@@ -24,10 +24,18 @@ QRect fromX(const xcb_rectangle_t& rect) {
     return {rect.x, rect.y, rect.width, rect.height};
 }
 
-QImage opaque(const QImage& picture) {
+// Without its transparency, in the format of a root window of that depth.
+QImage opaque(const QImage& picture, std::uint8_t depth) {
     auto image = picture.convertToFormat(QImage::Format_ARGB32);
     image.reinterpretAsFormat(QImage::Format_RGB32);
-    return image;
+    switch (depth) {
+    case 16:
+        return image.convertToFormat(QImage::Format_RGB16);
+    case 30:
+        return image.convertToFormat(QImage::Format_RGB30);
+    default:
+        return image;
+    }
 }
 
 int mostOpaque(const QImage& picture) {
@@ -70,23 +78,26 @@ ImageWriter::ImageWriter(Connection& connection, std::uint8_t depth)
 }
 
 void ImageWriter::put(xcb_drawable_t drawable, const QImage& picture, const QRect& area) {
-    constexpr std::uint32_t requestHead = 32;
-    const auto width = static_cast<std::uint32_t>(area.width());
-    const auto longest = xcb_get_maximum_request_length(connection_.xcb()) * 4 - requestHead;
-    const int rowsAtOnce = static_cast<int>(std::max(longest / (width * 4), 1U));
+    constexpr std::size_t requestHead = 32;
+    const auto pixelBytes = static_cast<std::size_t>(picture.depth()) / 8;
+    const auto usedBytes = static_cast<std::size_t>(area.width()) * pixelBytes;
+    const auto rowBytes = (usedBytes + 3) / 4 * 4;
+    const auto longest =
+        std::size_t{xcb_get_maximum_request_length(connection_.xcb())} * 4 - requestHead;
+    const int rowsAtOnce = static_cast<int>(std::max(longest / rowBytes, std::size_t{1}));
     for (int top = area.top(); top <= area.bottom(); top += rowsAtOnce) {
         const int rows = std::min(rowsAtOnce, area.bottom() + 1 - top);
-        rows_.resize(width * static_cast<std::uint32_t>(rows));
+        rows_.resize(rowBytes * static_cast<std::size_t>(rows));
         auto out = rows_.begin();
         for (int y = top; y < top + rows; ++y) {
-            const auto* row = reinterpret_cast<const std::uint32_t*>(picture.constScanLine(y));
-            out = std::copy_n(row + area.left(), width, out);
+            const auto offset = static_cast<std::size_t>(area.left()) * pixelBytes;
+            std::copy_n(picture.constScanLine(y) + offset, usedBytes, out);
+            out += static_cast<std::ptrdiff_t>(rowBytes);
         }
         xcb_put_image(connection_.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, gc_.id(),
-                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(rows),
+                      static_cast<std::uint16_t>(area.width()), static_cast<std::uint16_t>(rows),
                       static_cast<std::int16_t>(area.left()), static_cast<std::int16_t>(top), 0,
-                      depth_, static_cast<std::uint32_t>(rows_.size() * 4),
-                      reinterpret_cast<const std::uint8_t*>(rows_.data()));
+                      depth_, static_cast<std::uint32_t>(rows_.size()), rows_.data());
     }
 }
 
@@ -164,7 +175,8 @@ void SpriteWindow::setPicture(const QImage& picture) {
     if (resources_.kind() == SpriteKind::shaped) {
         cutOut(picture, cut_);
         shapeStale_ = true;
-        resources_.writer().put(picture_.id(), opaque(picture), picture.rect());
+        const auto depth = resources_.writer().depth();
+        resources_.writer().put(picture_.id(), opaque(picture, depth), picture.rect());
     } else {
         resources_.writer().put(picture_.id(), picture, picture.rect());
     }
@@ -192,6 +204,12 @@ void SpriteWindow::park() {
 void SpriteWindow::raise() {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(resources_.connection().xcb(), id(), XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+void SpriteWindow::stackAbove(const SpriteWindow& sibling) {
+    const std::array<std::uint32_t, 2> values{sibling.id(), XCB_STACK_MODE_ABOVE};
+    xcb_configure_window(resources_.connection().xcb(), id(),
+                         XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
 }
 
 void SpriteWindow::commit() {

@@ -19,7 +19,8 @@ class ImageWriter {
 public:
     ImageWriter(Connection& connection, std::uint8_t depth);
 
-    // The area of the picture, at the same place in the drawable.
+    // The area of the picture, at the same place in the drawable. The picture is in the format that
+    // the drawable's depth has on the server.
     void put(xcb_drawable_t drawable, const QImage& picture, const QRect& area);
     [[nodiscard]] std::uint8_t depth() const { return depth_; }
 
@@ -27,7 +28,7 @@ private:
     Connection& connection_;
     std::uint8_t depth_;
     GcHandle gc_;
-    std::vector<std::uint32_t> rows_;
+    std::vector<std::uint8_t> rows_;
 };
 
 // How pictures are shown: blended by a compositing manager, or opaque in windows of their shape.
@@ -70,6 +71,7 @@ public:
     void place(QPoint topLeft, const QRect& clip);
     void park();
     void raise();
+    void stackAbove(const SpriteWindow& sibling);
     void commit();
 
 private:

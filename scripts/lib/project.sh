@@ -8,7 +8,7 @@ build_packages=(
     cmake g++ ninja-build pkgconf
     qt6-base-dev qt6-svg-dev
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
-    libxcb-xfixes0-dev libxcb-xinput-dev
+    libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libplist-dev nlohmann-json3-dev
 )
 # Whether a display answers is asked with xdpyinfo.

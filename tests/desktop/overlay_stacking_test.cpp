@@ -68,8 +68,21 @@ TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
     }
     EXPECT_GE(rounds, 1);
     EXPECT_LE(rounds, x11::RaisePolicy::patience);
-    // Others it still goes above.
-    const ClientWindow menu(server.display(), wholeScreen());
+    // A click is drawn beneath it as well.
+    preferences.click.style = ClickStyle::pulse;
+    show(CursorMode::highlight);
+    manager->addClick({300, 300}, false);
+    EXPECT_FALSE(runUntil(
+        [&] {
+            return pixel({265, 300}) != green;
+        },
+        std::chrono::milliseconds(250)));
+    EXPECT_TRUE(rivalIsOnTop());
+    // Others it still goes above, whether they open or are raised.
+    ClientWindow menu(server.display(), wholeScreen());
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+    rival.raise();
+    menu.raise();
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
 }
 
