@@ -124,6 +124,7 @@ TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
     setOutputs(watcher, {{{800, 600}, 60, {0, 0}}});
     startCompositing();
     start();
+    ASSERT_TRUE(shows({300, 200}));
     for (int round = 0; round < 5; ++round) {
         setOutputs(watcher, {{{800, 600}, 60, {0, 0}}, {{640, 480}, 120, {800, 0}}});
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 2; }));
