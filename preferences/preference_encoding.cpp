@@ -116,8 +116,11 @@ private:
         finite_ = finite_ && std::isfinite(value);
     }
 
+    // Documents have their slashes escaped, which the library leaves as they are.
     void write(const std::string& text) {
-        document_ += json(text).dump(-1, ' ', false, json::error_handler_t::replace);
+        for (const char c : json(text).dump(-1, ' ', false, json::error_handler_t::replace)) {
+            document_ += c == '/' ? "\\/" : std::string_view(&c, 1);
+        }
     }
 
     void write(const Enumeration auto& value) {

@@ -93,7 +93,7 @@ TEST(PreferenceDocument, HasNoFormForNumbersThatAreNotFinite) {
 TEST(PreferenceDocument, KeepsEveryDisplayTextThatIsUnicode) {
     using namespace std::string_literals;
     const std::vector<std::pair<std::string, std::string>> table{
-        {"⌃\"\\/", R"(⌃\"\\/)"},
+        {"⌃\"\\/", R"(⌃\"\\\/)"},
         {"\b\f\n\r\t\x1b\x7f", "\\b\\f\\n\\r\\t\\u001b\x7f"},
         {"\0"s, R"(\u0000)"},
         {"🖱\u2028", "🖱\u2028"},
