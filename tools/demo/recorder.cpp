@@ -19,10 +19,15 @@ std::vector<std::string> filmCommand(const desktop::PrivateServer& server,
                                      const std::filesystem::path& video) {
     const std::string size =
         std::to_string(stageSize.width()) + "x" + std::to_string(stageSize.height());
-    return {"ffmpeg",     "-hide_banner", "-nostdin",    "-y",         "-f",   "x11grab",
-            "-framerate", "60",           "-video_size", size,         "-i",   server.display(),
-            "-c:v",       "libx264",      "-preset",     "veryfast",   "-crf", "18",
-            "-pix_fmt",   "yuv420p",      "-movflags",   "+faststart", video};
+    // On a busy machine frames are missed; the others then last longer, and the film as long as the
+    // presentation.
+    return {"ffmpeg", "-hide_banner", "-nostdin", "-y",
+            // What is filmed
+            "-use_wallclock_as_timestamps", "1", "-f", "x11grab", "-framerate", "60", "-video_size",
+            size, "-i", server.display(),
+            // What becomes of it
+            "-fps_mode", "cfr", "-r", "60", "-c:v", "libx264", "-preset", "veryfast", "-crf", "18",
+            "-pix_fmt", "yuv420p", "-movflags", "+faststart", video};
 }
 
 desktop::ChildProcess startFilming(const desktop::PrivateServer& server,

@@ -45,17 +45,18 @@ nlohmann::json laser(const std::string& glow) {
 }
 
 void plainDesktop(Show& show) {
-    show.hand().moveTo(thirdPoint, 900ms);
-    show.hand().moveTo(title, 800ms);
-    show.hand().rest(300ms);
+    show.hand().rest(400ms);
+    show.hand().moveTo(thirdPoint, 1000ms);
+    show.hand().moveTo(title, 900ms);
+    show.hand().rest(500ms);
 }
 
 void filled(Show& show) {
     show.toggle('h', true);
     show.hand().rest(500ms);
     for (const PixelPoint place : {firstPoint, secondPoint, thirdPoint}) {
-        show.hand().moveTo(place, 600ms);
-        show.hand().rest(250ms);
+        show.hand().moveTo(place, 700ms);
+        show.hand().rest(400ms);
     }
     show.takeStill("highlight-filled");
     show.hand().moveTo(bar(3), 900ms);
@@ -81,7 +82,7 @@ void glow(Show& show) {
     show.startVantrel(highlight("glow", 0.8, blue));
     show.hand().rest(400ms);
     show.hand().moveTo(bar(1), 900ms);
-    show.hand().rest(250ms);
+    show.hand().rest(400ms);
     show.hand().moveTo(title, 800ms);
     show.takeStill("highlight-glow");
     show.hand().rest(400ms);
@@ -103,15 +104,17 @@ void idleHiding(Show& show) {
 
 void laserLow(Show& show) {
     show.startVantrel(laser("low"));
-    show.hand().moveTo(firstPoint, 800ms);
-    show.hand().moveTo({firstPoint.x + 190, firstPoint.y + 4}, 700ms);
+    show.hand().rest(400ms);
+    show.hand().moveTo(firstPoint, 900ms);
+    show.hand().rest(300ms);
+    show.hand().moveTo({firstPoint.x + 190, firstPoint.y + 4}, 900ms);
     show.hand().rest(300ms);
 }
 
 void laserMedium(Show& show) {
     show.startVantrel(laser("medium"));
     show.hand().moveTo({bar(3).x + 36, bar(3).y - 70}, 900ms);
-    show.hand().circle({bar(3).x, bar(3).y - 70}, 2, 1700ms);
+    show.hand().circle({bar(3).x, bar(3).y - 70}, 2, 2000ms);
     show.takeStill("laser");
     show.hand().rest(250ms);
 }
@@ -119,16 +122,16 @@ void laserMedium(Show& show) {
 void laserHigh(Show& show) {
     show.startVantrel(laser("high"));
     show.hand().moveTo(functionName, 800ms);
-    show.hand().rest(200ms);
+    show.hand().rest(400ms);
     show.hand().moveTo(lastLine, 700ms);
     show.takeStill("laser-high");
-    show.hand().rest(300ms);
+    show.hand().rest(600ms);
 }
 
 void switchedOff(Show& show) {
     show.toggle('l', false);
-    show.hand().moveTo(aside, 900ms);
-    show.hand().rest(300ms);
+    show.hand().moveTo(aside, 1000ms);
+    show.hand().rest(800ms);
 }
 
 Scene scene(const char* heading, const char* detail, bool inShortForm, void (*play)(Show&)) {
