@@ -53,18 +53,17 @@ X11OverlayWindow::X11OverlayWindow(X11OverlayWindows& owner, const Screen& scree
       pixels_(owner.screens_.pixelsOf(screen)),
       scene_(pixels_.size(), screen.backingScale) {
     owner_.windows_.push_back(this);
-    owner_.stack_.prepare(owner_.windows_.size() + spareWindows);
+    owner_.prepareWindows();
 }
 
 X11OverlayWindow::~X11OverlayWindow() {
     std::erase(owner_.windows_, this);
-    if (owner_.windows_.empty()) {
-        owner_.stack_.clear();
-        xcb_flush(owner_.connection_.xcb());
-        return;
-    }
     for (const auto& sprite : sprites_) {
         owner_.stack_.release(*sprite.window);
+    }
+    // Nothing may be sent for a long time from here on.
+    if (owner_.windows_.empty()) {
+        xcb_flush(owner_.connection_.xcb());
     }
 }
 
@@ -155,10 +154,14 @@ void X11OverlayWindows::compositingChanged() {
     }
     const bool blends = compositing_.active() && connection_.argbVisual() != 0;
     stack_.setKind(blends ? SpriteKind::translucent : SpriteKind::shaped);
-    if (!windows_.empty()) {
-        stack_.prepare(windows_.size() + spareWindows);
-        flush();
-    }
+    prepareWindows();
+    flush();
+}
+
+// Compositing managers take milliseconds over a new window, and some fade it in. So the windows are
+// there before anything shows, and stay while nothing does.
+void X11OverlayWindows::prepareWindows() {
+    stack_.prepare(std::max(windows_.size(), screens_.list().size()) + spareWindows);
 }
 
 } // namespace vantrel::x11

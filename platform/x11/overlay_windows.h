@@ -26,6 +26,7 @@ public:
 private:
     friend class X11OverlayWindow;
     void compositingChanged();
+    void prepareWindows();
 
     Connection& connection_;
     const X11Screens& screens_;

@@ -10,7 +10,7 @@ SpriteStack::SpriteStack(Connection& connection, const Clock& clock)
 }
 
 void SpriteStack::setKind(SpriteKind kind) {
-    clear();
+    entries_.clear();
     resources_.emplace(connection_, kind);
 }
 
@@ -57,10 +57,6 @@ void SpriteStack::release(SpriteWindow& window) {
     }
 }
 
-void SpriteStack::clear() {
-    entries_.clear();
-}
-
 void SpriteStack::raise() {
     for (const auto& entry : entries_) {
         entry.window->raise();
@@ -73,7 +69,7 @@ bool SpriteStack::isOurs(xcb_window_t window) const {
 }
 
 void SpriteStack::cameAbove(xcb_window_t window) {
-    if (!covered_ && !entries_.empty()) {
+    if (!covered_ && std::ranges::any_of(entries_, &Entry::used)) {
         covered_ = policy_.shouldRaise(window, clock_.uptime());
     }
 }

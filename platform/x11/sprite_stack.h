@@ -23,7 +23,6 @@ public:
     // On top of the others, and not of anything else. Null when there can be none.
     SpriteWindow* acquire();
     void release(SpriteWindow& window);
-    void clear();
     void raise();
 
 private:

@@ -10,6 +10,7 @@
 #include "platform/x11/desktop.h"
 
 #include <QCoreApplication>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace vantrel::desktop {
 
@@ -46,7 +48,7 @@ protected:
         manager.reset();
         x11.reset();
         connection.reset();
-        EXPECT_TRUE(runUntil([this] { return ownWindows() == 0; }));
+        EXPECT_TRUE(runUntil([this] { return ownWindows().empty(); }));
     }
 
     void paintDesktop(PixelSize size = {1000, 600}) {
@@ -97,15 +99,24 @@ protected:
                                              << " is " << pixel(place) << " instead of " << color;
     }
     // Windows of this process's overlays that the server holds.
-    [[nodiscard]] int ownWindows() const {
+    [[nodiscard]] std::vector<xcb_window_t> ownWindows() const {
         const auto tree = ownReply(xcb_query_tree_reply(
             watcher.get(), xcb_query_tree(watcher.get(), watcher.root()), nullptr));
         const auto* children = xcb_query_tree_children(tree.get());
-        return static_cast<int>(
-            std::count_if(children, children + xcb_query_tree_children_length(tree.get()),
-                          [this](xcb_window_t window) {
-                              return !watcher.property(window, "_NET_WM_BYPASS_COMPOSITOR").empty();
-                          }));
+        std::vector<xcb_window_t> windows(children,
+                                          children + xcb_query_tree_children_length(tree.get()));
+        std::erase_if(windows, [this](xcb_window_t window) {
+            return watcher.property(window, "_NET_WM_BYPASS_COMPOSITOR").empty();
+        });
+        return windows;
+    }
+    // How many of them are not parked beyond it.
+    [[nodiscard]] std::ptrdiff_t ownWindowsOnScreen() const {
+        return std::ranges::count_if(ownWindows(), [this](xcb_window_t window) {
+            const auto place = ownReply(xcb_get_geometry_reply(
+                watcher.get(), xcb_get_geometry(watcher.get(), window), nullptr));
+            return place && place->x + place->width > 0 && place->y + place->height > 0;
+        });
     }
 
     PrivateServer server;
