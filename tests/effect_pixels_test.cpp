@@ -1,6 +1,7 @@
 #include "headless_fixture.h"
 #include "overlay/effect_drawing.h"
 #include "overlay/overlay_window_manager.h"
+#include "picture_difference.h"
 #include "platform/layers/painter.h"
 
 #include <QPainter>
@@ -10,21 +11,6 @@
 
 namespace vantrel {
 namespace {
-
-// How far two pictures differ, in the most different channel of the most different pixel.
-int difference(const QImage& a, const QImage& b) {
-    EXPECT_EQ(a.size(), b.size());
-    int most = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = reinterpret_cast<const QRgb*>(a.constScanLine(y))[x];
-            const QRgb q = reinterpret_cast<const QRgb*>(b.constScanLine(y))[x];
-            most = std::max({most, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                             std::abs(qBlue(p) - qBlue(q)), std::abs(qAlpha(p) - qAlpha(q))});
-        }
-    }
-    return most;
-}
 
 class EffectPixelsTest : public HeadlessTest {
 protected:

@@ -1,5 +1,6 @@
 #include "ui/components/accessibility.h"
 
+#include <QAbstractButton>
 #include <QAccessibleWidget>
 #include <QVariant>
 #include <QWidget>
@@ -9,6 +10,40 @@ namespace vantrel {
 namespace {
 
 constexpr auto roleProperty = "vantrelAccessibleRole";
+
+// Also of a button that chooses one of several things.
+class Described final : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
+
+    [[nodiscard]] QAccessible::State state() const override {
+        auto state = QAccessibleWidget::state();
+        if (const auto* choice = button()) {
+            state.checkable = choice->isCheckable();
+            state.checked = choice->isChecked();
+        }
+        return state;
+    }
+    [[nodiscard]] QStringList actionNames() const override {
+        auto names = QAccessibleWidget::actionNames();
+        if (button() != nullptr && widget()->isEnabled()) {
+            names.prepend(pressAction());
+        }
+        return names;
+    }
+    void doAction(const QString& name) override {
+        if (auto* choice = button(); choice != nullptr && name == pressAction()) {
+            choice->click();
+        } else {
+            QAccessibleWidget::doAction(name);
+        }
+    }
+
+private:
+    [[nodiscard]] QAbstractButton* button() const {
+        return qobject_cast<QAbstractButton*>(widget());
+    }
+};
 
 class Decoration final : public QAccessibleWidget {
 public:
@@ -32,7 +67,7 @@ QAccessibleInterface* describe(const QString& /*className*/, QObject* object) {
     if (value == QAccessible::NoRole) {
         return new Decoration(widget);
     }
-    return new QAccessibleWidget(widget, value);
+    return new Described(widget, value);
 }
 
 void mark(QWidget* widget, QAccessible::Role role) {

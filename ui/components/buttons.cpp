@@ -10,6 +10,19 @@
 
 namespace vantrel {
 
+namespace {
+
+// Some styles leave hardly any room around the text.
+class FramedButton final : public QPushButton {
+public:
+    [[nodiscard]] QSize sizeHint() const override {
+        const QSize text = fontMetrics().size(Qt::TextShowMnemonic, this->text());
+        return QPushButton::sizeHint().expandedTo(text + QSize(28, 10));
+    }
+};
+
+} // namespace
+
 PlainButton::PlainButton(ViewContext& view, const Wording& name,
                          const std::function<void()>& action, QWidget* face) {
     setAutoDefault(false);
@@ -80,7 +93,7 @@ PlainButton* actionRow(ViewContext& view, const Wording& title, std::string_view
 
 QPushButton* pushButton(ViewContext& view, const Wording& title,
                         const std::function<void()>& action, ButtonRole role) {
-    auto* button = new QPushButton;
+    auto* button = new FramedButton;
     button->setFont(bodyText.font());
     button->setAutoDefault(role == ButtonRole::primary);
     button->setDefault(role == ButtonRole::primary);

@@ -12,6 +12,7 @@ ChoiceButton::ChoiceButton(ViewContext& view, const ChoiceRole& role, const Choi
                            QWidget* face)
     : look_(look) {
     setAutoExclusive(false);
+    setAccessibleRole(this, QAccessible::RadioButton);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

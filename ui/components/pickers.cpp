@@ -38,6 +38,11 @@ protected:
 
 // Lets the wheel scroll what it lies in.
 class PopUp final : public QComboBox {
+public:
+    [[nodiscard]] QSize sizeHint() const override {
+        return QComboBox::sizeHint().expandedTo({0, 26}) + QSize(8, 0);
+    }
+
 protected:
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 };

@@ -52,7 +52,7 @@ SectionCard::SectionCard(ViewContext& view, const Wording& title,
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(18, 18, 18, 18);
     layout->addWidget(column(16, {header, content}));
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setAccessibleRole(this, QAccessible::Grouping);
     view.follow(this, [this, &view, title] { setAccessibleName(view.say(title)); });
 }

@@ -3,6 +3,7 @@
 #include "ui/components/style.h"
 
 #include <QBoxLayout>
+#include <QCoreApplication>
 #include <QPainter>
 #include <QScrollArea>
 
@@ -97,10 +98,24 @@ QScrollArea* scrolling(QWidget* content) {
     area->setFrameShape(QFrame::NoFrame);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidgetResizable(true);
-    area->setWidget(content);
-    content->setAutoFillBackground(false);
+    area->setWidget(column(0, {content, spacer()}));
+    area->widget()->setAutoFillBackground(false);
     area->viewport()->setAutoFillBackground(false);
     return area;
+}
+
+void settleLayout(QWidget& part) {
+    for (auto* child : part.children()) {
+        if (auto* widget = qobject_cast<QWidget*>(child);
+            widget != nullptr && !widget->isWindow()) {
+            settleLayout(*widget);
+        }
+    }
+    if (part.layout() != nullptr) {
+        part.layout()->activate();
+    } else {
+        QCoreApplication::sendPostedEvents(&part, QEvent::LayoutRequest);
+    }
 }
 
 } // namespace vantrel

@@ -46,7 +46,11 @@ private:
 // Makes a part as wide as its contents. Returns it.
 QWidget* hugging(QWidget* part);
 
-// Scrolls its content vertically when there is too little room.
+// Scrolls its content vertically when there is too little room, and keeps it at the top otherwise.
 [[nodiscard]] QScrollArea* scrolling(QWidget* content);
+
+// Brings the sizes of a part and of all in it up to date at once. The toolkit does it by and by, one
+// level of nesting in each turn of the event loop.
+void settleLayout(QWidget& part);
 
 } // namespace vantrel

@@ -1,5 +1,9 @@
 #include "ui/components/view_context.h"
 
+#include "ui/components/stack.h"
+
+#include <QApplication>
+
 namespace vantrel {
 
 ViewContext::ViewContext(AppState& state, const Clock& clock, const CursorImages& cursors)
@@ -24,6 +28,11 @@ void ViewContext::publish() {
         [this] {
             pending_ = false;
             Q_EMIT changed();
+            for (auto* window : QApplication::topLevelWidgets()) {
+                if (window->isVisible()) {
+                    settleLayout(*window);
+                }
+            }
         },
         Qt::QueuedConnection);
 }
