@@ -54,6 +54,7 @@ X11OverlayWindow::X11OverlayWindow(X11OverlayWindows& owner, const Screen& scree
       scene_(pixels_.size(), screen.backingScale) {
     owner_.windows_.push_back(this);
     owner_.prepareWindows();
+    owner_.stack_.setShown(true);
 }
 
 X11OverlayWindow::~X11OverlayWindow() {
@@ -63,6 +64,7 @@ X11OverlayWindow::~X11OverlayWindow() {
     }
     // Nothing may be sent for a long time from here on.
     if (owner_.windows_.empty()) {
+        owner_.stack_.setShown(false);
         xcb_flush(owner_.connection_.xcb());
     }
 }
@@ -158,8 +160,8 @@ void X11OverlayWindows::compositingChanged() {
     flush();
 }
 
-// Compositing managers take milliseconds over a new window, and some fade it in. So the windows are
-// there before anything shows, and stay while nothing does.
+// A new window takes a wait for the server. So the windows are there before anything shows, and
+// stay while nothing does.
 void X11OverlayWindows::prepareWindows() {
     stack_.prepare(std::max(windows_.size(), screens_.list().size()) + spareWindows);
 }

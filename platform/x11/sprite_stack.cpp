@@ -26,6 +26,9 @@ bool SpriteStack::add() {
     if (!window) {
         return false;
     }
+    if (shown_) {
+        window->map();
+    }
     entries_.push_back({std::move(window)});
     return true;
 }
@@ -57,6 +60,15 @@ void SpriteStack::release(SpriteWindow& window) {
     }
 }
 
+void SpriteStack::setShown(bool shown) {
+    if (std::exchange(shown_, shown) == shown) {
+        return;
+    }
+    for (const auto& entry : entries_) {
+        shown ? entry.window->map() : entry.window->unmap();
+    }
+}
+
 void SpriteStack::raise() {
     for (const auto& entry : entries_) {
         entry.window->raise();
@@ -69,7 +81,7 @@ bool SpriteStack::isOurs(xcb_window_t window) const {
 }
 
 void SpriteStack::cameAbove(xcb_window_t window) {
-    if (!covered_ && std::ranges::any_of(entries_, &Entry::used)) {
+    if (!covered_ && shown_) {
         covered_ = policy_.shouldRaise(window, clock_.uptime());
     }
 }

@@ -24,6 +24,8 @@ public:
     SpriteWindow* acquire();
     void release(SpriteWindow& window);
     void raise();
+    // Nothing is mapped while hidden, as at first, but what is ready stays ready.
+    void setShown(bool shown);
 
 private:
     struct Entry {
@@ -41,6 +43,7 @@ private:
     const Clock& clock_;
     RaisePolicy policy_;
     bool covered_ = false;
+    bool shown_ = false;
     std::optional<SpriteResources> resources_;
     std::vector<Entry> entries_;
     Subscription events_;

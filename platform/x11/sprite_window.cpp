@@ -119,7 +119,6 @@ std::unique_ptr<SpriteWindow> SpriteWindow::create(SpriteResources& resources) {
         return nullptr;
     }
     window->setProperties();
-    xcb_map_window(resources.connection().xcb(), window->id());
     return window;
 }
 
@@ -199,6 +198,14 @@ void SpriteWindow::place(QPoint topLeft, const QRect& clip) {
 
 void SpriteWindow::park() {
     place_.reset();
+}
+
+void SpriteWindow::map() {
+    xcb_map_window(resources_.connection().xcb(), id());
+}
+
+void SpriteWindow::unmap() {
+    xcb_unmap_window(resources_.connection().xcb(), id());
 }
 
 void SpriteWindow::raise() {

@@ -54,8 +54,9 @@ private:
 };
 
 // A small window that shows one picture, lets every click through and is never managed by a window
-// manager. Mapped from the start, it is parked outside of the root window while it shows nothing:
-// compositing managers fade and animate windows that are mapped. Changes are sent by commit().
+// manager. While it shows nothing it is parked outside of the root window rather than unmapped:
+// compositing managers fade and animate windows that are mapped. Changes are sent by commit(),
+// other than those of map() and unmap().
 class SpriteWindow {
 public:
     // Null when the server does not let clicks through.
@@ -70,6 +71,8 @@ public:
     // In pixels of the root window; what lies outside of the clip is not shown.
     void place(QPoint topLeft, const QRect& clip);
     void park();
+    void map();
+    void unmap();
     void raise();
     void stackAbove(const SpriteWindow& sibling);
     void commit();

@@ -1,5 +1,6 @@
 #include "overlay_fixture.h"
 
+#include <cmath>
 #include <numeric>
 
 #include <xcb/xproto.h>
@@ -79,22 +80,27 @@ class OutputsTest : public OverlayDesktopTest {
 protected:
     OutputsTest() : OverlayDesktopTest(PrivateServer::virtualOutputs()) {}
 
-    // From the gap that most frames keep, whatever else the machine has to do meanwhile.
-    double framesPerSecond() {
+    // Whether the usual gap between frames becomes that of a rate, to a tenth. On a busy machine it
+    // does so late, but never for another rate than the one that is kept.
+    bool keepsPace(double rate) {
         std::vector<double> times;
         const auto screens = x11->screens.list();
         const auto* fastest = fastestScreen(screens);
         const auto link =
             x11->displayLinks.create(*fastest, frameRateRange(fastest->maximumFramesPerSecond),
                                      [&] { times.push_back(x11->clock.uptime()); });
-        // The first frames show the server's pace.
-        runUntil([&] { return times.size() >= 60; });
-        times.clear();
-        runUntil([&] { return times.size() >= 120; });
-        std::adjacent_difference(times.begin(), times.end(), times.begin());
-        const auto middle = times.begin() + 60;
-        std::nth_element(times.begin() + 1, middle, times.end());
-        return 1 / *middle;
+        return runUntil(
+            [&] {
+                if (times.size() < 41) {
+                    return false;
+                }
+                std::adjacent_difference(times.begin(), times.end(), times.begin());
+                std::nth_element(times.begin() + 1, times.begin() + 20, times.end());
+                const double gap = times[20];
+                times.clear();
+                return std::abs(gap * rate - 1) < 0.1;
+            },
+            std::chrono::seconds(30));
     }
 };
 
@@ -105,11 +111,10 @@ TEST_F(OutputsTest, KeepThePaceOfTheFastestDisplay) {
     EXPECT_NEAR(x11->screens.list()[0].maximumFramesPerSecond, 60, 0.5);
     EXPECT_NEAR(x11->screens.list()[1].maximumFramesPerSecond, 120, 0.5);
     EXPECT_EQ(x11->screens.list()[1].frame, (GlobalRect{1280, 0, 1280, 720}));
-    // Neither is the other, even on a machine that has more to do than it can.
-    EXPECT_NEAR(framesPerSecond(), 120, 35);
+    EXPECT_TRUE(keepsPace(120));
     setOutputs(watcher, {{{1280, 720}, 60, {0, 0}}});
     ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; }));
-    EXPECT_NEAR(framesPerSecond(), 60, 20);
+    EXPECT_TRUE(keepsPace(60));
 }
 
 TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
@@ -131,7 +136,7 @@ TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
         EXPECT_TRUE(shows({1000, 200}));
         setOutputs(watcher, {});
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().empty(); }));
-        EXPECT_EQ(ownWindowsOnScreen(), 0);
+        EXPECT_TRUE(runUntil([&] { return ownMappedWindows() == 0; }));
         setOutputs(watcher, {{{800, 600}, 60, {0, 0}}});
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; }));
         EXPECT_TRUE(shows({300, 200}));

@@ -110,12 +110,11 @@ protected:
         });
         return windows;
     }
-    // How many of them are not parked beyond it.
-    [[nodiscard]] std::ptrdiff_t ownWindowsOnScreen() const {
+    [[nodiscard]] std::ptrdiff_t ownMappedWindows() const {
         return std::ranges::count_if(ownWindows(), [this](xcb_window_t window) {
-            const auto place = ownReply(xcb_get_geometry_reply(
-                watcher.get(), xcb_get_geometry(watcher.get(), window), nullptr));
-            return place && place->x + place->width > 0 && place->y + place->height > 0;
+            const auto attributes = ownReply(xcb_get_window_attributes_reply(
+                watcher.get(), xcb_get_window_attributes(watcher.get(), window), nullptr));
+            return attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
         });
     }
 
