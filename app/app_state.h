@@ -52,6 +52,7 @@ public:
     // Loads the preferences and registers the shortcuts; shows nothing yet. The store and the
     // desktop must outlive the state.
     AppState(SettingsStore& store, const AppDesktop& desktop);
+    ~AppState() = default;
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 

@@ -205,6 +205,7 @@ void Connection::selectRootEvents(std::uint32_t mask) {
 template <typename Call>
 void Connection::forEachHandler(Call call) {
     // By index: a handler may add another one.
+    // NOLINTNEXTLINE(modernize-loop-convert)
     for (std::size_t i = 0; i < handlers_.size(); ++i) {
         if (auto* handler = handlers_[i]) {
             call(*handler);
