@@ -68,6 +68,11 @@ BenchDesktop::BenchDesktop(int monitorCount)
                               desktop::preferencesShowing("highlight"));
 }
 
+std::filesystem::path storedDocument(const BenchDesktop& desktop) {
+    return std::filesystem::path(desktop.server.environment().at("XDG_CONFIG_HOME")) / "vantrel" /
+           "Vantrel.preferences.v1";
+}
+
 Contenders contendersFor(const std::string& program) {
     const auto here = std::filesystem::canonical("/proc/self/exe").parent_path();
     const Contender floor{.command = {here / "vantrel_floor"}};

@@ -7,6 +7,7 @@
 #include "desktop/harness/synthetic_input.h"
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -40,12 +41,15 @@ struct Contenders {
     Contender floor;
     Contender floorAtRest; // keeps a display link
     Contender emptyApplication;
-    bool showsClicks = true; // the program does; the floor in its place does not
+    bool reacts = true; // to clicks and shortcuts; the floor in the program's place does not
 };
 
 // The floor and the empty application lie beside this executable. Without a program the floor is
 // compared with itself, and the empty application with itself: the ratios show the method's error.
 [[nodiscard]] Contenders contendersFor(const std::string& program);
+
+// Where the preferences of programs on the desktop are stored.
+[[nodiscard]] std::filesystem::path storedDocument(const BenchDesktop& desktop);
 
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;

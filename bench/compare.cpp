@@ -24,9 +24,19 @@ struct Part {
     Report (*measure)(const Contenders&, const Effort&);
 };
 
-constexpr std::array parts{Part{"latency", measureLatency}, Part{"motion", measureMotion},
-                           Part{"rest", measureRest},       Part{"clicks", measureClicks},
-                           Part{"memory", measureMemory},   Part{"start", measureStart}};
+constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", measureMotion},
+                           Part{"rest", measureRest},         Part{"clicks", measureClicks},
+                           Part{"shortcut", measureShortcut}, Part{"change", measureChange},
+                           Part{"slider", measureSlider},     Part{"save", measureSave},
+                           Part{"memory", measureMemory},     Part{"start", measureStart}};
+
+QString namesOfParts() {
+    QStringList names;
+    for (const Part& part : parts) {
+        names << QLatin1String(part.name);
+    }
+    return names.join(QStringLiteral(", "));
+}
 
 Report measure(const Contenders& contenders, const Effort& effort, const QString& only) {
     Report report;
@@ -58,9 +68,7 @@ int main(int argc, char** argv) {
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("write the result there"),
                                   QStringLiteral("file"));
     const QCommandLineOption only(
-        QStringLiteral("only"),
-        QStringLiteral("one of latency, motion, rest, clicks, memory, start"),
-        QStringLiteral("part"));
+        QStringLiteral("only"), QStringLiteral("one of ") + namesOfParts(), QStringLiteral("part"));
     const QCommandLineOption smoke(QStringLiteral("smoke"),
                                    QStringLiteral("few samples; missed targets are no failure"));
     parser.addOptions({json, only, smoke});

@@ -85,7 +85,7 @@ Report measureClicks(const Contenders& contenders, const Effort& effort) {
     Report report{.rows = {summarize("eight clicks on three displays / plain motion", "ms/s",
                                      comparison, median)},
                   .checks = {framesMissed(contenders.programAtRest, 5 * effort.secondsInTurn)}};
-    if (contenders.showsClicks) {
+    if (contenders.reacts) {
         report.checks.push_back(ringsAppear(desktop, contenders.programAtRest));
     }
     return report;

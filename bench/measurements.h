@@ -25,6 +25,15 @@ struct Effort {
 [[nodiscard]] Report measureRest(const Contenders& contenders, const Effort& effort);
 // Three displays with eight live clicks, compared with plain motion on them; frames missed.
 [[nodiscard]] Report measureClicks(const Contenders& contenders, const Effort& effort);
+// From a pressed shortcut to the first changed pixel, compared with plain motion.
+[[nodiscard]] Report measureShortcut(const Contenders& contenders, const Effort& effort);
+// One change of a preference that shows nowhere, compared with one round trip to the X server.
+[[nodiscard]] Report measureChange(const Contenders& contenders, const Effort& effort);
+// Motion while 1000 changes a second come from a slider, compared with none; how often they are
+// saved.
+[[nodiscard]] Report measureSlider(const Contenders& contenders, const Effort& effort);
+// Frames missed while the disk is busy with a save.
+[[nodiscard]] Report measureSave(const Contenders& contenders, const Effort& effort);
 // Beside an empty application.
 [[nodiscard]] Report measureMemory(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureStart(const Contenders& contenders, const Effort& effort);
