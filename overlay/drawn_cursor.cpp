@@ -3,7 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
-#include <cmath>
+#include <array>
 
 namespace vantrel {
 
@@ -13,8 +13,8 @@ constexpr QSizeF size(16, 22); // points
 constexpr QPointF tip(2, 2);
 
 QPainterPath outline() {
-    constexpr QPointF corners[] = {{0, 0},      {0, 15.6},   {3.6, 12.3}, {6, 17.9},
-                                   {8.5, 16.8}, {6.1, 11.3}, {10.9, 11.3}};
+    constexpr std::array<QPointF, 7> corners{
+        {{0, 0}, {0, 15.6}, {3.6, 12.3}, {6, 17.9}, {8.5, 16.8}, {6.1, 11.3}, {10.9, 11.3}}};
     QPainterPath path(tip);
     for (const auto& corner : corners) {
         path.lineTo(tip + corner);

@@ -22,6 +22,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QKeyEvent>
 #include <QScrollArea>
 #include <QStyleFactory>
 
@@ -211,6 +212,8 @@ int run(const QApplication& application) {
                          QStringLiteral("name"), QStringLiteral("highlight")},
                         {QStringLiteral("dark"), QStringLiteral("dark instead of light")},
                         {QStringLiteral("custom"), QStringLiteral("colours of no palette")},
+                        {QStringLiteral("tabs"), QStringLiteral("press Tab so often"),
+                         QStringLiteral("count"), QStringLiteral("0")},
                         {QStringLiteral("png"), QStringLiteral("write a picture and exit"),
                          QStringLiteral("file")}});
     options.addHelpOption();
@@ -247,6 +250,10 @@ int run(const QApplication& application) {
         return QApplication::exec();
     }
     QApplication::processEvents();
+    for (int i = options.value(QStringLiteral("tabs")).toInt(); i > 0; --i) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QApplication::sendEvent(QApplication::focusWidget(), &press);
+    }
     return window->grab().save(options.value(QStringLiteral("png"))) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

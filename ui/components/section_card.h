@@ -19,6 +19,8 @@ public:
     SectionCard(ViewContext& view, const Wording& title, const std::optional<Wording>& subtitle,
                 QWidget* content);
     ~SectionCard() override;
+    SectionCard(const SectionCard&) = delete;
+    SectionCard& operator=(const SectionCard&) = delete;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

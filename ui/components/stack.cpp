@@ -96,6 +96,7 @@ QWidget* hugging(QWidget* part) {
 QScrollArea* scrolling(QWidget* content) {
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::ClickFocus);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidgetResizable(true);
     area->setWidget(column(0, {content, spacer()}));

@@ -47,10 +47,11 @@ private:
 QWidget* hugging(QWidget* part);
 
 // Scrolls its content vertically when there is too little room, and keeps it at the top otherwise.
+// Keys scroll it that the part with the focus does not take; it is no stop for the keyboard itself.
 [[nodiscard]] QScrollArea* scrolling(QWidget* content);
 
-// Brings the sizes of a part and of all in it up to date at once. The toolkit does it by and by, one
-// level of nesting in each turn of the event loop.
+// Brings the sizes of a part and of all in it up to date at once. The toolkit does it by and by,
+// one level of nesting in each turn of the event loop.
 void settleLayout(QWidget& part);
 
 } // namespace vantrel

@@ -89,8 +89,13 @@ void drawFocusRing(QPainter& painter, const QWidget& widget, const QRectF& rect,
     if (!widget.hasFocus() || !widget.window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
         return;
     }
-    painter.strokePath(continuousRect(rect.adjusted(1, 1, -1, -1), radius - 1),
-                       QPen(toneColor(Tone::accent, widget.palette()), 2));
+    const auto line = [&](double inset, const QColor& color) {
+        painter.strokePath(
+            continuousRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+            QPen(color, 2));
+    };
+    line(3, widget.palette().color(QPalette::Base));
+    line(1, toneColor(Tone::primary, widget.palette(), 0.85));
 }
 
 } // namespace vantrel

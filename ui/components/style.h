@@ -74,7 +74,8 @@ struct Chrome {
 void drawChrome(QPainter& painter, const QPalette& palette, const QRectF& rect,
                 const Chrome& chrome);
 
-// Around what the keyboard is at; nothing while the pointer is what the user works with.
+// Around what the keyboard is at, in two shades that are seen on any colour; nothing while the
+// pointer is what the user works with.
 void drawFocusRing(QPainter& painter, const QWidget& widget, const QRectF& rect, double radius);
 
 } // namespace vantrel
