@@ -26,8 +26,9 @@ public:
 private:
     static void report(QtMsgType type, const QMessageLogContext& /*context*/,
                        const QString& message) {
-        const bool ofThePlugin = message.startsWith(QStringLiteral("This plugin does not support")) ||
-                                 message.contains(QStringLiteral("XDG_RUNTIME_DIR"));
+        const bool ofThePlugin =
+            message.startsWith(QStringLiteral("This plugin does not support")) ||
+            message.contains(QStringLiteral("XDG_RUNTIME_DIR"));
         if (type != QtDebugMsg && type != QtInfoMsg && !ofThePlugin) {
             ADD_FAILURE() << message.toStdString();
         }
