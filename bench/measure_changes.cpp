@@ -27,7 +27,9 @@ constexpr desktop::PixelPoint restingPlace{960, 540};
 
 void runEvents(std::chrono::milliseconds time) {
     QEventLoop loop;
-    QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(time);
     loop.exec();
 }
 

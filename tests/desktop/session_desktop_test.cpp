@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 
+#include <array>
 #include <fstream>
 
 #include <fcntl.h>
@@ -145,9 +146,9 @@ protected:
 
 private:
     int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    std::string name_ = "test";
+    std::array<char*, 2> arguments_{name_.data(), nullptr};
+    QCoreApplication application_{argumentCount_, arguments_.data()};
     PrivateBus bus_;
 
 protected:
