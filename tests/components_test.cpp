@@ -1,11 +1,7 @@
-#include "headless_fixture.h"
-#include "offscreen_application.h"
-#include "overlay/drawn_cursor.h"
-#include "ui/components/background.h"
+#include "components_fixture.h"
 #include "ui/components/buttons.h"
 #include "ui/components/choice_button.h"
 #include "ui/components/color_choices.h"
-#include "ui/components/color_well.h"
 #include "ui/components/effect_preview.h"
 #include "ui/components/highlight_choices.h"
 #include "ui/components/label.h"
@@ -20,60 +16,13 @@
 #include "ui/components/value_slider.h"
 
 #include <QAccessible>
-#include <QColorDialog>
 #include <QComboBox>
-#include <QtTest/QTest>
 
 namespace vantrel {
 namespace {
 
-class ComponentsTest : public HeadlessTest {
+class ComponentsTest : public ViewTest {
 protected:
-    // Puts a part into a window.
-    QWidget& show(QWidget* part) {
-        window = std::make_unique<VantrelBackground>(part);
-        window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        return *part;
-    }
-    static void update() { QCoreApplication::processEvents(); }
-    template <typename Change>
-    void change(Change apply) {
-        state.changePreferences(apply);
-        update();
-    }
-    const AppPreferences& preferences() { return state.preferences().get(); }
-    // How often the preferences are assigned meanwhile.
-    int assignments(const std::function<void()>& action) {
-        int count = -1; // of the call at once
-        const auto counter = state.preferences().observe([&](const auto&) { ++count; });
-        action();
-        return count;
-    }
-    // The part with that name.
-    template <typename Part = QWidget>
-    Part* named(const char* name) {
-        for (auto* part : window->findChildren<Part*>()) {
-            if (part->accessibleName() == QString::fromUtf8(name)) {
-                return part;
-            }
-        }
-        ADD_FAILURE() << "nothing is named " << name;
-        return nullptr;
-    }
-    std::vector<std::string> checked() {
-        std::vector<std::string> names;
-        for (const auto* button : window->findChildren<QAbstractButton*>()) {
-            if (button->isChecked()) {
-                names.push_back(button->accessibleName().toStdString());
-            }
-        }
-        return names;
-    }
-    auto highlightColor() {
-        return view.binding(&AppPreferences::highlight, &HighlightSettings::color);
-    }
-    auto laserColor() { return view.binding(&AppPreferences::laser, &LaserSettings::color); }
     QWidget* diameterSlider() {
         return valueSlider(view, Text{"Diameter", "直径"},
                            view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
@@ -98,72 +47,7 @@ protected:
             view, Text{"Hide when idle", "闲置时隐藏"},
             view.binding(&AppPreferences::highlight, &HighlightSettings::idleHide));
     }
-
-    SettingsStore store{desktop.userDefaults, "key"};
-    AppState state{
-        store,
-        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-         .hotKeys = desktop.hotKeys,
-         .mainQueue = desktop.mainQueue,
-         .loginItem = desktop.loginItem,
-         .workspace = desktop.workspace,
-         .bundle = desktop.bundle,
-         .locale = desktop.locale}};
-    DrawnCursor cursor;
-    ViewContext view{state, desktop.clock, cursor};
-    std::unique_ptr<QWidget> window;
 };
-
-TEST_F(ComponentsTest, ColoursAreNamedByTheSixPresets) {
-    const char* const english[] = {"Yellow", "Green", "Blue", "Red", "Purple", "White"};
-    const char* const chinese[] = {"黄色", "绿色", "蓝色", "红色", "紫色", "白色"};
-    const auto presets = EffectColor::presets();
-    for (std::size_t i = 0; i < presets.size(); ++i) {
-        EXPECT_EQ(colorName(presets[i]).english, english[i]);
-        EXPECT_EQ(colorName(presets[i]).chinese, chinese[i]);
-        EXPECT_FALSE(isCustom(presets[i], Palette::highlight));
-    }
-    const auto almostBlue = EffectColor::fromRgb(0x0A84FE);
-    EXPECT_EQ(colorName(almostBlue).english, "Custom color");
-    EXPECT_EQ(colorName(almostBlue).chinese, "自定义颜色");
-    EXPECT_TRUE(isCustom(almostBlue, Palette::highlight));
-}
-
-TEST_F(ComponentsTest, OnlyTheColourInUseIsSelected) {
-    show(colorChoices(view, highlightColor(), Palette::highlight));
-    change([](auto& preferences) { preferences.highlight.color = EffectColor::fromRgb(0x0A84FF); });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Blue"});
-    change([](auto& preferences) { preferences.highlight.color = EffectColor::fromRgb(0x0A84FE); });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Custom color"});
-}
-
-TEST_F(ComponentsTest, TheLaserOffersThreeColours) {
-    show(colorChoices(view, laserColor(), Palette::laser));
-    EXPECT_EQ(window->findChildren<ChoiceButton*>().size(), 3);
-    EXPECT_EQ(checked(), std::vector<std::string>{"Red"});
-    const auto yellow = EffectColor::fromRgb(0xFACC15);
-    change([&](auto& preferences) { preferences.laser.color = yellow; });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Custom color"});
-    EXPECT_EQ(colorName(yellow).english, "Yellow");
-}
-
-TEST_F(ComponentsTest, AWhiteSwatchHasABlackTick) {
-    show(colorChoices(view, highlightColor(), Palette::highlight));
-    const auto darkest = [&](const char* name) {
-        auto* swatch = named<QAbstractButton>(name);
-        swatch->click();
-        update();
-        const auto disc = swatch->grab().toImage().copy(9, 9, 16, 16);
-        int value = 255;
-        for (int i = 0; i < 16 * 16; ++i) {
-            value = std::min(value, disc.pixelColor(i % 16, i / 16).value());
-        }
-        return value;
-    };
-    EXPECT_LT(darkest("White"), 60);
-    EXPECT_GT(darkest("Yellow"), 240);
-}
 
 TEST_F(ComponentsTest, SliderTextIsRoundedWithHalvesAwayFromZero) {
     const ValueScale percent{.low = 0.1, .high = 0.9, .suffix = "%", .percent = true};
@@ -249,61 +133,6 @@ TEST_F(ComponentsTest, ModeChoicesSwitchTheModeAndShowAChangeMadeElsewhere) {
         EXPECT_NE(fill("Off"), accent);
         EXPECT_NE(fill("Laser Pointer"), accent);
     }
-}
-
-TEST_F(ComponentsTest, WhatIsPickedInTheDialogIsNotWrittenBackIntoTheWell) {
-    auto* well = new CustomColorWell(view, highlightColor(), Text{"Custom color", "自定义颜色"});
-    show(well);
-    well->click();
-    ASSERT_NE(well->dialog(), nullptr);
-    // A grey keeps the hue that the user is at only in the picked colour itself.
-    const auto grey = QColor::fromHsv(200, 0, 128);
-    EXPECT_EQ(assignments([&] {
-                  Q_EMIT well->dialog()->currentColorChanged(grey);
-                  update();
-              }),
-              1);
-    EXPECT_EQ(preferences().highlight.color, EffectColor::fromRgb(0x808080));
-    EXPECT_EQ(well->color(), grey);
-    EXPECT_EQ(well->color().hsvHue(), 200);
-
-    change([](auto& preferences) { preferences.highlight.color = EffectColor::fromRgb(0xFF453A); });
-    EXPECT_EQ(well->color(), QColor(0xFF, 0x45, 0x3A));
-    EXPECT_EQ(well->dialog()->currentColor(), QColor(0xFF, 0x45, 0x3A));
-    EXPECT_EQ(preferences().highlight.color, EffectColor::fromRgb(0xFF453A));
-}
-
-TEST_F(ComponentsTest, CancellingTheDialogBringsTheOldColourBack) {
-    auto* well = new CustomColorWell(view, laserColor(), Text{"Custom color", "自定义颜色"});
-    show(well);
-    const auto before = preferences().laser.color;
-    well->click();
-    well->dialog()->setCurrentColor(QColor(1, 2, 3));
-    EXPECT_EQ(preferences().laser.color, EffectColor::fromRgb(0x010203));
-    well->dialog()->reject();
-    update();
-    EXPECT_EQ(preferences().laser.color, before);
-    EXPECT_EQ(well->color(), QColor(0xFF, 0x45, 0x3A));
-}
-
-TEST_F(ComponentsTest, TheDialogGoesOnWhenItsWellIsGone) {
-    auto* well = new CustomColorWell(view, laserColor(), Text{"Custom color", "自定义颜色"});
-    show(well);
-    well->click();
-    const QPointer dialog = well->dialog();
-    window.reset();
-    ASSERT_NE(dialog, nullptr);
-    dialog->setCurrentColor(QColor(4, 5, 6));
-    EXPECT_EQ(preferences().laser.color, EffectColor::fromRgb(0x040506));
-    dialog->accept();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(dialog, nullptr);
-}
-
-TEST_F(ComponentsTest, AColourThatIsNoneIsReplaced) {
-    CustomColorWell::Coordinator coordinator{laserColor(), std::nullopt};
-    coordinator.colorChanged(QColor());
-    EXPECT_EQ(preferences().laser.color, (EffectColor{1, 0.8, 0}));
 }
 
 TEST_F(ComponentsTest, TextsFollowTheLanguage) {
@@ -494,6 +323,27 @@ TEST_F(ComponentsTest, EveryPictogramIsThereAndTakesItsTint) {
         EXPECT_GT(inked, 30) << name;
     }
     EXPECT_TRUE(pictogram("no.such", 24, Qt::red, 1).isNull());
+}
+
+TEST_F(ComponentsTest, ColoursFollowTheDesktopFromLightToDarkAndBack) {
+    auto* text = label(view, Text{"Color", "颜色"}, calloutText.toned(Tone::secondary));
+    auto* reset = pushButton(
+        view, Text{"Reset", "重置"}, [] {}, ButtonRole::destructive);
+    show(column(8, {text, reset}));
+    const auto colors = [&] {
+        return std::pair(text->palette().color(QPalette::WindowText),
+                         reset->palette().color(QPalette::ButtonText));
+    };
+    const auto light = QApplication::palette();
+    const auto inLight = colors();
+    QApplication::setPalette(QPalette(Qt::darkGray, QColor(0x20, 0x20, 0x20)));
+    update();
+    EXPECT_LT(inLight.first.lightness(), 128);
+    EXPECT_GT(colors().first.lightness(), 128);
+    EXPECT_GT(colors().second.lightness(), inLight.second.lightness());
+    QApplication::setPalette(light);
+    update();
+    EXPECT_EQ(colors(), inLight);
 }
 
 TEST_F(ComponentsTest, NoTextIsCutInEitherLanguage) {

@@ -5,6 +5,7 @@
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -15,10 +16,38 @@ namespace {
 // Some styles leave hardly any room around the text.
 class FramedButton final : public QPushButton {
 public:
+    explicit FramedButton(ButtonRole role) : role_(role) {
+        setAutoDefault(role == ButtonRole::primary);
+        setDefault(role == ButtonRole::primary);
+        setFont(bodyText.font());
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        tint();
+    }
+
     [[nodiscard]] QSize sizeHint() const override {
         const QSize text = fontMetrics().size(Qt::TextShowMnemonic, this->text());
         return QPushButton::sizeHint().expandedTo(text + QSize(28, 10));
     }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        if (event->type() == QEvent::PaletteChange) {
+            tint();
+        }
+        QPushButton::changeEvent(event);
+    }
+
+private:
+    void tint() {
+        const auto red = toneColor(Tone::red, palette());
+        if (role_ == ButtonRole::destructive && palette().color(QPalette::ButtonText) != red) {
+            QPalette tinted;
+            tinted.setColor(QPalette::ButtonText, red);
+            setPalette(tinted);
+        }
+    }
+
+    ButtonRole role_;
 };
 
 } // namespace
@@ -93,20 +122,9 @@ PlainButton* actionRow(ViewContext& view, const Wording& title, std::string_view
 
 QPushButton* pushButton(ViewContext& view, const Wording& title,
                         const std::function<void()>& action, ButtonRole role) {
-    auto* button = new FramedButton;
-    button->setFont(bodyText.font());
-    button->setAutoDefault(role == ButtonRole::primary);
-    button->setDefault(role == ButtonRole::primary);
-    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    auto* button = new FramedButton(role);
     QObject::connect(button, &QAbstractButton::clicked, button, action);
-    view.follow(button, [button, &view, title, role] {
-        button->setText(view.say(title));
-        if (role == ButtonRole::destructive) {
-            QPalette red;
-            red.setColor(QPalette::ButtonText, toneColor(Tone::red, QPalette()));
-            button->setPalette(red);
-        }
-    });
+    view.follow(button, [button, &view, title] { button->setText(view.say(title)); });
     return button;
 }
 

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "headless_fixture.h"
+#include "offscreen_application.h"
+#include "overlay/drawn_cursor.h"
+#include "ui/components/background.h"
+#include "ui/components/view_context.h"
+
+#include <QAbstractButton>
+#include <QtTest/QTest>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vantrel {
+
+// The application state on a desktop in memory, and a window for parts that show it.
+class ViewTest : public HeadlessTest {
+protected:
+    // Puts a part into a window.
+    QWidget& show(QWidget* part) {
+        window = std::make_unique<VantrelBackground>(part);
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        return *part;
+    }
+    static void update() { QCoreApplication::processEvents(); }
+    template <typename Change>
+    void change(Change apply) {
+        state.changePreferences(apply);
+        update();
+    }
+    const AppPreferences& preferences() { return state.preferences().get(); }
+    // How often the preferences are assigned meanwhile.
+    int assignments(const std::function<void()>& action) {
+        int count = -1; // of the call at once
+        const auto counter = state.preferences().observe([&](const auto&) { ++count; });
+        action();
+        return count;
+    }
+    // The part with that name.
+    template <typename Part = QWidget>
+    Part* named(const char* name) {
+        for (auto* part : window->findChildren<Part*>()) {
+            if (part->accessibleName() == QString::fromUtf8(name)) {
+                return part;
+            }
+        }
+        ADD_FAILURE() << "nothing is named " << name;
+        return nullptr;
+    }
+    std::vector<std::string> checked() {
+        std::vector<std::string> names;
+        for (const auto* button : window->findChildren<QAbstractButton*>()) {
+            if (button->isChecked()) {
+                names.push_back(button->accessibleName().toStdString());
+            }
+        }
+        return names;
+    }
+    auto highlightColor() {
+        return view.binding(&AppPreferences::highlight, &HighlightSettings::color);
+    }
+    auto laserColor() { return view.binding(&AppPreferences::laser, &LaserSettings::color); }
+
+    SettingsStore store{desktop.userDefaults, "key"};
+    AppState state{
+        store,
+        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
+                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
+         .hotKeys = desktop.hotKeys,
+         .mainQueue = desktop.mainQueue,
+         .loginItem = desktop.loginItem,
+         .workspace = desktop.workspace,
+         .bundle = desktop.bundle,
+         .locale = desktop.locale}};
+    DrawnCursor cursor;
+    ViewContext view{state, desktop.clock, cursor};
+    std::unique_ptr<QWidget> window;
+};
+
+} // namespace vantrel
