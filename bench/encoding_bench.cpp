@@ -14,28 +14,28 @@ std::string defaultDocument() {
 
 void encode(benchmark::State& state) {
     const AppPreferences preferences;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(encodePreferences(preferences));
     }
 }
 
 void libraryDump(benchmark::State& state) {
     const auto document = nlohmann::ordered_json::parse(defaultDocument());
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(document.dump());
     }
 }
 
 void decode(benchmark::State& state) {
     const auto document = defaultDocument();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(decodePreferences(document));
     }
 }
 
 void libraryParse(benchmark::State& state) {
     const auto document = defaultDocument();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(nlohmann::json::parse(document));
     }
 }

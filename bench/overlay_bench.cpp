@@ -72,7 +72,7 @@ struct Stage {
 
 void measure(benchmark::State& state, auto round) {
     const auto before = allocations;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         round();
     }
     state.counters["allocations"] = benchmark::Counter(static_cast<double>(allocations - before),

@@ -141,7 +141,10 @@ void Transaction::begin() {
     open_ = true;
     for (const auto* window : windows_.windows()) {
         const auto* root = window->rootLayer();
-        const auto known = committed_.find(root != nullptr ? root->id() : 0);
+        if (root == nullptr) {
+            continue;
+        }
+        const auto known = committed_.find(root->id());
         if (known != committed_.end() && root->revision() != known->second) {
             faults_.add("a layer was changed outside a transaction");
         }

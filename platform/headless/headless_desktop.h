@@ -87,6 +87,8 @@ class OverlayWindows final : public vantrel::OverlayWindows {
 public:
     explicit OverlayWindows(Faults& faults) : faults_(faults) {}
     ~OverlayWindows() override;
+    OverlayWindows(const OverlayWindows&) = delete;
+    OverlayWindows& operator=(const OverlayWindows&) = delete;
 
     std::unique_ptr<vantrel::OverlayWindow> create(const Screen& screen) override;
 
@@ -104,6 +106,8 @@ class OverlayWindow final : public vantrel::OverlayWindow, private SpriteSink {
 public:
     OverlayWindow(OverlayWindows& owner, const Screen& screen);
     ~OverlayWindow() override;
+    OverlayWindow(const OverlayWindow&) = delete;
+    OverlayWindow& operator=(const OverlayWindow&) = delete;
 
     [[nodiscard]] GlobalRect frame() const override { return screen_.frame; }
     [[nodiscard]] double backingScale() const override { return screen_.backingScale; }
@@ -168,6 +172,8 @@ class EventMonitors final : public vantrel::EventMonitors {
 public:
     explicit EventMonitors(Faults& faults) : faults_(faults) {}
     ~EventMonitors() override;
+    EventMonitors(const EventMonitors&) = delete;
+    EventMonitors& operator=(const EventMonitors&) = delete;
 
     std::optional<Token> addGlobal(EventMask mask, GlobalHandler handler) override;
     std::optional<Token> addLocal(EventMask mask, LocalHandler handler) override;
