@@ -38,7 +38,7 @@ function(vantrel_room folder)
     string(REPLACE "/" "_" target "vantrel_${folder}")
     add_library(${target} STATIC ${ROOM_SOURCES})
 
-    set(links "${CMAKE_BINARY_DIR}/rooms/${folder}")
+    set(links "${CMAKE_BINARY_DIR}/rooms/${target}")
     file(REMOVE_RECURSE "${links}")
     file(MAKE_DIRECTORY "${links}/${folder}")
     file(GLOB headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.h")

@@ -77,7 +77,16 @@ protected:
          .bundle = desktop.bundle,
          .locale = desktop.locale}};
     DrawnCursor cursor;
-    ViewContext view{state, desktop.clock, cursor};
+    int terminations = 0;
+    ViewContext view{state,
+                     {.clock = desktop.clock,
+                      .cursors = cursor,
+                      .screens = desktop.screens,
+                      .bundle = desktop.bundle,
+                      .userDefaults = desktop.userDefaults,
+                      .keyboard = desktop.keyboard,
+                      .alertSound = desktop.alertSound,
+                      .terminate = [this] { ++terminations; }}};
     std::unique_ptr<QWidget> window;
 };
 

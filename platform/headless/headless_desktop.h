@@ -221,6 +221,7 @@ struct Desktop {
     Bundle bundle;
     Locale locale;
     AlertSound alertSound;
+    Keyboard keyboard;
 
     // Time goes on, and then a frame comes.
     void frame(double seconds = 1.0 / 60);

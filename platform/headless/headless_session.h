@@ -2,6 +2,7 @@
 
 #include "platform/alert_sound.h"
 #include "platform/bundle.h"
+#include "platform/keyboard.h"
 #include "platform/locale.h"
 #include "platform/login_item.h"
 #include "platform/observers.h"
@@ -87,6 +88,23 @@ public:
     void beep() override { ++beeps; }
 
     int beeps = 0;
+};
+
+class Keyboard final : public vantrel::Keyboard {
+public:
+    [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key,
+                                                std::uint32_t state) const override {
+        const auto found = keys.find(key);
+        return found == keys.end() ? std::nullopt
+                                   : std::optional(KeyPress{found->second.keyCode, state,
+                                                            found->second.characters});
+    }
+
+    struct Key {
+        std::uint16_t keyCode = 0;
+        std::optional<std::string> characters;
+    };
+    std::map<std::uint32_t, Key> keys; // by the desktop's number; a state is keyflag bits
 };
 
 } // namespace vantrel::headless

@@ -241,7 +241,14 @@ int run(const QApplication& application) {
     });
     const SystemClock clock;
     const DrawnCursor cursor;
-    ViewContext view(state, clock, cursor);
+    ViewContext view(state, {.clock = clock,
+                             .cursors = cursor,
+                             .screens = desktop.screens,
+                             .bundle = desktop.bundle,
+                             .userDefaults = desktop.userDefaults,
+                             .keyboard = desktop.keyboard,
+                             .alertSound = desktop.alertSound,
+                             .terminate = [] { QApplication::quit(); }});
     const std::unique_ptr<QWidget> window(gallery(view));
     window->resize(920, 1010);
     window->setWindowTitle(QStringLiteral("Vantrel gallery"));

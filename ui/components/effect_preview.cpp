@@ -5,7 +5,7 @@
 namespace vantrel {
 
 PreviewCanvas* effectPreview(ViewContext& view, const EffectPreviewOptions& options) {
-    auto* canvas = new PreviewCanvas(view.clock(), view.cursors());
+    auto* canvas = new PreviewCanvas(view.desktop().clock, view.desktop().cursors);
     canvas->setFixedHeight(options.height);
     canvas->setLaser(options.laser);
     canvas->setInteractive(options.interactive);

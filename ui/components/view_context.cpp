@@ -6,8 +6,8 @@
 
 namespace vantrel {
 
-ViewContext::ViewContext(AppState& state, const Clock& clock, const CursorImages& cursors)
-    : state_(state), clock_(clock), cursors_(cursors) {
+ViewContext::ViewContext(AppState& state, ViewDesktop desktop)
+    : state_(state), desktop_(std::move(desktop)) {
     const auto observe = [this](auto& observable) {
         subscriptions_.push_back(observable.observe([this](const auto&) { publish(); }));
     };

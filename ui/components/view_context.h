@@ -1,8 +1,13 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "platform/alert_sound.h"
+#include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/cursor_image.h"
+#include "platform/keyboard.h"
+#include "platform/screens.h"
+#include "platform/user_defaults.h"
 #include "ui/components/binding.h"
 #include "ui/components/text.h"
 
@@ -15,6 +20,19 @@
 
 namespace vantrel {
 
+// What views ask of the desktop, besides what the state does for them.
+struct ViewDesktop {
+    const Clock& clock;
+    const CursorImages& cursors;
+    const Screens& screens;
+    const Bundle& bundle;
+    UserDefaults& userDefaults;
+    const Keyboard& keyboard;
+    AlertSound& alertSound;
+    // Ends the program.
+    std::function<void()> terminate;
+};
+
 // What every view needs: the state, and the one place from which views are brought up to date. All
 // that the state publishes in one go leads to one round of updates, in the next turn of the event
 // loop, so that the overlays come before the windows.
@@ -22,13 +40,12 @@ class ViewContext : public QObject {
     Q_OBJECT
 
 public:
-    // All must outlive the context, and the context the views.
-    ViewContext(AppState& state, const Clock& clock, const CursorImages& cursors);
+    // The state and the desktop must outlive the context, and the context the views.
+    ViewContext(AppState& state, ViewDesktop desktop);
 
     [[nodiscard]] AppState& state() const { return state_; }
     [[nodiscard]] const AppPreferences& preferences() const { return state_.preferences().get(); }
-    [[nodiscard]] const Clock& clock() const { return clock_; }
-    [[nodiscard]] const CursorImages& cursors() const { return cursors_; }
+    [[nodiscard]] const ViewDesktop& desktop() const { return desktop_; }
     [[nodiscard]] bool english() const { return state_.english(); }
     [[nodiscard]] QString say(const Wording& wording) const { return wording(english()); }
 
@@ -63,8 +80,7 @@ private:
     void publish();
 
     AppState& state_;
-    const Clock& clock_;
-    const CursorImages& cursors_;
+    ViewDesktop desktop_;
     bool pending_ = false;
     std::vector<Subscription> subscriptions_;
 };
