@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cstdio>
 #include <string_view>
+#include <unistd.h>
 
 #include <xcb/present.h>
 #include <xcb/randr.h>
@@ -145,6 +146,10 @@ void Connection::internAtoms() {
         "MANAGER",
         "UTF8_STRING",
         "_NET_WM_NAME",
+        "_NET_SYSTEM_TRAY_S" + number,
+        "_NET_ACTIVE_WINDOW",
+        "_VANTREL_INSTANCE_" + std::to_string(getuid()),
+        "_VANTREL_ARGUMENTS",
     };
     std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
     std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {

@@ -53,6 +53,10 @@ enum class Atom : std::uint8_t {
     manager,
     utf8String,
     netWmName,
+    systemTray, // _NET_SYSTEM_TRAY_Sn of this screen
+    activeWindow,
+    instance, // of this program for this user
+    instanceArguments,
     count,
 };
 

@@ -9,6 +9,7 @@
 #include "platform/x11/overlay_windows.h"
 #include "platform/x11/pointer.h"
 #include "platform/x11/screens.h"
+#include "platform/x11/system_tray.h"
 
 namespace vantrel::x11 {
 
@@ -22,7 +23,8 @@ struct X11Desktop {
           hotKeys(connection),
           displayLinks(connection, screens),
           overlayWindows(connection, screens, clock),
-          transaction(overlayWindows) {}
+          transaction(overlayWindows),
+          systemTray(connection) {}
 
     EventLoop eventLoop;
     SystemClock clock;
@@ -33,6 +35,7 @@ struct X11Desktop {
     X11DisplayLinks displayLinks;
     X11OverlayWindows overlayWindows;
     X11Transaction transaction;
+    X11SystemTray systemTray;
 };
 
 } // namespace vantrel::x11
