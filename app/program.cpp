@@ -55,7 +55,7 @@ AppDesktop Program::appDesktop() {
 
 ViewDesktop Program::viewDesktop() {
     return {.clock = x11_.clock,
-            .cursors = x11_.cursors,
+            .cursors = drawnCursor_,
             .screens = x11_.screens,
             .bundle = bundle_,
             .userDefaults = defaults_,
