@@ -1,6 +1,7 @@
 #include "ui/components/buttons.h"
 #include "ui/components/label.h"
 #include "ui/components/section_card.h"
+#include "ui/components/shortcut_recorder.h"
 #include "ui/components/stack.h"
 #include "ui/settings_pages.h"
 
@@ -10,22 +11,18 @@ namespace {
 
 using ShortcutField = std::optional<Shortcut> AppPreferences::*;
 
-QWidget* recorder(ViewContext& view, ShortcutField field) {
-    const Text prompt{"Record shortcut", "录入快捷键"};
-    auto* button = pushButton(
-        view,
-        [&view, field, prompt](bool english) {
-            const auto& shortcut = view.preferences().*field;
-            return shortcut ? QString::fromStdString(shortcut->display) : prompt(english);
-        },
-        [] {});
-    button->setFixedSize(160, 28);
-    return button;
+QWidget* recorder(ViewContext& view, const Text& title, ShortcutField field) {
+    auto* recorder =
+        new ShortcutRecorder(view, view.binding(field), Text{"Record shortcut", "录入快捷键"});
+    recorder->setFixedSize(160, 28);
+    view.follow(recorder,
+                [recorder, &view, title] { recorder->setAccessibleName(view.say(title)); });
+    return recorder;
 }
 
 QWidget* shortcutRow(ViewContext& view, const Text& title, ShortcutField field) {
     const auto shortcut = view.binding(field);
-    return row(8, {paragraph(view, title), recorder(view, field),
+    return row(8, {paragraph(view, title), recorder(view, title, field),
                    iconButton(view, "xmark.circle", 13, Tone::secondary,
                               Text{"Clear shortcut", "清除快捷键"},
                               [shortcut] { shortcut.set(std::nullopt); })});

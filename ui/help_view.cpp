@@ -68,7 +68,8 @@ QWidget* content(ViewContext& view) {
                                           column(16, {displays(view), recording(view)}));
     auto* linksCard =
         new SectionCard(view, Text{"Public policies and support", "公开政策与支持"}, links(view));
-    return column(22, {title, gettingStarted(view), recordingCard, linksCard})->padded(24);
+    return column(22, {title, gettingStarted(view), recordingCard, linksCard})
+        ->padded({24, 24, 24 - ScrollView::gutter, 24});
 }
 
 } // namespace

@@ -34,6 +34,11 @@ std::function<void()> opening(ViewContext& view, AppWindow window) {
     };
 }
 
+// All that scrolls ends where the other parts do.
+QWidget* insetSection(QWidget* section) {
+    return column(0, {section})->padded({margin, 0, margin - ScrollView::gutter, 0});
+}
+
 QWidget* inset(QWidget* part) {
     return column(0, {part})->padded(margin, 0);
 }
@@ -121,7 +126,7 @@ MenuPanel::MenuPanel(ViewContext& view) : MenuPanel(view, modeSection(view)) {}
 
 MenuPanel::MenuPanel(ViewContext& view, QWidget* section)
     : VantrelBackground(column(12, {header(view), inset(modeBadge(view)), inset(divider()),
-                                    inset(modeChoices(view, true)), inset(section),
+                                    inset(modeChoices(view, true)), insetSection(section),
                                     inset(divider()), footer(view)})
                             ->padded(0, margin)) {
     setFixedWidth(fixedWidth);

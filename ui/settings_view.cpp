@@ -106,7 +106,8 @@ QWidget* page(ViewContext& view, SettingsTab tab, QWidget* content) {
     auto* heading =
         column(5, {paragraph(view, tabOf(tab).label, {24, QFont::Bold}),
                    paragraph(view, subtitleOf(view, tab), calloutText.toned(Tone::secondary))});
-    return new ScrollView(column(16, {heading, content})->padded(20));
+    return new ScrollView(
+        column(16, {heading, content})->padded({20, 20, 20 - ScrollView::gutter, 20}));
 }
 
 Switcher::Builder building(SettingsTab tab, const Switcher::Builder& content) {
@@ -125,7 +126,11 @@ QWidget* pages(ViewContext& view, const std::function<void()>& reset) {
 QMessageBox* makeResetAlert(ViewContext& view, QWidget* parent) {
     auto* alert = new QMessageBox(parent);
     alert->setAttribute(Qt::WA_DeleteOnClose);
-    alert->setIcon(QMessageBox::Warning);
+    alert->setAttribute(Qt::WA_WindowPropagation); // of the tint
+    alert->setIconPixmap(pictogram("exclamationmark.triangle", 40,
+                                   toneColor(Tone::orange, parent->palette()),
+                                   parent->devicePixelRatio()));
+    alert->setFont(bodyText.weighted(QFont::DemiBold).font());
     auto* reset = pushButton(
         view, Text{"Reset", "重置"}, [&state = view.state()] { state.resetPreferences(); },
         ButtonRole::destructive);

@@ -62,7 +62,7 @@ QWidget* body(ViewContext& view) {
     auto* brand = column(0, {new BrandMark(76)}, Alignment::center)->padded({0, 8, 0, 0});
     return new ScrollView(
         column(16, {brand, heading(view), tiles(view), features(view)}, Alignment::center)
-            ->padded(24));
+            ->padded({24, 24, 24 - ScrollView::gutter, 24}));
 }
 
 QPushButton* startButton(ViewContext& view, const std::function<void()>& dismiss) {

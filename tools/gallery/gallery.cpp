@@ -15,6 +15,7 @@
 #include "ui/components/mode_choices.h"
 #include "ui/components/pickers.h"
 #include "ui/components/pictogram.h"
+#include "ui/components/plain_style.h"
 #include "ui/components/scroll_view.h"
 #include "ui/components/section_card.h"
 #include "ui/components/stack.h"
@@ -31,7 +32,6 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QScrollBar>
-#include <QStyleFactory>
 
 #include <cstdio>
 
@@ -361,6 +361,6 @@ int run(const QApplication& application) {
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new vantrel::PlainStyle);
     return vantrel::run(application);
 }

@@ -23,10 +23,13 @@ public:
         setSingleStep(lineHeight);
     }
 
-    [[nodiscard]] QSize sizeHint() const override { return {10, 40}; }
+    [[nodiscard]] QSize sizeHint() const override { return {ScrollView::gutter, 40}; }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
+        if (minimum() == maximum()) {
+            return;
+        }
         QStyleOptionSlider option;
         initStyleOption(&option);
         const QRectF knob = style()->subControlRect(QStyle::CC_ScrollBar, &option,
@@ -46,6 +49,7 @@ ScrollView::ScrollView(QWidget* content) {
     setFocusPolicy(Qt::ClickFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new Indicator);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setWidgetResizable(true);
     setWidget(column(0, {content, spacer()}));
     widget()->setAutoFillBackground(false);

@@ -9,6 +9,9 @@ namespace vantrel {
 // that the part with the focus does not take.
 class ScrollView : public QScrollArea {
 public:
+    // What the bar takes at the trailing edge, in points, also while there is nothing to scroll.
+    static constexpr int gutter = 10;
+
     explicit ScrollView(QWidget* content);
 
     // True when the key scrolls.
