@@ -40,9 +40,40 @@ void prepareToolkit() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
+// When the X server goes away, the toolkit ends the process at once, as a failure, and with all that
+// it has on its stack. The end of a session is none.
+class ServerLoss {
+public:
+    ServerLoss() {
+        current_ = this;
+        std::atexit([] {
+            if (current_ != nullptr) {
+                current_->endProgram();
+                std::_Exit(EXIT_SUCCESS);
+            }
+        });
+    }
+    ~ServerLoss() { current_ = nullptr; }
+    ServerLoss(const ServerLoss&) = delete;
+    ServerLoss& operator=(const ServerLoss&) = delete;
+
+    void setProgram(Program* program) { program_ = program; }
+
+private:
+    void endProgram() {
+        if (program_ != nullptr) {
+            program_->end();
+        }
+    }
+
+    static inline ServerLoss* current_ = nullptr;
+    Program* program_ = nullptr;
+};
+
 int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc, char** argv,
                   std::span<const std::string> arguments) {
     TerminationSignals signals;
+    ServerLoss serverLoss;
     prepareToolkit();
     // The arguments are the program's; the toolkit would take some of its own out of them.
     int toolkitArgc = std::min(argc, 1);
@@ -50,9 +81,11 @@ int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc
     QApplication::setWindowIcon(
         QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
     Program program(connection, instance, arguments);
+    serverLoss.setProgram(&program);
     signals.deliverTo([] { QCoreApplication::exit(); });
     const int status = QApplication::exec();
     program.end();
+    serverLoss.setProgram(nullptr);
     return status;
 }
 

@@ -6,23 +6,9 @@
 #include <QSessionManager>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace vantrel {
-
-namespace {
-
-// When the X server goes away, the toolkit ends the process as soon as it notices.
-Program* running = nullptr;
-
-void endRunningProgram() {
-    if (running != nullptr) {
-        running->end();
-    }
-}
-
-} // namespace
 
 Program::Program(x11::Connection& connection, x11::Instance& instance,
                  std::span<const std::string> arguments)
@@ -33,12 +19,9 @@ Program::Program(x11::Connection& connection, x11::Instance& instance,
     delegate_.applicationDidFinishLaunching(arguments);
     observeDesktop();
     instance.setReopen([this](const std::vector<std::string>& again) { reopen(again); });
-    running = this;
-    std::atexit(endRunningProgram);
 }
 
 Program::~Program() {
-    running = nullptr;
     end();
 }
 

@@ -24,8 +24,8 @@ QRect popoverPlacement(const QRect& item, QSize size, const QRect& available) {
     const int roomAbove = item.top() - gap - available.top();
     const bool opensBelow = roomBelow >= fitting.height() || roomBelow >= roomAbove;
     const QPoint corner(
-        within(item.center().x() - fitting.width() / 2, fitting.width(), available.left(),
-               available.left() + available.width()),
+        within(item.left() + (item.width() - fitting.width()) / 2, fitting.width(),
+               available.left(), available.left() + available.width()),
         within(opensBelow ? below : above, fitting.height(), available.top(), bottom));
     return {corner, fitting};
 }
