@@ -86,6 +86,10 @@ int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc
     const int status = QApplication::exec();
     program.end();
     serverLoss.setProgram(nullptr);
+    if (connection.isLost()) {
+        // The toolkit has nobody left to take leave of.
+        std::_Exit(EXIT_SUCCESS);
+    }
     return status;
 }
 

@@ -98,6 +98,7 @@ public:
 
     // Called once, when the server has gone away.
     Observers<> lost;
+    [[nodiscard]] bool isLost() const { return xcb_connection_has_error(connection_) != 0; }
 
 private:
     Connection(xcb_connection_t* connection, std::string displayName, int screenNumber);
