@@ -3,6 +3,7 @@
 #include "platform/system_clock.h"
 #include "platform/x11/alert_sound.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/cursor_images.h"
 #include "platform/x11/display_link.h"
 #include "platform/x11/event_loop.h"
 #include "platform/x11/event_monitors.h"
@@ -16,7 +17,9 @@ namespace vantrel::x11 {
 
 // All that an X server offers, on one connection that outlives it.
 struct X11Desktop {
-    explicit X11Desktop(Connection& connection)
+    // The pictures of the pointer are shown where the desktop's own cannot be had.
+    explicit X11Desktop(Connection& connection,
+                        const CursorImages& drawnCursors = NoCursorImages::instance())
         : eventLoop(connection),
           screens(connection),
           pointer(connection, screens),
@@ -24,6 +27,7 @@ struct X11Desktop {
           hotKeys(connection),
           keyboard(connection),
           alertSound(connection),
+          cursorImages(connection, drawnCursors),
           displayLinks(connection, screens),
           overlayWindows(connection, screens, clock),
           transaction(overlayWindows) {}
@@ -36,6 +40,7 @@ struct X11Desktop {
     X11HotKeys hotKeys;
     X11Keyboard keyboard;
     X11AlertSound alertSound;
+    X11CursorImages cursorImages;
     X11DisplayLinks displayLinks;
     X11OverlayWindows overlayWindows;
     X11Transaction transaction;
