@@ -20,7 +20,7 @@ desktop_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}"
-    dbus-daemon libgmock-dev libgtest-dev x11-xkb-utils x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy
+    dbus-daemon libgmock-dev libgtest-dev trayer x11-xkb-utils x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy
 )
 demo_packages=(
     "${desktop_packages[@]}"
