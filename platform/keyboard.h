@@ -33,6 +33,8 @@ public:
     // for keys that no shortcut can be made of.
     [[nodiscard]] virtual std::optional<KeyPress> press(std::uint32_t key,
                                                         std::uint32_t state) const = 0;
+    // Whether the key is held for the sake of others, such as Shift and Caps Lock.
+    [[nodiscard]] virtual bool isModifier(std::uint32_t key) const = 0;
 };
 
 } // namespace vantrel

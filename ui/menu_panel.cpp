@@ -1,11 +1,141 @@
 #include "ui/menu_panel.h"
 
+#include "ui/components/brand_mark.h"
+#include "ui/components/buttons.h"
+#include "ui/components/effect_preview.h"
+#include "ui/components/highlight_choices.h"
+#include "ui/components/label.h"
 #include "ui/components/mode_choices.h"
+#include "ui/components/pictogram.h"
+#include "ui/components/plate.h"
+#include "ui/components/scroll_view.h"
 #include "ui/components/stack.h"
+#include "ui/components/switcher.h"
+#include "ui/preference_controls.h"
+
+#include <QLayout>
+
+#include <algorithm>
 
 namespace vantrel {
 
-MenuPanel::MenuPanel(ViewContext& view)
-    : VantrelBackground(column(12, {modeChoices(view, true), spacer()})->padded(16)) {}
+namespace {
+
+constexpr int margin = 16;
+constexpr int sectionSpacing = 10;
+constexpr int buttonPadding = 4; // inside a button around what is seen of it
+constexpr TextStyle secondaryCaption = captionText.toned(Tone::secondary);
+
+std::function<void()> opening(ViewContext& view, AppWindow window) {
+    return [&state = view.state(), window] {
+        if (state.openWindow) {
+            state.openWindow(window);
+        }
+    };
+}
+
+// All that scrolls ends where the other parts do.
+QWidget* insetSection(QWidget* section) {
+    return column(0, {section})->padded({margin, 0, margin - ScrollView::gutter, 0});
+}
+
+QWidget* inset(QWidget* part) {
+    return column(0, {part})->padded(margin, 0);
+}
+
+QWidget* header(ViewContext& view) {
+    auto* texts = column(2, {label(view, Text::name("Vantrel"), {18, QFont::Bold}),
+                             paragraph(view, tagline, secondaryCaption)});
+    auto* settings = iconButton(view, "gearshape", 16, Tone::secondary, Text{"Settings", "设置"},
+                                opening(view, AppWindow::settings));
+    return row(10, {new BrandMark(38), texts, settings})
+        ->padded({margin, 0, margin - buttonPadding, 0});
+}
+
+QWidget* footer(ViewContext& view) {
+    constexpr TextStyle style{12, QFont::Normal, Tone::secondary};
+    return row(8,
+               {labelButton(view, "gearshape", Text{"Settings", "设置"}, style,
+                            opening(view, AppWindow::settings)),
+                labelButton(view, "questionmark.circle", Text{"Help", "帮助"}, style,
+                            opening(view, AppWindow::help)),
+                spacer(),
+                labelButton(view, "power", Text{"Quit", "退出"}, style, view.desktop().terminate)})
+        ->padded(margin - buttonPadding, 0);
+}
+
+QWidget* section(std::initializer_list<QWidget*> parts) {
+    return new ScrollView(column(sectionSpacing, parts)->padded(2, 3));
+}
+
+QWidget* highlightSection(ViewContext& view) {
+    auto* notice = paragraph(view,
+                             Text{"Click monitoring could not start. Retry in Settings.",
+                                  "点击监听未能启动，请在设置中重试。"},
+                             secondaryCaption);
+    return section(
+        {highlightChoices(view, true), highlightColors(view), highlightDiameter(view),
+         highlightOpacity(view), idleToggle(view, ControlSize::small),
+         popUpPicker(view, Text{"Click effects", "点击反馈"},
+                     view.binding(&AppPreferences::click, &ClickSettings::style), clickStyles()),
+         view.showWhile(notice, [&view] { return !view.state().clickAvailable().get(); })});
+}
+
+QWidget* laserSection(ViewContext& view) {
+    return section({effectPreview(view, Text{"Local laser preview", "激光局部预览"},
+                                  {.laser = true, .height = 70}),
+                    laserColors(view), laserDiameter(view), laserGlow(view, Text{"Glow", "光晕"})});
+}
+
+QWidget* offSection(ViewContext& view) {
+    auto* symbol = column(0, {new Symbol("cursorarrow", 12, Tone::secondary)});
+    symbol->padded({0, 2, 0, 0});
+    auto* text = paragraph(view,
+                           Text{"Effects are off. Choose Highlight or Laser, or preview them in "
+                                "Settings.",
+                                "效果已关闭。选择高亮或激光笔开启；也可先在设置中预览。"},
+                           calloutText.toned(Tone::secondary));
+    return section({new Plate({.fill = {Tone::primary, 0.035}},
+                              row(8, {hugging(symbol), text}, Alignment::leading)->padded(12))});
+}
+
+std::optional<double> visibleHeight(const Screens& screens) {
+    const auto& list = screens.list();
+    return list.empty() ? std::nullopt : std::optional(list.front().visibleFrame.height);
+}
+
+QWidget* modeSection(ViewContext& view) {
+    return new Switcher(view,
+                        [&view] { return static_cast<std::size_t>(view.state().mode().get()); },
+                        {offSection, highlightSection, laserSection});
+}
+
+} // namespace
+
+int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight) {
+    constexpr double smallest = 76;
+    constexpr double otherParts = 350; // of the panel and around it
+    const double preferred = mode == CursorMode::highlight ? 286
+                             : mode == CursorMode::laser   ? 208
+                                                           : smallest;
+    const double available = visibleHeight ? std::max(*visibleHeight - otherParts, smallest) : 450;
+    return static_cast<int>(std::min(preferred, available));
+}
+
+MenuPanel::MenuPanel(ViewContext& view) : MenuPanel(view, modeSection(view)) {}
+
+MenuPanel::MenuPanel(ViewContext& view, QWidget* section)
+    : VantrelBackground(column(12, {header(view), inset(modeBadge(view)), inset(divider()),
+                                    inset(modeChoices(view, true)), insetSection(section),
+                                    inset(divider()), footer(view)})
+                            ->padded(0, margin)) {
+    setFixedWidth(fixedWidth);
+    const auto fit = [&view, section] {
+        section->setFixedHeight(
+            panelSectionHeight(view.state().mode().get(), visibleHeight(view.desktop().screens)));
+    };
+    view.follow(section, fit);
+    screens_ = view.desktop().screens.onChange(fit);
+}
 
 } // namespace vantrel

@@ -3,12 +3,26 @@
 #include "ui/components/background.h"
 #include "ui/components/view_context.h"
 
+#include <optional>
+
 namespace vantrel {
 
-// What opens from the status item: the mode, and the few settings that it has.
+// How high the section of a mode is, in points, on a main screen of which that height is free, or
+// when there is none.
+[[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight);
+
+// What opens from the status item: the mode, and the few settings that it has. It is always as wide
+// as its hint, and as high when everything is to be seen.
 class MenuPanel : public VantrelBackground {
 public:
+    static constexpr int fixedWidth = 340; // points
+
     explicit MenuPanel(ViewContext& view);
+
+private:
+    MenuPanel(ViewContext& view, QWidget* section);
+
+    Subscription screens_;
 };
 
 } // namespace vantrel

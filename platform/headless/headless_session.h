@@ -9,6 +9,7 @@
 #include "platform/workspace.h"
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -100,11 +101,16 @@ public:
                                                             found->second.characters});
     }
 
+    [[nodiscard]] bool isModifier(std::uint32_t key) const override {
+        return modifiers.contains(key);
+    }
+
     struct Key {
         std::uint16_t keyCode = 0;
         std::optional<std::string> characters;
     };
     std::map<std::uint32_t, Key> keys; // by the desktop's number; a state is keyflag bits
+    std::set<std::uint32_t> modifiers;
 };
 
 } // namespace vantrel::headless

@@ -1,5 +1,6 @@
-// Lays out all parts of the interface in one window, on a desktop in memory: nothing that is chosen
-// here reaches the screen or the disk. QT_SCALE_FACTOR sets the scale.
+// Shows one of the program's windows, or all parts of the interface in one window, on a desktop in
+// memory: nothing that is chosen here reaches the screen or the disk. QT_SCALE_FACTOR sets the
+// scale.
 
 #include "overlay/drawn_cursor.h"
 #include "platform/headless/headless_desktop.h"
@@ -14,17 +15,23 @@
 #include "ui/components/mode_choices.h"
 #include "ui/components/pickers.h"
 #include "ui/components/pictogram.h"
+#include "ui/components/plain_style.h"
+#include "ui/components/scroll_view.h"
 #include "ui/components/section_card.h"
 #include "ui/components/stack.h"
 #include "ui/components/status_badge.h"
 #include "ui/components/switch_toggle.h"
 #include "ui/components/value_slider.h"
+#include "ui/help_view.h"
+#include "ui/menu_panel.h"
+#include "ui/settings_view.h"
+#include "ui/welcome_view.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QKeyEvent>
-#include <QScrollArea>
-#include <QStyleFactory>
+#include <QMessageBox>
+#include <QScrollBar>
 
 #include <cstdio>
 
@@ -177,9 +184,9 @@ QWidget* gallery(ViewContext& view) {
                               pictogramsCard(view), spacer()});
     left->setFixedWidth(420);
     right->setFixedWidth(420);
-    return new VantrelBackground(
-        scrolling(column(16, {header(view), divider(), row(20, {left, right}, Alignment::leading)})
-                      ->padded(20)));
+    return new VantrelBackground(new ScrollView(
+        column(16, {header(view), divider(), row(20, {left, right}, Alignment::leading)})
+            ->padded(20)));
 }
 
 QPalette darkPalette() {
@@ -204,41 +211,124 @@ AppDesktop appDesktop(headless::Desktop& desktop) {
             .locale = desktop.locale};
 }
 
-int run(const QApplication& application) {
-    QCommandLineParser options;
-    options.addOptions({{QStringLiteral("language"), QStringLiteral("english or chinese"),
-                         QStringLiteral("name"), QStringLiteral("english")},
-                        {QStringLiteral("mode"), QStringLiteral("off, highlight or laser"),
-                         QStringLiteral("name"), QStringLiteral("highlight")},
-                        {QStringLiteral("dark"), QStringLiteral("dark instead of light")},
-                        {QStringLiteral("custom"), QStringLiteral("colours of no palette")},
-                        {QStringLiteral("tabs"), QStringLiteral("press Tab so often"),
-                         QStringLiteral("count"), QStringLiteral("0")},
-                        {QStringLiteral("png"), QStringLiteral("write a picture and exit"),
-                         QStringLiteral("file")}});
-    options.addHelpOption();
-    options.process(application);
-    const auto language =
-        caseNamed<AppLanguage>(options.value(QStringLiteral("language")).toStdString());
-    const auto mode = caseNamed<CursorMode>(options.value(QStringLiteral("mode")).toStdString());
-    if (!language || !mode) {
-        std::fputs("vantrel-gallery: no such language or mode\n", stderr);
-        return 2;
+QWidget* makeWindow(ViewContext& view, const QString& name) {
+    const auto sized = [](QWidget* window, int width, int height) {
+        window->resize(width, height);
+        return window;
+    };
+    if (name == QStringLiteral("components")) {
+        return sized(gallery(view), 920, 1010);
     }
-    if (options.isSet(QStringLiteral("dark"))) {
-        QApplication::setPalette(darkPalette());
+    if (name == QStringLiteral("panel")) {
+        return new MenuPanel(view);
     }
+    if (name == QStringLiteral("settings")) {
+        return sized(new SettingsView(view), 560, 640);
+    }
+    if (name == QStringLiteral("welcome")) {
+        return sized(new WelcomeView(view, [] { QApplication::quit(); }), 560, 580);
+    }
+    if (name == QStringLiteral("help")) {
+        return sized(new HelpView(view), 520, 560);
+    }
+    return nullptr;
+}
 
-    headless::Desktop desktop;
-    SettingsStore store(desktop.userDefaults, "gallery");
-    AppState state(store, appDesktop(desktop));
-    state.setMode(*mode);
+QString text(const char* latin) {
+    return QString::fromLatin1(latin);
+}
+
+void defineOptions(QCommandLineParser& options) {
+    const auto valued = [&](const char* name, const char* description, const char* fallback) {
+        options.addOption({text(name), text(description), text("value"), text(fallback)});
+    };
+    const auto flag = [&](const char* name, const char* description) {
+        options.addOption({text(name), text(description)});
+    };
+    valued("view", "components, panel, settings, welcome or help", "components");
+    valued("tab", "appearance, effects, controls, general or about", "appearance");
+    valued("language", "english or chinese", "english");
+    valued("mode", "off, highlight or laser", "highlight");
+    valued("size", "of the window, such as 520x560", "");
+    valued("screen", "free height of the screen", "1040");
+    valued("tabs", "press Tab so often", "0");
+    valued("scroll", "points to scroll down", "0");
+    flag("dark", "dark instead of light");
+    flag("custom", "colours of no palette");
+    flag("idle", "hide when idle");
+    flag("problems", "with everything failing that can fail");
+    flag("alert", "ask whether to reset the preferences");
+    valued("png", "write a picture and exit", "");
+    options.addHelpOption();
+}
+
+// Where nothing can be registered or seen.
+void failEverything(headless::Desktop& desktop, AppState& state) {
+    desktop.eventMonitors.refusesGlobal = true;
+    desktop.loginItem.refuses = true;
+    state.setLaunchAtLogin(true);
+    state.changePreferences([](AppPreferences& preferences) {
+        preferences.laserShortcut = preferences.highlightShortcut;
+    });
+}
+
+bool prepare(const QCommandLineParser& options, headless::Desktop& desktop, AppState& state) {
+    const auto value = [&](const char* name) { return options.value(text(name)).toStdString(); };
+    const auto language = caseNamed<AppLanguage>(value("language"));
+    const auto mode = caseNamed<CursorMode>(value("mode"));
+    const auto* tab = std::ranges::find(settingsTabNames, value("tab"));
+    if (!language || !mode || tab == settingsTabNames.end()) {
+        return false;
+    }
+    const GlobalRect frame{0, 0, 1920, options.value(text("screen")).toDouble()};
+    desktop.screens.set({{.frame = frame, .visibleFrame = frame}});
+    state.selectTab(static_cast<SettingsTab>(tab - settingsTabNames.begin()));
     state.changePreferences([&](AppPreferences& preferences) {
         preferences.language = *language;
-        if (options.isSet(QStringLiteral("custom"))) {
+        preferences.highlight.idleHide = options.isSet(text("idle"));
+        if (options.isSet(text("custom"))) {
             preferences.highlight.color = preferences.laser.color = EffectColor::fromRgb(0x22AACC);
         }
     });
+    if (options.isSet(text("problems"))) {
+        failEverything(desktop, state);
+    }
+    state.setMode(*mode);
+    return true;
+}
+
+int writePicture(QWidget& window, const QCommandLineParser& options) {
+    QApplication::processEvents();
+    for (int i = options.value(text("tabs")).toInt(); i > 0; --i) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QApplication::sendEvent(QApplication::focusWidget(), &press);
+    }
+    for (auto* area : window.findChildren<QScrollArea*>()) {
+        if (const int down = options.value(text("scroll")).toInt(); down > 0) {
+            area->verticalScrollBar()->setValue(down);
+        }
+    }
+    QApplication::processEvents();
+    auto* shown = &window;
+    if (auto* settings = dynamic_cast<SettingsView*>(shown);
+        settings != nullptr && options.isSet(text("alert"))) {
+        settings->confirmReset();
+        QApplication::processEvents();
+        shown = settings->resetAlert();
+    }
+    return shown->grab().save(options.value(text("png"))) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int run(const QApplication& application) {
+    QCommandLineParser options;
+    defineOptions(options);
+    options.process(application);
+    if (options.isSet(text("dark"))) {
+        QApplication::setPalette(darkPalette());
+    }
+    headless::Desktop desktop;
+    SettingsStore store(desktop.userDefaults, "gallery");
+    AppState state(store, appDesktop(desktop));
     const SystemClock clock;
     const DrawnCursor cursor;
     ViewContext view(state, {.clock = clock,
@@ -249,19 +339,21 @@ int run(const QApplication& application) {
                              .keyboard = desktop.keyboard,
                              .alertSound = desktop.alertSound,
                              .terminate = [] { QApplication::quit(); }});
-    const std::unique_ptr<QWidget> window(gallery(view));
-    window->resize(920, 1010);
-    window->setWindowTitle(QStringLiteral("Vantrel gallery"));
+    if (!prepare(options, desktop, state)) {
+        std::fputs("vantrel-gallery: no such language, mode or tab\n", stderr);
+        return 2;
+    }
+    const std::unique_ptr<QWidget> window(makeWindow(view, options.value(text("view"))));
+    if (window == nullptr) {
+        std::fputs("vantrel-gallery: no such view\n", stderr);
+        return 2;
+    }
+    if (const auto size = options.value(text("size")).split(QLatin1Char('x')); size.size() == 2) {
+        window->resize(size[0].toInt(), size[1].toInt());
+    }
+    window->setWindowTitle(text("Vantrel gallery"));
     window->show();
-    if (!options.isSet(QStringLiteral("png"))) {
-        return QApplication::exec();
-    }
-    QApplication::processEvents();
-    for (int i = options.value(QStringLiteral("tabs")).toInt(); i > 0; --i) {
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
-        QApplication::sendEvent(QApplication::focusWidget(), &press);
-    }
-    return window->grab().save(options.value(QStringLiteral("png"))) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return options.isSet(text("png")) ? writePicture(*window, options) : QApplication::exec();
 }
 
 } // namespace
@@ -269,6 +361,6 @@ int run(const QApplication& application) {
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new vantrel::PlainStyle);
     return vantrel::run(application);
 }

@@ -19,8 +19,11 @@ public:
     [[nodiscard]] QAccessible::State state() const override {
         auto state = QAccessibleWidget::state();
         if (const auto* choice = button()) {
-            state.checkable = choice->isCheckable();
-            state.checked = choice->isChecked();
+            const bool isTab = role() == QAccessible::PageTab;
+            state.selectable = isTab;
+            state.selected = isTab && choice->isChecked();
+            state.checkable = !isTab && choice->isCheckable();
+            state.checked = !isTab && choice->isChecked();
         }
         return state;
     }

@@ -1,7 +1,10 @@
 #include "ui/components/background.h"
 
+#include "ui/components/scroll_view.h"
 #include "ui/components/style.h"
 
+#include <QEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -11,6 +14,35 @@ VantrelBackground::VantrelBackground(QWidget* content) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content);
+    tint();
+}
+
+void VantrelBackground::tint() {
+    const auto blue = toneColor(Tone::blue, palette());
+    if (palette().color(QPalette::Highlight) != blue) {
+        QPalette tinted;
+        tinted.setColor(QPalette::Highlight, blue);
+        tinted.setColor(QPalette::HighlightedText, toneColor(Tone::onAccent, palette()));
+        setPalette(tinted);
+    }
+}
+
+void VantrelBackground::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) {
+        tint();
+    }
+    QWidget::changeEvent(event);
+}
+
+void VantrelBackground::keyPressEvent(QKeyEvent* event) {
+    for (auto* area : findChildren<QScrollArea*>()) {
+        auto* scrolled = dynamic_cast<ScrollView*>(area);
+        if (scrolled != nullptr && scrolled->isVisible()) {
+            event->setAccepted(scrolled->scrollBy(static_cast<Qt::Key>(event->key())));
+            return;
+        }
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void VantrelBackground::paintEvent(QPaintEvent* /*event*/) {

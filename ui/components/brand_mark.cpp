@@ -26,6 +26,7 @@ QPixmap logo(QSize size, double ratio) {
 
 BrandMark::BrandMark(int size) {
     setFixedSize(size, size);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     hideFromScreenReaders(this);
 }
 

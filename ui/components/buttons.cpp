@@ -17,7 +17,7 @@ namespace {
 class FramedButton final : public QPushButton {
 public:
     explicit FramedButton(ButtonRole role) : role_(role) {
-        setAutoDefault(role == ButtonRole::primary);
+        setAutoDefault(true); // Enter works it when the keyboard is at it
         setDefault(role == ButtonRole::primary);
         setFont(bodyText.font());
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -54,7 +54,7 @@ private:
 
 PlainButton::PlainButton(ViewContext& view, const Wording& name,
                          const std::function<void()>& action, QWidget* face) {
-    setAutoDefault(false);
+    setAutoDefault(true); // Enter works it when the keyboard is at it
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* layout = new QVBoxLayout(this);

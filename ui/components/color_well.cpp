@@ -93,7 +93,7 @@ QColorDialog* CustomColorWell::makeDialog() {
     connect(dialog, &QColorDialog::currentColorChanged, dialog, pick);
     connect(dialog, &QDialog::rejected, dialog, [pick, before = color_] { pick(before); });
     connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
-    connect(&view_, &QObject::destroyed, dialog, [dialog] { delete dialog; });
+    connect(&view_.root(), &QObject::destroyed, dialog, [dialog] { delete dialog; });
     if (window()->windowType() == Qt::Window && window()->windowHandle() != nullptr) {
         dialog->winId();
         dialog->windowHandle()->setTransientParent(window()->windowHandle());

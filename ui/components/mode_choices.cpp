@@ -28,7 +28,7 @@ QWidget* modeChoice(ViewContext& view, CursorMode mode, bool compact) {
     const auto isSelected = [&view, mode] { return view.state().mode().get() == mode; };
     auto* symbol = new Symbol(modeSymbol(mode), compact ? 18 : 20);
     auto* text = label(view, title, {compact ? 11 : 12, QFont::Medium})->centered();
-    auto* face = column(6, {spacer(), hugging(symbol), text, spacer()}, Alignment::center);
+    auto* face = column(6, {spacer(), symbol, text, spacer()}, Alignment::center);
     auto* button = new ChoiceButton(
         view, {title, isSelected, [&view, mode] { view.state().setMode(mode); }}, look, face);
     button->setFixedHeight(compact ? 58 : 64);

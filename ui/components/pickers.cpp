@@ -2,11 +2,11 @@
 
 #include "ui/components/choice_button.h"
 #include "ui/components/label.h"
+#include "ui/components/plate.h"
 #include "ui/components/stack.h"
 
 #include <QComboBox>
-#include <QPainter>
-#include <QVBoxLayout>
+#include <QLayout>
 #include <QWheelEvent>
 
 namespace vantrel {
@@ -18,23 +18,7 @@ constexpr ChoiceLook segmentLook{
     .plain = {.radius = 6},
 };
 
-// What the segments lie in.
-class Trough final : public QWidget {
-public:
-    explicit Trough(QWidget* segments) {
-        auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(2, 2, 2, 2);
-        layout->addWidget(segments);
-        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        drawChrome(painter, palette(), rect(), {.fill = {Tone::primary, 0.07}, .radius = 8});
-    }
-};
+constexpr Chrome trough{.fill = {Tone::primary, 0.07}, .radius = 8};
 
 // Lets the wheel scroll what it lies in.
 class PopUp final : public QComboBox {
@@ -67,7 +51,9 @@ QWidget* segmentedPicker(ViewContext& view, const Wording& title, const Binding<
     for (std::size_t i = 0; i < choices.size(); ++i) {
         segments.push_back(segment(view, choices[i], index, i));
     }
-    return row(12, {hugging(label(view, title)), new Trough(choiceRow(view, 2, title, segments))});
+    auto* group = choiceRow(view, 2, title, segments);
+    group->layout()->setContentsMargins(2, 2, 2, 2);
+    return row(12, {hugging(label(view, title)), new Plate(trough, group)});
 }
 
 QWidget* popUpPicker(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,

@@ -78,6 +78,7 @@ QIcon pictogramIcon(std::string_view name, const QColor& color) {
 
 Symbol::Symbol(std::string_view name, int fontSize, Tone tone) : name_(name), tone_(tone) {
     setFixedSize(pictogramSide(fontSize), pictogramSide(fontSize));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     hideFromScreenReaders(this);
 }
 

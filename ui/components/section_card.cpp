@@ -62,13 +62,11 @@ SectionCard::~SectionCard() {
 }
 
 void SectionCard::paintEvent(QPaintEvent* /*event*/) {
-    QColor sheet = palette().color(QPalette::Base);
-    sheet.setAlphaF(0.72F);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(continuousRect(rect(), cornerRadius), sheet);
-    drawChrome(painter, palette(), rect(),
-               {.outline = {Tone::primary, 0.06}, .radius = cornerRadius});
+    drawChrome(
+        painter, palette(), rect(),
+        {.fill = {Tone::sheet, 0.72}, .outline = {Tone::primary, 0.06}, .radius = cornerRadius});
 }
 
 bool SectionCard::event(QEvent* event) {

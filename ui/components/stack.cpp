@@ -5,7 +5,6 @@
 #include <QBoxLayout>
 #include <QCoreApplication>
 #include <QPainter>
-#include <QScrollArea>
 
 namespace vantrel {
 
@@ -93,22 +92,10 @@ QWidget* hugging(QWidget* part) {
     return part;
 }
 
-QScrollArea* scrolling(QWidget* content) {
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setFocusPolicy(Qt::ClickFocus);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setWidgetResizable(true);
-    area->setWidget(column(0, {content, spacer()}));
-    area->widget()->setAutoFillBackground(false);
-    area->viewport()->setAutoFillBackground(false);
-    return area;
-}
-
 void settleLayout(QWidget& part) {
     for (auto* child : part.children()) {
         if (auto* widget = qobject_cast<QWidget*>(child);
-            widget != nullptr && !widget->isWindow()) {
+            widget != nullptr && !widget->isWindow() && !widget->isHidden()) {
             settleLayout(*widget);
         }
     }

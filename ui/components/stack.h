@@ -5,8 +5,6 @@
 
 #include <initializer_list>
 
-class QScrollArea;
-
 // Views are composed of stacks: a column of rows of parts. A stack owns its parts, and the keyboard
 // visits them in their order.
 
@@ -46,12 +44,8 @@ private:
 // Makes a part as wide as its contents. Returns it.
 QWidget* hugging(QWidget* part);
 
-// Scrolls its content vertically when there is too little room, and keeps it at the top otherwise.
-// Keys scroll it that the part with the focus does not take; it is no stop for the keyboard itself.
-[[nodiscard]] QScrollArea* scrolling(QWidget* content);
-
-// Brings the sizes of a part and of all in it up to date at once. The toolkit does it by and by,
-// one level of nesting in each turn of the event loop.
+// Brings the sizes of a part and of all that is shown in it up to date at once. The toolkit does it
+// by and by, one level of nesting in each turn of the event loop.
 void settleLayout(QWidget& part);
 
 } // namespace vantrel

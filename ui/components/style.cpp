@@ -21,6 +21,8 @@ QColor toneColor(Tone tone, const QPalette& palette) {
         return toneColor(Tone::primary, palette, dark ? 0.62 : 0.58);
     case Tone::tertiary:
         return toneColor(Tone::primary, palette, 0.32);
+    case Tone::sheet:
+        return palette.color(QPalette::Active, QPalette::Base);
     case Tone::accent:
         return palette.color(QPalette::Active, QPalette::Highlight);
     case Tone::onAccent:

@@ -18,6 +18,7 @@ enum class Tone : unsigned char {
     primary, // labels, in three degrees
     secondary,
     tertiary,
+    sheet, // what stands out from the window
     accent,
     onAccent,
     blue,

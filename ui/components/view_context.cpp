@@ -7,7 +7,7 @@
 namespace vantrel {
 
 ViewContext::ViewContext(AppState& state, ViewDesktop desktop)
-    : state_(state), desktop_(std::move(desktop)) {
+    : root_(*this), state_(state), desktop_(std::move(desktop)) {
     const auto observe = [this](auto& observable) {
         subscriptions_.push_back(observable.observe([this](const auto&) { publish(); }));
     };
@@ -17,6 +17,13 @@ ViewContext::ViewContext(AppState& state, ViewDesktop desktop)
     observe(state.hotkeyError());
     observe(state.systemMessage());
     observe(state.selectedTab());
+}
+
+ViewContext::ViewContext(ViewContext* root)
+    : root_(*root), state_(root->state_), desktop_(root->desktop_) {}
+
+std::unique_ptr<ViewContext> ViewContext::ofPart() {
+    return std::unique_ptr<ViewContext>(new ViewContext(&root_));
 }
 
 void ViewContext::publish() {

@@ -15,6 +15,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -24,7 +25,7 @@ namespace vantrel {
 struct ViewDesktop {
     const Clock& clock;
     const CursorImages& cursors;
-    const Screens& screens;
+    Screens& screens;
     const Bundle& bundle;
     UserDefaults& userDefaults;
     const Keyboard& keyboard;
@@ -48,6 +49,12 @@ public:
     [[nodiscard]] const ViewDesktop& desktop() const { return desktop_; }
     [[nodiscard]] bool english() const { return state_.english(); }
     [[nodiscard]] QString say(const Wording& wording) const { return wording(english()); }
+
+    // For a part that is not always shown: its followers are updated when the part is refreshed.
+    [[nodiscard]] std::unique_ptr<ViewContext> ofPart();
+    void refresh() { Q_EMIT changed(); }
+    // The one that all parts' were made of. It outlives every view.
+    [[nodiscard]] ViewContext& root() { return root_; }
 
     // Makes an update now and after each change of the state, as long as the follower lives.
     void follow(QObject* follower, const std::function<void()>& update);
@@ -77,10 +84,12 @@ Q_SIGNALS:
     void changed();
 
 private:
+    explicit ViewContext(ViewContext* root);
     void publish();
 
+    ViewContext& root_;
     AppState& state_;
-    ViewDesktop desktop_;
+    const ViewDesktop desktop_;
     bool pending_ = false;
     std::vector<Subscription> subscriptions_;
 };

@@ -1,0 +1,176 @@
+#include "input/shortcut_button.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace vantrel {
+
+namespace {
+
+constexpr std::uint16_t escapeKey = 53;
+constexpr std::uint16_t backspaceKey = 51;
+
+bool isPlain(const QKeyEvent& event) {
+    return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+}
+
+bool isEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+} // namespace
+
+ShortcutButton::ShortcutButton(const Keyboard& keyboard, AlertSound& alertSound)
+    : keyboard_(keyboard), alertSound_(alertSound) {
+    setAutoDefault(false);
+    connect(this, &QAbstractButton::clicked, this, &ShortcutButton::record);
+}
+
+void ShortcutButton::record() {
+    recording_ = true;
+    updateTitle();
+    update();
+    if (!isActiveWindow()) {
+        activateWindow();
+    }
+    setFocus(Qt::OtherFocusReason);
+    grabKeyboardIfFocused();
+}
+
+// An ampersand in a title is not a mark that the next letter presses the button.
+void ShortcutButton::updateTitle() {
+    const auto& title = recording_ ? prompt : savedTitle;
+    setText(QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+    setAccessibleDescription(title);
+}
+
+// Without the focus nothing would tell that the user has turned to something else.
+void ShortcutButton::grabKeyboardIfFocused() {
+    if (recording_ && hasFocus() && !grab_) {
+        grab_.emplace(*this);
+    }
+}
+
+void ShortcutButton::stop() {
+    recording_ = false;
+    grab_.reset();
+    update();
+}
+
+void ShortcutButton::cancel() {
+    if (recording_) {
+        stop();
+        updateTitle();
+    }
+}
+
+bool ShortcutButton::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ShortcutOverride:
+        if (recording_) {
+            event->accept();
+            return true;
+        }
+        break;
+    case QEvent::KeyPress:
+        // Before Tab moves the focus.
+        if (recording_) {
+            event->accept();
+            handleKey(*static_cast<QKeyEvent*>(event));
+            return true;
+        }
+        break;
+    case QEvent::WindowDeactivate:
+        cancel();
+        break;
+    default:
+        break;
+    }
+    return QPushButton::event(event);
+}
+
+// Of a button that does not record: the space bar does not press it, and keys that mean something
+// to the window go there.
+void ShortcutButton::keyPressEvent(QKeyEvent* event) {
+    event->setAccepted(isPlain(*event));
+    if (isPlain(*event) && isEnter(*event) && !event->isAutoRepeat()) {
+        record();
+    }
+}
+
+void ShortcutButton::keyReleaseEvent(QKeyEvent* event) {
+    event->setAccepted(recording_ || isPlain(*event));
+}
+
+void ShortcutButton::handleKey(const QKeyEvent& event) {
+    if (event.isAutoRepeat()) {
+        return;
+    }
+    if (const auto press = keyboard_.press(event.nativeScanCode(), event.nativeModifiers())) {
+        handlePress(*press);
+    } else if (!keyboard_.isModifier(event.nativeScanCode())) {
+        alertSound_.beep();
+    }
+}
+
+// The keyboard is given back before the new shortcut is known to anybody: it may be registered at
+// once, and the button may be gone.
+void ShortcutButton::handlePress(const KeyPress& press) {
+    if (press.keyCode == escapeKey) {
+        cancel();
+        clearFocus();
+    } else if (press.keyCode == backspaceKey) {
+        stop();
+        report(std::nullopt);
+    } else if (const auto shortcut = Shortcut::fromKeyPress(press)) {
+        cancel();
+        clearFocus();
+        report(shortcut);
+    } else {
+        alertSound_.beep();
+    }
+}
+
+void ShortcutButton::report(const std::optional<Shortcut>& shortcut) const {
+    if (const auto callback = onShortcut) {
+        callback(shortcut);
+    }
+}
+
+void ShortcutButton::focusInEvent(QFocusEvent* event) {
+    QPushButton::focusInEvent(event);
+    grabKeyboardIfFocused();
+}
+
+void ShortcutButton::focusOutEvent(QFocusEvent* event) {
+    cancel();
+    QPushButton::focusOutEvent(event);
+}
+
+void ShortcutButton::hideEvent(QHideEvent* event) {
+    cancel();
+    QPushButton::hideEvent(event);
+}
+
+void ShortcutButton::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::EnabledChange && !isEnabled()) {
+        cancel();
+    }
+    QPushButton::changeEvent(event);
+}
+
+void ShortcutButton::paintEvent(QPaintEvent* event) {
+    QPushButton::paintEvent(event);
+    if (recording_) {
+        constexpr double lineWidth = 2;
+        constexpr double radius = 5;
+        constexpr double inset = lineWidth / 2;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), lineWidth));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius,
+                                radius);
+    }
+}
+
+} // namespace vantrel

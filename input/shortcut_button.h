@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/alert_sound.h"
+#include "platform/keyboard.h"
+#include "preferences/shortcut.h"
+
+#include <QPushButton>
+
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+// Gives a widget every key that is pressed, other programs' shortcuts included, until this is
+// destroyed. Where the desktop refuses that, the keys of the widget's window. The widget must
+// outlive it.
+class KeyboardGrab {
+public:
+    explicit KeyboardGrab(QWidget& widget) : widget_(widget) { widget_.grabKeyboard(); }
+    ~KeyboardGrab() { widget_.releaseKeyboard(); }
+    KeyboardGrab(const KeyboardGrab&) = delete;
+    KeyboardGrab& operator=(const KeyboardGrab&) = delete;
+
+private:
+    QWidget& widget_;
+};
+
+// Shows a shortcut. Once it is clicked, the next combination of keys with Control, Option or
+// Command is the new one; Escape cancels, and Backspace clears it. Recording also ends, with
+// nothing changed, when the button loses the focus.
+class ShortcutButton : public QPushButton {
+public:
+    // Both must outlive the button.
+    ShortcutButton(const Keyboard& keyboard, AlertSound& alertSound);
+
+    // Receives the recorded shortcut, or nothing when the user clears it. May delete the button.
+    std::function<void(const std::optional<Shortcut>&)> onShortcut;
+    QString prompt = QStringLiteral("Record shortcut"); // the title while recording
+    QString savedTitle;                                 // the title otherwise
+
+    void record();
+    [[nodiscard]] bool recording() const { return recording_; }
+    // Shows a changed prompt or savedTitle.
+    void updateTitle();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void handleKey(const QKeyEvent& event);
+    void handlePress(const KeyPress& press);
+    void report(const std::optional<Shortcut>& shortcut) const;
+    void grabKeyboardIfFocused();
+    void stop();
+    void cancel();
+
+    const Keyboard& keyboard_;
+    AlertSound& alertSound_;
+    bool recording_ = false;
+    std::optional<KeyboardGrab> grab_; // only while recording
+};
+
+} // namespace vantrel

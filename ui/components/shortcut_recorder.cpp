@@ -1,0 +1,28 @@
+#include "ui/components/shortcut_recorder.h"
+
+#include "ui/components/style.h"
+
+namespace vantrel {
+
+namespace {
+
+constexpr QSize minimumRecorderSize(160, 28);
+
+} // namespace
+
+ShortcutRecorder::ShortcutRecorder(ViewContext& view,
+                                   const Binding<std::optional<Shortcut>>& shortcut,
+                                   const Wording& recordingTitle)
+    : ShortcutButton(view.desktop().keyboard, view.desktop().alertSound) {
+    setFont(bodyText.font());
+    setMinimumSize(minimumRecorderSize);
+    onShortcut = shortcut.set;
+    view.follow(this, [this, &view, shortcut, recordingTitle] {
+        const auto bound = shortcut.get();
+        prompt = view.say(recordingTitle);
+        savedTitle = bound ? QString::fromStdString(bound->display) : prompt;
+        updateTitle();
+    });
+}
+
+} // namespace vantrel

@@ -1,0 +1,88 @@
+#include "ui/components/buttons.h"
+#include "ui/components/label.h"
+#include "ui/components/section_card.h"
+#include "ui/components/shortcut_recorder.h"
+#include "ui/components/stack.h"
+#include "ui/settings_pages.h"
+
+namespace vantrel {
+
+namespace {
+
+using ShortcutField = std::optional<Shortcut> AppPreferences::*;
+
+QWidget* recorder(ViewContext& view, const Text& title, ShortcutField field) {
+    auto* recorder =
+        new ShortcutRecorder(view, view.binding(field), Text{"Record shortcut", "录入快捷键"});
+    recorder->setFixedSize(160, 28);
+    view.follow(recorder,
+                [recorder, &view, title] { recorder->setAccessibleName(view.say(title)); });
+    return recorder;
+}
+
+QWidget* shortcutRow(ViewContext& view, const Text& title, ShortcutField field) {
+    const auto shortcut = view.binding(field);
+    return row(8, {paragraph(view, title), recorder(view, title, field),
+                   iconButton(view, "xmark.circle", 13, Tone::secondary,
+                              Text{"Clear shortcut", "清除快捷键"},
+                              [shortcut] { shortcut.set(std::nullopt); })});
+}
+
+// Whatever the code, there is a text.
+QWidget* shortcutProblem(ViewContext& view) {
+    const auto& error = view.state().hotkeyError();
+    const auto wording = [&error](bool english) {
+        const bool duplicate = error.get() == hotkeyerror::duplicate;
+        return (duplicate ? Text{"Shortcuts must be different.", "两个快捷键不能相同。"}
+                          : Text{"Registration failed. Choose another shortcut.",
+                                 "快捷键注册失败，请选择其他组合。"})(english);
+    };
+    return view.showWhile(symbolLabel(view, "exclamationmark.triangle", Tone::orange, wording,
+                                      captionText.toned(Tone::orange)),
+                          [&error] { return error.get().has_value(); });
+}
+
+void restoreDefaults(ViewContext& view) {
+    view.binding(&AppPreferences::highlightShortcut).set(Shortcut::defaultHighlight());
+    view.binding(&AppPreferences::laserShortcut).set(Shortcut::defaultLaser());
+}
+
+QWidget* shortcutsCard(ViewContext& view) {
+    return new SectionCard(
+        view, Text{"Global Shortcuts", "全局快捷键"},
+        column(16,
+               {shortcutRow(view, {"Toggle Highlight", "切换高亮"},
+                            &AppPreferences::highlightShortcut),
+                shortcutRow(view, {"Toggle Laser", "切换激光笔"}, &AppPreferences::laserShortcut),
+                shortcutProblem(view),
+                paragraph(view,
+                          Text{"Click to record a shortcut with Control, Option or Command. Esc "
+                               "cancels; Delete clears.",
+                               "点击快捷键开始录入，组合中需包含 Control、Option 或 Command。Esc "
+                               "取消，Delete 清除。"},
+                          captionText.toned(Tone::secondary)),
+                pushButton(view, Text{"Restore default shortcuts", "恢复默认快捷键"},
+                           [&view] { restoreDefaults(view); })}));
+}
+
+QWidget* monitoringCard(ViewContext& view) {
+    return new SectionCard(
+        view, Text{"Click Monitoring", "点击监听"},
+        column(16,
+               {symbolLabel(
+                    view, "checkmark.shield", Tone::primary,
+                    Text{"Highlight, Laser and mouse click effects do not require additional Input "
+                         "Monitoring or Accessibility access.",
+                         "高亮、激光和鼠标点击反馈无需额外输入监控或辅助功能授权。"}),
+                clickMonitorNotice(view),
+                pushButton(view, Text{"Refresh monitoring", "刷新监听状态"},
+                           [&state = view.state()] { state.apply(); })}));
+}
+
+} // namespace
+
+QWidget* controlsPage(ViewContext& view) {
+    return column(16, {shortcutsCard(view), monitoringCard(view)});
+}
+
+} // namespace vantrel
