@@ -31,7 +31,7 @@ protected:
         return waitUntil([this] { return isHeld(); });
     }
 
-    std::optional<PrivateBus> bus{std::in_place};
+    std::optional<desktop::PrivateBus> bus{std::in_place, privateBusSocket()};
     std::optional<MockLoginManager> mock{std::in_place};
     std::optional<LoginManager> manager{std::in_place, std::chrono::milliseconds(20)};
     std::vector<std::string> events;
@@ -112,7 +112,7 @@ TEST_F(LoginManagerEvents, ComeAgainAfterTheBusHasDied) {
     EXPECT_THAT(events, ElementsAre("sleep", "wake"));
 
     mock.reset();
-    bus.emplace();
+    bus.emplace(privateBusSocket());
     mock.emplace();
     ASSERT_TRUE(waitUntilHeld());
     mock->announce("PrepareForSleep", true);
@@ -181,7 +181,7 @@ TEST_F(LoginManagerEvents, AreWaitedForWithoutHoldingTheProgramUp) {
     EXPECT_TRUE(events.empty());
 
     silent.reset();
-    bus.emplace();
+    bus.emplace(privateBusSocket());
     mock.emplace();
     ASSERT_TRUE(waitUntilHeld());
     mock->announce("PrepareForSleep", true);
