@@ -1,104 +1,126 @@
-#include "app/app_state.h"
-#include "platform/freedesktop/autostart_login_item.h"
-#include "platform/freedesktop/desktop_workspace.h"
-#include "platform/freedesktop/environment_locale.h"
-#include "platform/freedesktop/file_user_defaults.h"
-#include "platform/freedesktop/installed_bundle.h"
-#include "platform/freedesktop/qt_main_queue.h"
+#include "app/program.h"
 #include "platform/freedesktop/termination_signals.h"
-#include "platform/x11/desktop.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <span>
-#include <string_view>
 
 namespace vantrel {
 namespace {
 
-constexpr auto usage = "Usage: vantrel [--help | --version]\n"
-                       "\n"
-                       "Makes the mouse pointer easy to follow, on every display.\n"
-                       "\n"
-                       "  --help     show this text and exit\n"
-                       "  --version  show the version and exit\n";
+constexpr auto usage =
+    "Usage: vantrel [--settings | --help | --version]\n"
+    "\n"
+    "Makes the mouse pointer easy to follow, on every display.\n"
+    "\n"
+    "  --settings  open the settings window\n"
+    "  --help      show this text and exit\n"
+    "  --version   show the version and exit\n"
+    "\n"
+    "When it runs already on this display, starting it again opens the settings.\n";
 
-constexpr auto preferencesKey = "Vantrel.preferences.v1";
+constexpr std::chrono::seconds patience(5);
 
-// The program on this machine's desktop, from its launch to its end.
-class Program {
+int fail(const std::string& message) {
+    std::fprintf(stderr, "vantrel: %s\n", message.c_str());
+    return EXIT_FAILURE;
+}
+
+void prepareToolkit() {
+    // The overlays are on the X server, and so is everything else.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    QApplication::setApplicationName(QStringLiteral("vantrel"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
+    QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("vantrel"));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+// When the X server goes away, the toolkit ends the process at once, as a failure, and with all that
+// it has on its stack. The end of a session is none.
+class ServerLoss {
 public:
-    // The connection must outlive it.
-    explicit Program(x11::Connection& connection) : x11_(connection) {
-        lost_ = connection.lost.add([this] { mainQueue_.async([] { QCoreApplication::quit(); }); });
-        sleep_ = workspace_.onWillSleep([this] { suspend(); });
-        shutDown_ = workspace_.onWillShutDown([this] {
-            suspend();
-            quit();
+    ServerLoss() {
+        current_ = this;
+        std::atexit([] {
+            if (current_ != nullptr) {
+                current_->endProgram();
+                std::_Exit(EXIT_SUCCESS);
+            }
         });
-        wake_ = workspace_.onDidWake([this] { mainQueue_.async([this] { state_.wake(); }); });
-        state_.startUp();
     }
+    ~ServerLoss() { current_ = nullptr; }
+    ServerLoss(const ServerLoss&) = delete;
+    ServerLoss& operator=(const ServerLoss&) = delete;
 
-    // What was changed is on disk afterwards.
-    void suspend() {
-        state_.suspend();
-        defaults_.flush();
-    }
+    void setProgram(Program* program) { program_ = program; }
 
 private:
-    // From the event loop, which may not run yet.
-    void quit() {
-        mainQueue_.async([] { QCoreApplication::quit(); });
+    void endProgram() {
+        if (program_ != nullptr) {
+            program_->end();
+        }
     }
 
-    x11::X11Desktop x11_;
-    FileUserDefaults defaults_;
-    QtMainQueue mainQueue_;
-    AutostartLoginItem loginItem_{runningExecutable()};
-    DesktopWorkspace workspace_;
-    InstalledBundle bundle_;
-    EnvironmentLocale locale_;
-    SettingsStore store_{defaults_, preferencesKey};
-    AppState state_{store_,
-                    {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
-                                 x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
-                     .hotKeys = x11_.hotKeys,
-                     .mainQueue = mainQueue_,
-                     .loginItem = loginItem_,
-                     .workspace = workspace_,
-                     .bundle = bundle_,
-                     .locale = locale_}};
-    Subscription lost_;
-    Subscription sleep_;
-    Subscription shutDown_;
-    Subscription wake_;
+    static inline ServerLoss* current_ = nullptr;
+    Program* program_ = nullptr;
 };
 
-int run(int argc, char** argv) {
+int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc, char** argv,
+                  std::span<const std::string> arguments) {
+    TerminationSignals signals;
+    ServerLoss serverLoss;
+    prepareToolkit();
+    // The arguments are the program's; the toolkit would take some of its own out of them.
+    int toolkitArgc = std::min(argc, 1);
+    const QApplication application(toolkitArgc, argv);
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
+    Program program(connection, instance, arguments);
+    serverLoss.setProgram(&program);
+    signals.deliverTo([] { QCoreApplication::exit(); });
+    const int status = QApplication::exec();
+    program.end();
+    serverLoss.setProgram(nullptr);
+    if (connection.isLost()) {
+        // The toolkit has nobody left to take leave of.
+        std::_Exit(EXIT_SUCCESS);
+    }
+    return status;
+}
+
+int run(int argc, char** argv, std::span<const std::string> arguments) {
     std::string error;
     const auto connection = x11::Connection::open({}, error);
     if (!connection) {
-        std::fprintf(stderr, "vantrel: %s\n", error.c_str());
-        return EXIT_FAILURE;
+        return fail(error);
     }
-    TerminationSignals signals;
-    const QCoreApplication application(argc, argv);
-    Program program(*connection);
-    signals.deliverTo([] { QCoreApplication::quit(); });
-    const int status = QCoreApplication::exec();
-    program.suspend();
-    return status;
+    while (true) {
+        if (const auto instance = x11::Instance::claim(*connection)) {
+            return runAsInstance(*connection, *instance, argc, argv, arguments);
+        }
+        const std::vector<std::string> again(arguments.begin(), arguments.end());
+        switch (x11::Instance::handOver(*connection, again, patience)) {
+        case x11::Instance::HandOver::taken:
+            return EXIT_SUCCESS;
+        case x11::Instance::HandOver::unanswered:
+            return fail("it runs already on this display, and does not answer");
+        case x11::Instance::HandOver::gone:
+            break;
+        }
+    }
 }
 
 } // namespace
 } // namespace vantrel
 
 int main(int argc, char** argv) {
-    for (const std::string_view argument :
-         std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    for (const auto& argument : arguments) {
         if (argument == "--help") {
             std::fputs(vantrel::usage, stdout);
             return EXIT_SUCCESS;
@@ -107,9 +129,11 @@ int main(int argc, char** argv) {
             std::puts("vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")");
             return EXIT_SUCCESS;
         }
-        std::fprintf(stderr, "vantrel: unknown argument \"%.*s\", see vantrel --help\n",
-                     static_cast<int>(argument.size()), argument.data());
-        return 2;
+        if (argument != vantrel::AppDelegate::settingsArgument) {
+            std::fprintf(stderr, "vantrel: unknown argument \"%s\", see vantrel --help\n",
+                         argument.c_str());
+            return 2;
+        }
     }
-    return vantrel::run(argc, argv);
+    return vantrel::run(argc, argv, arguments);
 }

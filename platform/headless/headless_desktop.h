@@ -222,6 +222,7 @@ struct Desktop {
     Locale locale;
     AlertSound alertSound;
     Keyboard keyboard;
+    StatusItem statusItem;
 
     // Time goes on, and then a frame comes.
     void frame(double seconds = 1.0 / 60);

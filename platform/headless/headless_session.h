@@ -6,6 +6,7 @@
 #include "platform/locale.h"
 #include "platform/login_item.h"
 #include "platform/observers.h"
+#include "platform/status_item.h"
 #include "platform/workspace.h"
 
 #include <map>
@@ -89,6 +90,27 @@ public:
     void beep() override { ++beeps; }
 
     int beeps = 0;
+};
+
+class StatusItem final : public vantrel::StatusItem {
+public:
+    void setAction(std::function<void()> action) override { click = std::move(action); }
+    void setImage(const QIcon& picture, const std::string& text) override {
+        image = picture;
+        description = text;
+    }
+    void setMenu(std::vector<MenuEntry> entries) override {
+        menu = std::move(entries);
+        ++menusSet;
+    }
+    [[nodiscard]] std::optional<QRect> place() const override { return where; }
+
+    std::function<void()> click;
+    QIcon image;
+    std::string description;
+    std::vector<MenuEntry> menu;
+    int menusSet = 0;
+    std::optional<QRect> where;
 };
 
 class Keyboard final : public vantrel::Keyboard {

@@ -1,9 +1,10 @@
 #include "platform/x11/compositing.h"
 
+#include "platform/x11/selection.h"
+
 #include <chrono>
 
 #include <xcb/composite.h>
-#include <xcb/xfixes.h>
 
 namespace vantrel::x11 {
 
@@ -17,14 +18,7 @@ Compositing::Compositing(Connection& connection)
     : connection_(connection), events_(connection.addHandler(*this)) {
     QObject::connect(&probing_, &QTimer::timeout, &probing_, [this] { probe(); });
     auto* xcb = connection_.xcb();
-    const auto selection = connection_.atom(Atom::compositingManager);
-    xcb_xfixes_select_selection_input(xcb, connection_.root(), selection,
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    const Owned<xcb_get_selection_owner_reply_t> owner(
-        xcb_get_selection_owner_reply(xcb, xcb_get_selection_owner(xcb, selection), nullptr));
-    owned_ = owner && owner->owner != XCB_NONE;
+    owned_ = watchSelection(connection_, connection_.atom(Atom::compositingManager));
     if (connection_.majorOpcode(xcb_composite_id) != 0) {
         xcb_discard_reply(xcb, xcb_composite_query_version(xcb, 0, 2).sequence);
     }
@@ -32,12 +26,9 @@ Compositing::Compositing(Connection& connection)
 }
 
 void Compositing::handleEvent(const xcb_generic_event_t& event) {
-    if (eventNumber(event) != connection_.firstEvent(xcb_xfixes_id) + XCB_XFIXES_SELECTION_NOTIFY) {
-        return;
-    }
-    const auto& notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
-    if (notify.selection == connection_.atom(Atom::compositingManager)) {
-        owned_ = notify.owner != XCB_NONE;
+    if (const auto owned =
+            ownedAfter(connection_, event, connection_.atom(Atom::compositingManager))) {
+        owned_ = *owned;
         ownerChanged_ = true;
     }
 }

@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cstdio>
 #include <string_view>
+#include <unistd.h>
 
 #include <xcb/present.h>
 #include <xcb/randr.h>
@@ -41,13 +42,13 @@ std::unique_ptr<Connection> Connection::open(const std::string& displayName, std
     const auto name =
         displayName.empty() && environment != nullptr ? std::string(environment) : displayName;
     auto* xcb = xcb_connect(name.empty() ? nullptr : name.c_str(), &screenNumber);
-    std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber));
-    error = connection->prepare(name);
+    std::unique_ptr<Connection> connection(new Connection(xcb, name, screenNumber));
+    error = connection->prepare();
     return error.empty() ? std::move(connection) : nullptr;
 }
 
-Connection::Connection(xcb_connection_t* connection, int screenNumber)
-    : connection_(connection), screenNumber_(screenNumber) {}
+Connection::Connection(xcb_connection_t* connection, std::string displayName, int screenNumber)
+    : connection_(connection), displayName_(std::move(displayName)), screenNumber_(screenNumber) {}
 
 Connection::~Connection() {
     const auto leftOver = IdLedger::leftOver(connection_);
@@ -57,10 +58,10 @@ Connection::~Connection() {
 }
 
 // Returns what is missing.
-std::string Connection::prepare(const std::string& displayName) {
+std::string Connection::prepare() {
     if (xcb_connection_has_error(connection_) != 0) {
-        return displayName.empty() ? "cannot connect to an X server: DISPLAY is not set"
-                                   : "cannot connect to the X server \"" + displayName + "\"";
+        return displayName_.empty() ? "cannot connect to an X server: DISPLAY is not set"
+                                    : "cannot connect to the X server \"" + displayName_ + "\"";
     }
     screen_ = screenAt(connection_, screenNumber_);
     if (screen_ == nullptr) {
@@ -145,6 +146,10 @@ void Connection::internAtoms() {
         "MANAGER",
         "UTF8_STRING",
         "_NET_WM_NAME",
+        "_NET_SYSTEM_TRAY_S" + number,
+        "_NET_ACTIVE_WINDOW",
+        "_VANTREL_INSTANCE_" + std::to_string(getuid()),
+        "_VANTREL_ARGUMENTS",
     };
     std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
     std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {

@@ -53,6 +53,10 @@ enum class Atom : std::uint8_t {
     manager,
     utf8String,
     netWmName,
+    systemTray, // _NET_SYSTEM_TRAY_Sn of this screen
+    activeWindow,
+    instance, // of this program for this user
+    instanceArguments,
     count,
 };
 
@@ -67,6 +71,8 @@ public:
     Connection& operator=(const Connection&) = delete;
 
     [[nodiscard]] xcb_connection_t* xcb() const { return connection_; }
+    // Under which another connection to the server can be had.
+    [[nodiscard]] const std::string& displayName() const { return displayName_; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
     // As it is now; screen() only knows how it was at the start.
@@ -92,11 +98,12 @@ public:
 
     // Called once, when the server has gone away.
     Observers<> lost;
+    [[nodiscard]] bool isLost() const { return xcb_connection_has_error(connection_) != 0; }
 
 private:
-    explicit Connection(xcb_connection_t* connection, int screenNumber);
+    Connection(xcb_connection_t* connection, std::string displayName, int screenNumber);
 
-    std::string prepare(const std::string& displayName);
+    std::string prepare();
     std::string missingExtension();
     std::string outdatedExtension();
     void internAtoms();
@@ -108,6 +115,7 @@ private:
     void forEachHandler(Call call);
 
     xcb_connection_t* connection_;
+    std::string displayName_;
     int screenNumber_;
     const xcb_screen_t* screen_ = nullptr;
     std::array<xcb_atom_t, static_cast<std::size_t>(Atom::count)> atoms_{};

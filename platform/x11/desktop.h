@@ -1,14 +1,17 @@
 #pragma once
 
 #include "platform/system_clock.h"
+#include "platform/x11/alert_sound.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/display_link.h"
 #include "platform/x11/event_loop.h"
 #include "platform/x11/event_monitors.h"
 #include "platform/x11/hot_keys.h"
+#include "platform/x11/keyboard.h"
 #include "platform/x11/overlay_windows.h"
 #include "platform/x11/pointer.h"
 #include "platform/x11/screens.h"
+#include "platform/x11/system_tray.h"
 
 namespace vantrel::x11 {
 
@@ -20,9 +23,12 @@ struct X11Desktop {
           pointer(connection, screens),
           eventMonitors(connection, pointer),
           hotKeys(connection),
+          keyboard(connection),
+          alertSound(connection),
           displayLinks(connection, screens),
           overlayWindows(connection, screens, clock),
-          transaction(overlayWindows) {}
+          transaction(overlayWindows),
+          systemTray(connection) {}
 
     EventLoop eventLoop;
     SystemClock clock;
@@ -30,9 +36,12 @@ struct X11Desktop {
     X11Pointer pointer;
     X11EventMonitors eventMonitors;
     X11HotKeys hotKeys;
+    X11Keyboard keyboard;
+    X11AlertSound alertSound;
     X11DisplayLinks displayLinks;
     X11OverlayWindows overlayWindows;
     X11Transaction transaction;
+    X11SystemTray systemTray;
 };
 
 } // namespace vantrel::x11

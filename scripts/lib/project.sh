@@ -9,6 +9,7 @@ build_packages=(
     qt6-base-dev qt6-svg-dev
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
     libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
+    libxkbcommon-dev libxkbcommon-x11-dev
     libplist-dev nlohmann-json3-dev
 )
 # Whether a display answers is asked with xdpyinfo.

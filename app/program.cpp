@@ -1,0 +1,95 @@
+#include "app/program.h"
+
+#include "platform/x11/activation.h"
+
+#include <QApplication>
+#include <QSessionManager>
+
+#include <algorithm>
+#include <utility>
+
+namespace vantrel {
+
+Program::Program(x11::Connection& connection, x11::Instance& instance,
+                 std::span<const std::string> arguments)
+    : connection_(connection),
+      x11_(connection),
+      loginItem_(runningExecutable()),
+      delegate_(appDesktop(), viewDesktop(), shellDesktop()) {
+    delegate_.applicationDidFinishLaunching(arguments);
+    observeDesktop();
+    instance.setReopen([this](const std::vector<std::string>& again) { reopen(again); });
+}
+
+Program::~Program() {
+    end();
+}
+
+AppDesktop Program::appDesktop() {
+    return {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
+                        x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
+            .hotKeys = x11_.hotKeys,
+            .mainQueue = mainQueue_,
+            .loginItem = loginItem_,
+            .workspace = workspace_,
+            .bundle = bundle_,
+            .locale = locale_};
+}
+
+ViewDesktop Program::viewDesktop() {
+    return {.clock = x11_.clock,
+            .cursors = drawnCursor_,
+            .screens = x11_.screens,
+            .bundle = bundle_,
+            .userDefaults = defaults_,
+            .keyboard = x11_.keyboard,
+            .alertSound = x11_.alertSound,
+            .terminate = [this] { quit(); }};
+}
+
+ShellDesktop Program::shellDesktop() {
+    return {.userDefaults = defaults_, .statusItem = statusItem_, .activate = [this](WId window) {
+                x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
+            }};
+}
+
+void Program::observeDesktop() {
+    // After the delegate has saved.
+    subscriptions_.push_back(workspace_.onWillSleep([this] { defaults_.flush(); }));
+    subscriptions_.push_back(workspace_.onWillShutDown([this] {
+        delegate_.sleep();
+        defaults_.flush();
+        quit();
+    }));
+    subscriptions_.push_back(connection_.lost.add([this] { quit(); }));
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &delegate_,
+                     [this](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive) {
+                             delegate_.applicationDidBecomeActive();
+                         }
+                     });
+    // Whether the program starts with the next session is the login item's business.
+    QObject::connect(
+        qGuiApp, &QGuiApplication::saveStateRequest, &delegate_,
+        [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
+}
+
+void Program::reopen(std::span<const std::string> arguments) {
+    const bool settings =
+        std::ranges::find(arguments, AppDelegate::settingsArgument) != arguments.end();
+    delegate_.applicationShouldHandleReopen(!settings && delegate_.hasVisibleWindows());
+}
+
+// Also from within an event loop that has not been started yet.
+void Program::quit() {
+    mainQueue_.async([] { QCoreApplication::exit(); });
+}
+
+void Program::end() {
+    if (!std::exchange(ended_, true)) {
+        delegate_.applicationWillTerminate();
+        defaults_.flush();
+    }
+}
+
+} // namespace vantrel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/shell/app_delegate.h"
+#include "overlay/drawn_cursor.h"
+#include "platform/freedesktop/autostart_login_item.h"
+#include "platform/freedesktop/desktop_workspace.h"
+#include "platform/freedesktop/environment_locale.h"
+#include "platform/freedesktop/file_user_defaults.h"
+#include "platform/freedesktop/installed_bundle.h"
+#include "platform/freedesktop/qt_main_queue.h"
+#include "platform/freedesktop/tray_status_item.h"
+#include "platform/x11/desktop.h"
+#include "platform/x11/instance.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vantrel {
+
+// The program on this machine's desktop, from its launch to its end. Needs the toolkit's
+// application object.
+class Program {
+public:
+    // The connection and the instance must outlive it.
+    Program(x11::Connection& connection, x11::Instance& instance,
+            std::span<const std::string> arguments);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // What was changed is on disk afterwards, and nothing is on the screen.
+    void end();
+
+private:
+    [[nodiscard]] AppDesktop appDesktop();
+    [[nodiscard]] ViewDesktop viewDesktop();
+    [[nodiscard]] ShellDesktop shellDesktop();
+    void reopen(std::span<const std::string> arguments);
+    void observeDesktop();
+    void quit();
+
+    x11::Connection& connection_;
+    x11::X11Desktop x11_;
+    FileUserDefaults defaults_;
+    QtMainQueue mainQueue_;
+    AutostartLoginItem loginItem_;
+    DesktopWorkspace workspace_;
+    InstalledBundle bundle_;
+    EnvironmentLocale locale_;
+    DrawnCursor drawnCursor_;
+    TrayStatusItem statusItem_{x11_.systemTray};
+    AppDelegate delegate_;
+    bool ended_ = false;
+    std::vector<Subscription> subscriptions_;
+};
+
+} // namespace vantrel

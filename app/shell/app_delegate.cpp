@@ -1,0 +1,188 @@
+#include "app/shell/app_delegate.h"
+
+#include "app/shell/status_icon.h"
+#include "app/shell/window_activation.h"
+#include "app/shell/window_plan.h"
+#include "ui/help_view.h"
+#include "ui/menu_panel.h"
+#include "ui/settings_view.h"
+#include "ui/welcome_view.h"
+
+#include <QShortcut>
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr auto preferencesKey = "Vantrel.preferences.v1";
+constexpr auto welcomeKey = "welcomeDismissed";
+constexpr auto settingsShortcut = "Ctrl+,";
+
+} // namespace
+
+AppDelegate::AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell)
+    : app_(app),
+      shell_(shell),
+      store_(shell.userDefaults, preferencesKey),
+      state_(store_, app),
+      view_(state_, views),
+      popover_(app.overlay.eventMonitors, app.overlay.clock) {}
+
+void AppDelegate::applicationDidFinishLaunching(std::span<const std::string> arguments) {
+    shell_.statusItem.setAction([this] { togglePopover(); });
+    listenForShortcuts(popover_);
+    state_.openWindow = [this](AppWindow window) { open(window); };
+    observeMode();
+    view_.follow(this, [this] { updateMenu(); });
+    app_.mainQueue.async(
+        [this, copy = std::vector(arguments.begin(), arguments.end())] { launch(copy); });
+    subscriptions_.push_back(app_.workspace.onWillSleep([this] { sleep(); }));
+    subscriptions_.push_back(app_.workspace.onDidWake([this] { wake(); }));
+}
+
+void AppDelegate::launch(std::span<const std::string> arguments) {
+    state_.startUp();
+    if (std::ranges::find(arguments, settingsArgument) != arguments.end()) {
+        open(AppWindow::settings);
+    } else if (!shell_.userDefaults.boolean(welcomeKey)) {
+        open(AppWindow::welcome);
+    }
+}
+
+void AppDelegate::observeMode() {
+    subscriptions_.push_back(state_.mode().observe([this](CursorMode mode) {
+        shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
+        app_.mainQueue.async([this] { resizePopover(); });
+    }));
+}
+
+void AppDelegate::applicationDidBecomeActive() {
+    state_.apply();
+    state_.syncLaunchAtLogin();
+}
+
+void AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
+    if (!hasVisibleWindows) {
+        open(AppWindow::settings);
+        return;
+    }
+    for (const auto& [key, window] : windows_) {
+        if (window->isVisible()) {
+            showActive(*window, shell_.activate);
+        }
+    }
+}
+
+void AppDelegate::applicationWillTerminate() {
+    state_.suspend();
+}
+
+void AppDelegate::sleep() {
+    state_.suspend();
+}
+
+void AppDelegate::wake() {
+    app_.mainQueue.async([this] { state_.wake(); });
+}
+
+void AppDelegate::open(AppWindow window) {
+    popover_.performClose();
+    const auto [key, size] = planOf(window);
+    auto& place = windows_[key];
+    if (!place) {
+        place = makeWindow(size, makeContent(window).release());
+        listenForShortcuts(*place);
+    }
+    showActive(*place, shell_.activate);
+}
+
+void AppDelegate::openAbout() {
+    state_.selectTab(SettingsTab::about);
+    open(AppWindow::settings);
+}
+
+std::unique_ptr<QWidget> AppDelegate::makeContent(AppWindow window) {
+    switch (window) {
+    case AppWindow::settings:
+        return std::make_unique<SettingsView>(view_);
+    case AppWindow::welcome:
+        return std::make_unique<WelcomeView>(view_, [this] {
+            if (auto* welcome = this->window(AppWindow::welcome)) {
+                welcome->close();
+            }
+        });
+    case AppWindow::help:
+        return std::make_unique<HelpView>(view_);
+    }
+    return nullptr;
+}
+
+void AppDelegate::listenForShortcuts(QWidget& window) {
+    auto* settings = new QShortcut(QKeySequence(QLatin1String(settingsShortcut)), &window);
+    connect(settings, &QShortcut::activated, this, [this] { open(AppWindow::settings); });
+}
+
+QWidget* AppDelegate::window(AppWindow window) const {
+    const auto found = windows_.find(planOf(window).key);
+    return found == windows_.end() ? nullptr : found->second.get();
+}
+
+bool AppDelegate::hasVisibleWindows() const {
+    return std::ranges::any_of(windows_,
+                               [](const auto& entry) { return entry.second->isVisible(); });
+}
+
+void AppDelegate::togglePopover() {
+    if (popover_.closedByThisPress()) {
+        return;
+    }
+    if (popover_.isVisible()) {
+        popover_.performClose();
+        return;
+    }
+    if (!popover_.hasContent()) {
+        popover_.setContent(new MenuPanel(view_));
+    }
+    popover_.placeAt(shell_.statusItem.place());
+    showActive(popover_, shell_.activate);
+}
+
+void AppDelegate::resizePopover() {
+    popover_.fitContent();
+}
+
+std::vector<MenuEntry> AppDelegate::menu() {
+    const auto say = [this](const Text& text) { return view_.say(text).toStdString(); };
+    const auto terminate = view_.desktop().terminate;
+    std::vector<MenuEntry> entries;
+    for (const auto mode : allCases<CursorMode>()) {
+        entries.push_back({.title = state_.title(mode),
+                           .action = [this, mode] { state_.setMode(mode); },
+                           .checked = state_.mode().get() == mode});
+    }
+    entries.push_back({});
+    entries.push_back(
+        {.title = say({"Show Panel", "显示面板"}), .action = [this] { togglePopover(); }});
+    entries.push_back({.title = say({"Settings…", "设置…"}),
+                       .action = [this] { open(AppWindow::settings); },
+                       .shortcut = settingsShortcut});
+    entries.push_back(
+        {.title = say({"About Vantrel", "关于 Vantrel"}), .action = [this] { openAbout(); }});
+    entries.push_back(
+        {.title = say({"Help", "帮助"}), .action = [this] { open(AppWindow::help); }});
+    entries.push_back({});
+    entries.push_back({.title = say({"Quit", "退出"}), .action = terminate});
+    return entries;
+}
+
+void AppDelegate::updateMenu() {
+    auto entries = menu();
+    if (!std::ranges::equal(entries, shownMenu_, &MenuEntry::looksLike)) {
+        shownMenu_ = entries;
+        shell_.statusItem.setMenu(std::move(entries));
+    }
+}
+
+} // namespace vantrel

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/app_state.h"
+#include "app/shell/popover.h"
+#include "platform/status_item.h"
+#include "ui/components/view_context.h"
+
+#include <QObject>
+
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace vantrel {
+
+// What the shell asks of the desktop, besides what the state and the views do.
+struct ShellDesktop {
+    UserDefaults& userDefaults;
+    StatusItem& statusItem;
+    // Brings a window that is on the screen to the front and gives it the keyboard.
+    std::function<void(WId)> activate;
+};
+
+// The program around its state: the status item with its menu and its popover, the windows, and
+// what the desktop announces.
+class AppDelegate final : public QObject {
+public:
+    // The desktop must outlive the delegate.
+    AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell);
+
+    // The argument that has the settings opened at launch.
+    static constexpr std::string_view settingsArgument = "--settings";
+
+    // Once, with the arguments of the process without its name. What they open comes in a later
+    // turn of the main queue.
+    void applicationDidFinishLaunching(std::span<const std::string> arguments);
+    void applicationDidBecomeActive();
+    // The program was started again while it runs.
+    void applicationShouldHandleReopen(bool hasVisibleWindows);
+    void applicationWillTerminate();
+    void wake();
+    void sleep();
+
+    // Shows a window, which is made when it is asked for the first time and kept from then on.
+    void open(AppWindow window);
+    void openAbout();
+    void togglePopover();
+    // Fits the popover to the panel in it.
+    void resizePopover();
+
+    [[nodiscard]] AppState& state() { return state_; }
+    [[nodiscard]] const Popover& popover() const { return popover_; }
+    // Null while it was never opened.
+    [[nodiscard]] QWidget* window(AppWindow window) const;
+    [[nodiscard]] bool hasVisibleWindows() const;
+
+private:
+    void launch(std::span<const std::string> arguments);
+    void observeMode();
+    void updateMenu();
+    [[nodiscard]] std::vector<MenuEntry> menu();
+    [[nodiscard]] std::unique_ptr<QWidget> makeContent(AppWindow window);
+    void listenForShortcuts(QWidget& window);
+
+    AppDesktop app_;
+    ShellDesktop shell_;
+    SettingsStore store_;
+    AppState state_;
+    ViewContext view_;
+    Popover popover_;
+    std::map<std::string_view, std::unique_ptr<QWidget>> windows_;
+    std::vector<MenuEntry> shownMenu_;
+    std::vector<Subscription> subscriptions_;
+};
+
+} // namespace vantrel

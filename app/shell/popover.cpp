@@ -1,0 +1,167 @@
+#include "app/shell/popover.h"
+
+#include "app/shell/popover_placement.h"
+#include "ui/components/stack.h"
+#include "ui/components/style.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+// From a press that closes the popover to the desktop's word that the item was clicked.
+constexpr double clickDelay = 0.5; // seconds
+constexpr int clickRadius = 6;     // points
+
+constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown) |
+                              maskOf(EventType::otherMouseDown);
+
+// Whether a window was opened from another one, such as a dialog of it.
+bool belongsTo(const QWidget* window, const QWidget& owner) {
+    while (window != nullptr && window != &owner) {
+        window = window->parentWidget();
+    }
+    return window != nullptr;
+}
+
+const QScreen& screenOf(const QRect& item) {
+    const auto* screen = QGuiApplication::screenAt(item.center());
+    return screen != nullptr ? *screen : *QGuiApplication::primaryScreen();
+}
+
+} // namespace
+
+Popover::Popover(EventMonitors& monitors, const Clock& clock)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      monitors_(monitors),
+      clock_(clock) {
+    setWindowTitle(QStringLiteral("Vantrel"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(1, 1, 1, 1);
+    layout->setSizeConstraint(QLayout::SetNoConstraint);
+    const auto close = [this] { performClose(); };
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, close);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, close);
+}
+
+Popover::~Popover() {
+    watchPresses();
+}
+
+void Popover::setContent(QWidget* content) {
+    content_ = content;
+    layout()->addWidget(content);
+}
+
+void Popover::fitContent() {
+    if (content_ == nullptr) {
+        return;
+    }
+    settleLayout(*this);
+    if (const QSize size = layout()->sizeHint(); size.height() > 2) {
+        setFixedSize(size);
+    }
+    if (isVisible()) {
+        place();
+    }
+}
+
+void Popover::placeAt(const std::optional<QRect>& item) {
+    item_ = item.value_or(QRect(QCursor::pos(), QSize(1, 1)));
+    fitContent();
+    place();
+}
+
+void Popover::place() {
+    const QRect place = popoverPlacement(item_, size(), screenOf(item_).availableGeometry());
+    setFixedSize(place.size());
+    move(place.topLeft());
+}
+
+void Popover::performClose() {
+    hide();
+}
+
+// Is told of presses only while it is open.
+void Popover::watchPresses() {
+    if (isVisible() == presses_.has_value()) {
+        return;
+    }
+    if (!isVisible()) {
+        monitors_.remove(*std::exchange(presses_, std::nullopt));
+        return;
+    }
+    presses_ = monitors_.addGlobal(presses, [this](const Event&) {
+        if (!belongsTo(QApplication::topLevelAt(QCursor::pos()), *this)) {
+            dismiss();
+        }
+    });
+}
+
+void Popover::dismiss() {
+    if (isVisible()) {
+        dismissal_ = {clock_.uptime(), QCursor::pos()};
+        performClose();
+    }
+}
+
+bool Popover::closedByThisPress() {
+    const auto dismissal = std::exchange(dismissal_, std::nullopt);
+    return dismissal && clock_.uptime() - dismissal->uptime < clickDelay &&
+           (QCursor::pos() - dismissal->pointer).manhattanLength() < clickRadius;
+}
+
+bool Popover::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate) {
+        // Which window has become active instead is known afterwards.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (!belongsTo(QApplication::activeWindow(), *this)) {
+                    dismiss();
+                }
+            },
+            Qt::QueuedConnection);
+    }
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest && isVisible()) {
+        fitContent();
+    }
+    return handled;
+}
+
+void Popover::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        performClose();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void Popover::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    watchPresses();
+}
+
+void Popover::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    watchPresses();
+}
+
+void Popover::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
+    painter.setPen(toneColor(Tone::primary, palette(), 0.2));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+} // namespace vantrel

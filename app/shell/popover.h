@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/event_monitors.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+// A window that hangs at an item of the desktop and closes by itself: when a press goes elsewhere,
+// when it loses the keyboard, on Escape, and when a display comes or goes. It grabs nothing, so
+// shortcuts work and clicks reach what they were meant for. It is as large as its content wants.
+class Popover : public QWidget {
+public:
+    // The desktop must outlive it.
+    Popover(EventMonitors& monitors, const Clock& clock);
+    ~Popover() override;
+    Popover(const Popover&) = delete;
+    Popover& operator=(const Popover&) = delete;
+
+    void setContent(QWidget* content);
+    [[nodiscard]] bool hasContent() const { return content_ != nullptr; }
+    // Takes the height that the content wants now; keeps its own when that is none.
+    void fitContent();
+
+    // Where it opens: at an item, or near the pointer when the place of that is not known.
+    void placeAt(const std::optional<QRect>& item);
+    void performClose();
+    // Whether the press that the pointer is at closed it a moment ago: the first half of a click
+    // that means to close it. Tells of each press once.
+    [[nodiscard]] bool closedByThisPress();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    struct Dismissal {
+        double uptime = 0;
+        QPoint pointer;
+    };
+
+    void watchPresses();
+    void dismiss();
+    void place();
+
+    EventMonitors& monitors_;
+    const Clock& clock_;
+    QWidget* content_ = nullptr;
+    QRect item_;
+    std::optional<EventMonitors::Token> presses_;
+    std::optional<Dismissal> dismissal_;
+};
+
+} // namespace vantrel

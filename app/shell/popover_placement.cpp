@@ -1,0 +1,33 @@
+#include "app/shell/popover_placement.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int gap = 4;
+
+// The start of a range of that length that lies in the other one, and is cut where it cannot.
+int within(int start, int length, int low, int high) {
+    return std::max(low, std::min(start, high - length));
+}
+
+} // namespace
+
+QRect popoverPlacement(const QRect& item, QSize size, const QRect& available) {
+    const QSize fitting = size.boundedTo(available.size());
+    const int below = item.top() + item.height() + gap;
+    const int above = item.top() - gap - fitting.height();
+    const int bottom = available.top() + available.height();
+    const int roomBelow = bottom - below;
+    const int roomAbove = item.top() - gap - available.top();
+    const bool opensBelow = roomBelow >= fitting.height() || roomBelow >= roomAbove;
+    const QPoint corner(
+        within(item.left() + (item.width() - fitting.width()) / 2, fitting.width(),
+               available.left(), available.left() + available.width()),
+        within(opensBelow ? below : above, fitting.height(), available.top(), bottom));
+    return {corner, fitting};
+}
+
+} // namespace vantrel

@@ -1,0 +1,46 @@
+#include "app/shell/window_activation.h"
+
+#include <QEvent>
+#include <QWindow>
+
+namespace vantrel {
+
+namespace {
+
+// Lives until its window is on the screen.
+class Exposure final : public QObject {
+public:
+    Exposure(QWindow& window, std::function<void()> call)
+        : QObject(&window), call_(std::move(call)) {
+        window.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Expose && static_cast<QWindow*>(watched)->isExposed()) {
+            watched->removeEventFilter(this);
+            deleteLater();
+            call_();
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> call_;
+};
+
+} // namespace
+
+void showActive(QWidget& window, const std::function<void(WId)>& activate) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    const auto now = [&window, activate] { activate(window.winId()); };
+    if (window.windowHandle()->isExposed()) {
+        now();
+    } else {
+        new Exposure(*window.windowHandle(), now);
+    }
+}
+
+} // namespace vantrel

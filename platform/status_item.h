@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QIcon>
+#include <QRect>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel {
+
+// One line of a menu; an empty title makes a dividing line. Titles are UTF-8.
+struct MenuEntry {
+    std::string title;
+    std::function<void()> action{};
+    std::optional<bool> checked{}; // of one of several choices
+    std::string shortcut{};        // in portable form, such as "Ctrl+,"; shown, not listened for
+
+    // The same to look at.
+    [[nodiscard]] bool looksLike(const MenuEntry& other) const {
+        return title == other.title && checked == other.checked && shortcut == other.shortcut;
+    }
+};
+
+// The program's item in the desktop's tray. It shows as soon as there is a tray, and again when the
+// tray comes back.
+class StatusItem {
+public:
+    virtual ~StatusItem() = default;
+
+    // A click on the item.
+    virtual void setAction(std::function<void()> action) = 0;
+    virtual void setImage(const QIcon& image, const std::string& description) = 0;
+    // Some desktops show nothing but this of the item.
+    virtual void setMenu(std::vector<MenuEntry> entries) = 0;
+    // Where it is, in the coordinates of the toolkit's windows; absent when the desktop does not
+    // tell.
+    [[nodiscard]] virtual std::optional<QRect> place() const = 0;
+};
+
+} // namespace vantrel

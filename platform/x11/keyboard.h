@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/keyboard.h"
+#include "platform/x11/connection.h"
+
+#include <memory>
+
+namespace vantrel::x11 {
+
+// Keys by keycode, with the state word of a key event: modifiers, and the group of the layout.
+//
+// Alt is Option and Super is Command, on either side of the keyboard. AltGr, and other modifiers
+// that no shortcut can have, leave a press without any flag, so that it is not taken for the
+// shortcut that it would be without them.
+class X11Keyboard final : public Keyboard, private EventHandler {
+public:
+    explicit X11Keyboard(Connection& connection);
+    ~X11Keyboard() override;
+
+    [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key,
+                                                std::uint32_t state) const override;
+    [[nodiscard]] bool isModifier(std::uint32_t key) const override;
+
+private:
+    class Layout;
+
+    void handleEvent(const xcb_generic_event_t& event) override;
+    const Layout& layout() const;
+
+    Connection& connection_;
+    mutable std::unique_ptr<Layout> layout_; // read when it is asked for, dropped when it changes
+    Subscription events_;
+};
+
+} // namespace vantrel::x11

@@ -1,0 +1,323 @@
+#include "app/shell/app_delegate.h"
+#include "app/shell/popover_placement.h"
+#include "app/shell/window_plan.h"
+#include "headless_fixture.h"
+#include "offscreen_application.h"
+#include "overlay/drawn_cursor.h"
+
+#include <QCursor>
+#include <QtTest/QTest>
+
+#include <algorithm>
+#include <ranges>
+
+namespace vantrel {
+namespace {
+
+class ShellTest : public HeadlessTest {
+protected:
+    void SetUp() override {
+        desktop.screens.set({screen(1, {0, 0, 800, 800})});
+        desktop.userDefaults.setBoolean("welcomeDismissed", true);
+        QCursor::setPos(400, 20);
+    }
+    void launch(const std::vector<std::string>& arguments = {}) {
+        delegate.applicationDidFinishLaunching(arguments);
+        settle();
+    }
+    void settle() {
+        desktop.mainQueue.run();
+        QCoreApplication::processEvents();
+    }
+    std::vector<AppWindow> visibleWindows() {
+        std::vector<AppWindow> visible;
+        for (const auto window : {AppWindow::settings, AppWindow::welcome, AppWindow::help}) {
+            if (delegate.window(window) != nullptr && delegate.window(window)->isVisible()) {
+                visible.push_back(window);
+            }
+        }
+        return visible;
+    }
+    void click() {
+        desktop.statusItem.click();
+        settle();
+    }
+    // Somewhere on the desktop, in no window of the program.
+    void press(QPoint place) {
+        QCursor::setPos(place);
+        desktop.eventMonitors.send({.type = EventType::leftMouseDown});
+        settle();
+    }
+    bool popoverShown() { return delegate.popover().isVisible(); }
+    void chooseFromMenu(const std::string& title) {
+        const auto entry = std::ranges::find(desktop.statusItem.menu, title, &MenuEntry::title);
+        ASSERT_NE(entry, desktop.statusItem.menu.end()) << title;
+        const auto action = entry->action;
+        action();
+        settle();
+    }
+    std::vector<std::string> menuTitles() {
+        std::vector<std::string> titles;
+        std::ranges::transform(desktop.statusItem.menu, std::back_inserter(titles),
+                               &MenuEntry::title);
+        return titles;
+    }
+
+    DrawnCursor cursor;
+    int terminations = 0;
+    std::vector<WId> activated;
+    AppDelegate delegate{
+        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
+                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
+         .hotKeys = desktop.hotKeys,
+         .mainQueue = desktop.mainQueue,
+         .loginItem = desktop.loginItem,
+         .workspace = desktop.workspace,
+         .bundle = desktop.bundle,
+         .locale = desktop.locale},
+        {.clock = desktop.clock,
+         .cursors = cursor,
+         .screens = desktop.screens,
+         .bundle = desktop.bundle,
+         .userDefaults = desktop.userDefaults,
+         .keyboard = desktop.keyboard,
+         .alertSound = desktop.alertSound,
+         .terminate = [this] { ++terminations; }},
+        {.userDefaults = desktop.userDefaults,
+         .statusItem = desktop.statusItem,
+         .activate = [this](WId window) { activated.push_back(window); }}};
+};
+
+using Windows = std::vector<AppWindow>;
+
+struct Launch {
+    std::vector<std::string> arguments;
+    bool welcomed;
+    Windows opened;
+};
+
+class LaunchTest : public ShellTest, public testing::WithParamInterface<Launch> {};
+
+TEST_P(LaunchTest, OpensTheSettingsWhenAskedToAndTheWelcomeUntilItWasDismissed) {
+    desktop.userDefaults.setBoolean("welcomeDismissed", GetParam().welcomed);
+    launch(GetParam().arguments);
+    EXPECT_EQ(visibleWindows(), GetParam().opened);
+    EXPECT_FALSE(delegate.popover().hasContent()) << "nobody has opened it";
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LaunchTest,
+                         testing::Values(Launch{{}, false, {AppWindow::welcome}},
+                                         Launch{{"--settings"}, false, {AppWindow::settings}},
+                                         Launch{{"--settings"}, true, {AppWindow::settings}},
+                                         Launch{{}, true, {}}));
+
+TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
+    launch();
+    const std::pair<AppWindow, QSize> sizes[] = {{AppWindow::settings, {560, 640}},
+                                                 {AppWindow::welcome, {560, 580}},
+                                                 {AppWindow::help, {520, 540}}};
+    for (const auto& [name, size] : sizes) {
+        delegate.open(name);
+        auto* window = delegate.window(name);
+        EXPECT_EQ(window->size(), size);
+        EXPECT_EQ(window->windowTitle(), QStringLiteral("Vantrel"));
+        window->resize(700, 700);
+        EXPECT_EQ(window->minimumSize(), minimumContentSize);
+        window->close();
+        EXPECT_FALSE(window->isVisible());
+        delegate.open(name);
+        EXPECT_EQ(delegate.window(name), window);
+        EXPECT_TRUE(window->isVisible());
+        EXPECT_EQ(window->size(), QSize(700, 700));
+        settle();
+        ASSERT_FALSE(activated.empty());
+        EXPECT_EQ(activated.back(), window->winId());
+    }
+}
+
+TEST_F(ShellTest, AboutLeadsToItsTabOfTheOneSettingsWindow) {
+    launch();
+    chooseFromMenu("Settings…");
+    auto* settings = delegate.window(AppWindow::settings);
+    chooseFromMenu("About Vantrel");
+    EXPECT_EQ(delegate.window(AppWindow::settings), settings);
+    EXPECT_EQ(delegate.state().selectedTab().get(), SettingsTab::about);
+    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
+}
+
+TEST_F(ShellTest, TheItemTellsTheMode) {
+    launch();
+    const std::pair<CursorMode, std::string> descriptions[] = {
+        {CursorMode::off, "Vantrel off"},
+        {CursorMode::highlight, "Vantrel highlight"},
+        {CursorMode::laser, "Vantrel laser"}};
+    QList<QImage> pictures;
+    for (const auto& [mode, description] : descriptions) {
+        delegate.state().setMode(mode);
+        settle();
+        EXPECT_EQ(desktop.statusItem.description, description);
+        const QImage picture = desktop.statusItem.image.pixmap(22).toImage();
+        EXPECT_FALSE(pictures.contains(picture));
+        pictures.append(picture);
+        const auto checked =
+            std::ranges::find(desktop.statusItem.menu, std::optional(true), &MenuEntry::checked);
+        ASSERT_NE(checked, desktop.statusItem.menu.end());
+        EXPECT_EQ(checked->title, delegate.state().title(mode));
+    }
+}
+
+TEST_F(ShellTest, TheMenuDoesWhatItSaysInTheLanguageOfTheInterface) {
+    launch();
+    EXPECT_EQ(menuTitles(),
+              (std::vector<std::string>{"Off", "Highlight", "Laser", "", "Show Panel", "Settings…",
+                                        "About Vantrel", "Help", "", "Quit"}));
+    chooseFromMenu("Laser");
+    EXPECT_EQ(delegate.state().mode().get(), CursorMode::laser);
+    chooseFromMenu("Help");
+    EXPECT_EQ(visibleWindows(), Windows{AppWindow::help});
+    chooseFromMenu("Show Panel");
+    EXPECT_TRUE(popoverShown());
+    chooseFromMenu("Quit");
+    EXPECT_EQ(terminations, 1);
+    delegate.state().changePreferences(
+        [](AppPreferences& preferences) { preferences.language = AppLanguage::chinese; });
+    settle();
+    EXPECT_EQ(menuTitles(),
+              (std::vector<std::string>{"关闭", "高亮", "激光", "", "显示面板", "设置…",
+                                        "关于 Vantrel", "帮助", "", "退出"}));
+}
+
+TEST_F(ShellTest, TheMenuStaysWhileNothingInItChanges) {
+    launch();
+    const int before = desktop.statusItem.menusSet;
+    delegate.state().changePreferences(
+        [](AppPreferences& preferences) { preferences.highlight.diameter = 100; });
+    settle();
+    EXPECT_EQ(desktop.statusItem.menusSet, before);
+}
+
+TEST_F(ShellTest, ThePopoverOpensAndClosesWithTheItemAndFitsItsPanel) {
+    desktop.statusItem.where = QRect(600, 0, 24, 24);
+    launch();
+    click();
+    ASSERT_TRUE(popoverShown());
+    const QRect off = delegate.popover().geometry();
+    EXPECT_EQ(delegate.popover().contentsRect().width() - 2, 340);
+    EXPECT_GE(off.top(), 24);
+    delegate.state().setMode(CursorMode::highlight);
+    settle();
+    EXPECT_GT(delegate.popover().height(), off.height() + 100);
+    EXPECT_EQ(delegate.popover().geometry().topLeft(), off.topLeft());
+    click();
+    EXPECT_FALSE(popoverShown());
+    click();
+    EXPECT_TRUE(popoverShown());
+    delegate.open(AppWindow::help);
+    EXPECT_FALSE(popoverShown());
+}
+
+TEST_F(ShellTest, ThePopoverClosesOnAPressElsewhereAndOnEscape) {
+    launch();
+    click();
+    press({10, 500});
+    EXPECT_FALSE(popoverShown());
+    QCursor::setPos(400, 20);
+    click();
+    ASSERT_TRUE(popoverShown()) << "a press far away has nothing to do with this click";
+    press(delegate.popover().geometry().center());
+    EXPECT_TRUE(popoverShown());
+    QTest::keyClick(const_cast<Popover*>(&delegate.popover()), Qt::Key_Escape);
+    EXPECT_FALSE(popoverShown());
+    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
+}
+
+TEST_F(ShellTest, AClickOnTheItemThatHasClosedThePopoverDoesNotOpenItAgain) {
+    launch();
+    click();
+    press({400, 20});
+    EXPECT_FALSE(popoverShown());
+    click();
+    EXPECT_FALSE(popoverShown()) << "the second half of the click";
+    click();
+    EXPECT_TRUE(popoverShown());
+    press({400, 20});
+    desktop.clock.advance(2);
+    click();
+    EXPECT_TRUE(popoverShown()) << "another click";
+}
+
+TEST_F(ShellTest, ThePopoverClosesWhenItLosesTheKeyboard) {
+    launch();
+    click();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(const_cast<Popover*>(&delegate.popover())));
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    settle();
+    EXPECT_FALSE(popoverShown());
+}
+
+TEST_F(ShellTest, StartingAgainBringsTheWindowsBackOrOpensTheSettings) {
+    launch();
+    delegate.applicationShouldHandleReopen(delegate.hasVisibleWindows());
+    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
+    delegate.window(AppWindow::settings)->close();
+    delegate.open(AppWindow::help);
+    delegate.applicationShouldHandleReopen(delegate.hasVisibleWindows());
+    EXPECT_EQ(visibleWindows(), Windows{AppWindow::help});
+}
+
+TEST_F(ShellTest, ControlAndCommaOpenTheSettingsFromAnyWindow) {
+    launch();
+    delegate.open(AppWindow::help);
+    auto* help = delegate.window(AppWindow::help);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(help));
+    QTest::keyClick(help, Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(delegate.window(AppWindow::settings) != nullptr);
+}
+
+TEST_F(ShellTest, BecomingActiveTakesOverWhatTheDesktopDidToTheLoginItem) {
+    launch();
+    desktop.loginItem.current = LoginItemStatus::enabled;
+    delegate.applicationDidBecomeActive();
+    EXPECT_TRUE(delegate.state().preferences().get().launchAtLogin);
+}
+
+TEST_F(ShellTest, SleepTakesTheOverlaysAwayAndWakingBringsThemBack) {
+    launch();
+    delegate.state().setMode(CursorMode::laser);
+    desktop.workspace.sleep();
+    EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+    EXPECT_TRUE(desktop.userDefaults.data("Vantrel.preferences.v1").has_value());
+    desktop.workspace.wake();
+    settle();
+    EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
+    delegate.applicationWillTerminate();
+    EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+}
+
+TEST(PopoverPlacement, IsBesideTheItemAndWhollyOnTheScreen) {
+    const QRect screen(1000, 0, 800, 600);
+    const QSize size(340, 400);
+    struct Case {
+        const char* what;
+        QRect item;
+        QRect expected;
+    };
+    const Case cases[] = {
+        {"top panel", {1300, 0, 24, 24}, {1142, 28, 340, 400}},
+        {"top right corner", {1776, 0, 24, 24}, {1460, 28, 340, 400}},
+        {"bottom panel", {1300, 576, 24, 24}, {1142, 172, 340, 400}},
+        {"bottom left corner", {1000, 576, 24, 24}, {1000, 172, 340, 400}},
+        {"side panel, where neither has room", {1000, 290, 24, 24}, {1000, 0, 340, 400}},
+        {"a pointer at the bottom edge", {1500, 599, 1, 1}, {1331, 195, 340, 400}},
+    };
+    for (const auto& [what, item, expected] : cases) {
+        EXPECT_EQ(popoverPlacement(item, size, screen), expected) << what;
+    }
+    EXPECT_EQ(popoverPlacement({1300, 0, 24, 24}, {340, 900}, screen), QRect(1142, 0, 340, 600));
+}
+
+} // namespace
+} // namespace vantrel
