@@ -1,6 +1,8 @@
 #include "overlay/preview_canvas.h"
 #include "views_fixture.h"
 
+#include <QAccessible>
+
 namespace vantrel {
 namespace {
 
@@ -19,6 +21,10 @@ TEST_F(SettingsViewTest, BuildsATabWhenItIsFirstShown) {
     update();
     EXPECT_TRUE(says("Version 1.0.0 (1)"));
     EXPECT_EQ(checked(), (std::vector<std::string>{"Off", "About"}));
+    const auto* tab = QAccessible::queryAccessibleInterface(named("About"));
+    EXPECT_EQ(tab->role(), QAccessible::PageTab);
+    EXPECT_TRUE(tab->state().selected);
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(named("Effects"))->state().selected);
 }
 
 TEST_F(SettingsViewTest, TheAppearanceIsThatOfTheMode) {

@@ -1,6 +1,7 @@
 #include "views_fixture.h"
 
 #include <QRegularExpression>
+#include <QVBoxLayout>
 
 namespace vantrel {
 namespace {
@@ -49,12 +50,14 @@ TEST_F(HelpTest, OnlyConfiguredLinksCanBeOpened) {
 }
 
 TEST_F(HelpTest, ScrollsByKeyboardAlsoWithoutALinkToGoTo) {
-    open<HelpView>();
+    window = std::make_unique<QWidget>();
+    (new QVBoxLayout(window.get()))->addWidget(new HelpView(view));
     window->resize(520, 300);
-    update();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     EXPECT_FALSE(button("Privacy policy")->isEnabled());
     auto* bar = scrolled()->verticalScrollBar();
-    QTest::keyClick(window.get(), Qt::Key_End);
+    QTest::keyClick(window->windowHandle(), Qt::Key_End);
     EXPECT_EQ(bar->value(), bar->maximum());
     EXPECT_GT(bar->maximum(), 0);
 }
