@@ -1,5 +1,6 @@
 #include "app/program.h"
 #include "platform/freedesktop/termination_signals.h"
+#include "ui/components/plain_style.h"
 
 #include <QApplication>
 
@@ -40,8 +41,8 @@ void prepareToolkit() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-// When the X server goes away, the toolkit ends the process at once, as a failure, and with all that
-// it has on its stack. The end of a session is none.
+// When the X server goes away, the toolkit ends the process at once, as a failure, and with all
+// that it has on its stack. The end of a session is none.
 class ServerLoss {
 public:
     ServerLoss() {
@@ -78,6 +79,7 @@ int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc
     // The arguments are the program's; the toolkit would take some of its own out of them.
     int toolkitArgc = std::min(argc, 1);
     const QApplication application(toolkitArgc, argv);
+    vantrel::installPlainStyle();
     QApplication::setWindowIcon(
         QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
     Program program(connection, instance, arguments);

@@ -61,19 +61,26 @@ QWidget* links(ViewContext& view) {
                 linkButton(view, {"Contact support", "联系支持"}, ReleaseLink::support), spacer()});
 }
 
+constexpr Text title{"Help and Privacy", "帮助与隐私"};
+
 QWidget* content(ViewContext& view) {
-    auto* title =
-        paragraph(view, Text{"Help and Privacy", "帮助与隐私"}, titleText.weighted(QFont::Bold));
+    auto* heading = paragraph(view, title, titleText.weighted(QFont::Bold));
     auto* recordingCard = new SectionCard(view, Text{"Displays and Recording", "多显示器与录屏"},
                                           column(16, {displays(view), recording(view)}));
     auto* linksCard =
         new SectionCard(view, Text{"Public policies and support", "公开政策与支持"}, links(view));
-    return column(22, {title, gettingStarted(view), recordingCard, linksCard})
+    return column(22, {heading, gettingStarted(view), recordingCard, linksCard})
         ->padded({24, 24, 24 - ScrollView::gutter, 24});
 }
 
 } // namespace
 
-HelpView::HelpView(ViewContext& view) : VantrelBackground(new ScrollView(content(view))) {}
+HelpView::HelpView(ViewContext& view) : HelpView(view, new ScrollView(content(view))) {}
+
+// The text is what the keyboard is at first: there may be no link to go to.
+HelpView::HelpView(ViewContext& view, ScrollView* text) : VantrelBackground(text) {
+    text->setFocusPolicy(Qt::StrongFocus);
+    view.follow(text, [text, &view] { text->setAccessibleName(view.say(title)); });
+}
 
 } // namespace vantrel

@@ -135,7 +135,10 @@ MenuPanel::MenuPanel(ViewContext& view, QWidget* section)
             panelSectionHeight(view.state().mode().get(), visibleHeight(view.desktop().screens)));
     };
     view.follow(section, fit);
-    screens_ = view.desktop().screens.onChange(fit);
+    screens_ = view.desktop().screens.onChange([this, fit] {
+        fit();
+        settleLayout(*this);
+    });
 }
 
 } // namespace vantrel

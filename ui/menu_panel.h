@@ -19,6 +19,10 @@ public:
 
     explicit MenuPanel(ViewContext& view);
 
+    [[nodiscard]] QSize sizeHint() const override {
+        return {fixedWidth, heightForWidth(fixedWidth)};
+    }
+
 private:
     MenuPanel(ViewContext& view, QWidget* section);
 

@@ -5,7 +5,7 @@
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -17,7 +17,7 @@ namespace {
 class FramedButton final : public QPushButton {
 public:
     explicit FramedButton(ButtonRole role) : role_(role) {
-        setAutoDefault(true); // Enter works it when the keyboard is at it
+        setAutoDefault(false);
         setDefault(role == ButtonRole::primary);
         setFont(bodyText.font());
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -30,6 +30,14 @@ public:
     }
 
 protected:
+    // Enter works it too, though it does not look like the default button meanwhile.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            click();
+        } else {
+            QPushButton::keyPressEvent(event);
+        }
+    }
     void changeEvent(QEvent* event) override {
         if (event->type() == QEvent::PaletteChange) {
             tint();

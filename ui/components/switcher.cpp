@@ -2,7 +2,25 @@
 
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace vantrel {
+
+// The keyboard would come last to what is added last.
+void Switcher::visitHere(const QWidget& part) {
+    std::vector<QWidget*> stops;
+    for (auto* next = part.nextInFocusChain(); next != &part; next = next->nextInFocusChain()) {
+        if (part.isAncestorOf(next) && next->focusPolicy() != Qt::NoFocus) {
+            stops.push_back(next);
+        }
+    }
+    setFocusPolicy(Qt::TabFocus); // only such a widget can be followed by another
+    QWidget* before = this;
+    for (auto* stop : stops) {
+        setTabOrder(std::exchange(before, stop), stop);
+    }
+    setFocusPolicy(Qt::NoFocus);
+}
 
 Switcher::Switcher(ViewContext& view, const std::function<std::size_t()>& index,
                    const std::vector<Builder>& builders) {
@@ -27,7 +45,10 @@ void Switcher::showPart(Part& part) {
         current_->hide();
     }
     current_ = part.widget;
-    layout()->addWidget(current_);
+    if (current_->parentWidget() != this) {
+        layout()->addWidget(current_);
+        visitHere(*current_);
+    }
     current_->show();
 }
 

@@ -30,6 +30,7 @@ private:
     };
 
     void showPart(Part& part);
+    void visitHere(const QWidget& part);
 
     std::vector<Part> parts_;
     QWidget* current_ = nullptr;

@@ -1,0 +1,182 @@
+#include "ui/components/color_choices.h"
+#include "views_fixture.h"
+
+namespace vantrel {
+namespace {
+
+class MenuPanelTest : public ViewsTest {};
+
+TEST_F(MenuPanelTest, ASectionIsAsHighAsTheScreenAllows) {
+    struct Case {
+        CursorMode mode;
+        std::optional<double> visible;
+        int height;
+    };
+    const Case cases[] = {
+        {CursorMode::highlight, 1000, 286},
+        {CursorMode::highlight, 500, 150},
+        {CursorMode::highlight, 400, 76},
+        {CursorMode::highlight, 0, 76},
+        {CursorMode::highlight, 636, 286},
+        {CursorMode::highlight, 635, 285},
+        {CursorMode::highlight, std::nullopt, 286},
+        {CursorMode::laser, 1000, 208},
+        {CursorMode::laser, 500, 150},
+        {CursorMode::laser, std::nullopt, 208},
+        {CursorMode::off, 1000, 76},
+        {CursorMode::off, 300, 76},
+    };
+    for (const auto& [mode, visible, height] : cases) {
+        EXPECT_EQ(panelSectionHeight(mode, visible), height)
+            << nameOf(mode) << " on " << visible.value_or(-1);
+    }
+}
+
+TEST_F(MenuPanelTest, IsAsHighAsTheModeNeedsAndThenScrollsNothing) {
+    auto& panel = open<MenuPanel>();
+    for (const auto language : {AppLanguage::english, AppLanguage::chinese}) {
+        change([&](auto& preferences) { preferences.language = language; });
+        int lowest = 0;
+        for (const auto mode : {CursorMode::off, CursorMode::laser, CursorMode::highlight}) {
+            setMode(mode);
+            panel.resize(panel.sizeHint());
+            update();
+            EXPECT_EQ(panel.width(), MenuPanel::fixedWidth);
+            EXPECT_GT(panel.height(), lowest);
+            lowest = panel.height();
+            EXPECT_EQ(scrolled()->height(), panelSectionHeight(mode, 1080));
+            EXPECT_EQ(scrolled()->verticalScrollBar()->maximum(), 0) << nameOf(mode);
+        }
+    }
+}
+
+TEST_F(MenuPanelTest, FollowsTheScreenThatItIsOn) {
+    setMode(CursorMode::highlight);
+    auto& panel = open<MenuPanel>();
+    desktop.screens.set({screen(1, {0, 0, 800, 500}), screen(2, {800, 0, 1920, 1080})});
+    update();
+    EXPECT_EQ(scrolled()->height(), 150);
+    EXPECT_GT(scrolled()->verticalScrollBar()->maximum(), 0);
+    EXPECT_LT(panel.sizeHint().height(), 500);
+}
+
+TEST_F(MenuPanelTest, BuildsTheSectionOfAModeWhenTheModeIsFirstUsed) {
+    open<MenuPanel>();
+    EXPECT_EQ(sectionsBuilt(), 1U);
+    EXPECT_TRUE(says("Effects are off. Choose Highlight or Laser, or preview them in Settings."));
+    setMode(CursorMode::laser);
+    EXPECT_EQ(sectionsBuilt(), 2U);
+    EXPECT_TRUE(says("Dot diameter"));
+    EXPECT_FALSE(says("Effects are off. Choose Highlight or Laser, or preview them in Settings."));
+    setMode(CursorMode::off);
+    setMode(CursorMode::laser);
+    EXPECT_EQ(sectionsBuilt(), 2U);
+}
+
+TEST_F(MenuPanelTest, ASectionShowsWhatChangedWhileItWasAway) {
+    setMode(CursorMode::laser);
+    open<MenuPanel>();
+    setMode(CursorMode::off);
+    change([](auto& preferences) { preferences.laser.diameter = 20; });
+    setMode(CursorMode::laser);
+    EXPECT_TRUE(says("20 pt"));
+    change([](auto& preferences) { preferences.laser.diameter = 8; });
+    EXPECT_TRUE(says("8 pt"));
+}
+
+TEST_F(MenuPanelTest, TellsThatClicksCannotBeSeenOnlyWhileTheyAreWanted) {
+    constexpr auto notice = "Click monitoring could not start. Retry in Settings.";
+    desktop.eventMonitors.refusesGlobal = true;
+    open<MenuPanel>();
+    EXPECT_FALSE(says(notice));
+    setMode(CursorMode::highlight);
+    EXPECT_TRUE(says(notice));
+    desktop.eventMonitors.refusesGlobal = false;
+    state.apply();
+    update();
+    EXPECT_FALSE(says(notice));
+}
+
+TEST_F(MenuPanelTest, LeadsToTheWindowsAndToTheEnd) {
+    std::vector<AppWindow> opened;
+    state.openWindow = [&](AppWindow asked) { opened.push_back(asked); };
+    open<MenuPanel>();
+    for (auto* settings : window->findChildren<QAbstractButton*>()) {
+        if (settings->accessibleName() == QStringLiteral("Settings")) {
+            settings->click();
+        }
+    }
+    click("Help");
+    EXPECT_EQ(opened, (std::vector{AppWindow::settings, AppWindow::settings, AppWindow::help}));
+    click("Quit");
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(MenuPanelTest, EveryControlWorksByKeyboardInReadingOrder) {
+    open<MenuPanel>();
+    setMode(CursorMode::highlight);
+    EXPECT_EQ(tabStops(), (std::vector<std::string>{"Settings",
+                                                    "Off",
+                                                    "Highlight",
+                                                    "Laser Pointer",
+                                                    "Filled",
+                                                    "Ring",
+                                                    "Glow",
+                                                    "Yellow",
+                                                    "Green",
+                                                    "Blue",
+                                                    "Red",
+                                                    "Purple",
+                                                    "White",
+                                                    "Custom color",
+                                                    "Diameter",
+                                                    "Opacity",
+                                                    "Hide when idle",
+                                                    "Click effects",
+                                                    "Settings",
+                                                    "Help",
+                                                    "Quit"}));
+    const auto press = [&](const char* name, Qt::Key key) {
+        auto* part = named(name);
+        part->setFocus(Qt::TabFocusReason);
+        const int written = assignments([&] {
+            QTest::keyClick(part, key);
+            update();
+        });
+        EXPECT_EQ(written, 1) << name;
+    };
+    press("Glow", Qt::Key_Space);
+    EXPECT_EQ(preferences().highlight.style, HighlightStyle::glow);
+    press("Purple", Qt::Key_Space);
+    EXPECT_EQ(colorName(preferences().highlight.color).english, "Purple");
+    press("Diameter", Qt::Key_End);
+    EXPECT_EQ(preferences().highlight.diameter, 120);
+    press("Opacity", Qt::Key_Home);
+    EXPECT_EQ(preferences().highlight.opacity, 0.1);
+    EXPECT_TRUE(says("10 %"));
+    press("Click effects", Qt::Key_Down);
+    EXPECT_EQ(preferences().click.style, ClickStyle::pulse);
+    button("Hide when idle")->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_TRUE(preferences().highlight.idleHide);
+}
+
+TEST_F(MenuPanelTest, TheKeyboardBringsIntoViewWhatItComesTo) {
+    desktop.screens.set({screen(1, {0, 0, 800, 500})});
+    setMode(CursorMode::highlight);
+    open<MenuPanel>();
+    const auto isSeen = [&](const QWidget* part) {
+        return scrolled()->viewport()->rect().contains(
+            QRect(part->mapTo(scrolled()->viewport(), QPoint()), part->size()));
+    };
+    const auto* last = named("Click effects");
+    EXPECT_FALSE(isSeen(last));
+    button("Help")->setFocus();
+    QTest::keyClick(window.get(), Qt::Key_Backtab);
+    QTest::keyClick(window.get(), Qt::Key_Backtab);
+    EXPECT_TRUE(last->hasFocus());
+    EXPECT_TRUE(isSeen(last));
+}
+
+} // namespace
+} // namespace vantrel
