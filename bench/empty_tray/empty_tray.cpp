@@ -18,7 +18,6 @@ QIcon filledIcon() {
     return QIcon(picture);
 }
 
-// A widget over the whole of it would not paint more.
 struct Popup : QWidget {
     Popup() : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint) { setFixedSize(340, 480); }
 };
@@ -58,6 +57,8 @@ struct EmptyTray {
             window = std::make_unique<QWidget>();
             window->setWindowTitle(QStringLiteral("Empty"));
             window->resize(560, 640);
+            window->move(QGuiApplication::primaryScreen()->geometry().center() -
+                         window->rect().center());
         }
         window->show();
         window->activateWindow();
