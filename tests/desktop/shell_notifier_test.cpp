@@ -103,7 +103,7 @@ TEST_F(NotifierTest, TheMenuDoesEverything) {
     for (const auto& [label, mode] : modes) {
         EXPECT_TRUE(item().choose(label));
         EXPECT_TRUE(stores(mode)) << mode;
-        const auto isChecked = [&](const MenuEntry& entry) {
+        const auto isChecked = [label = label](const MenuEntry& entry) {
             return entry.label == label ? entry.checked == true : entry.checked != true;
         };
         EXPECT_TRUE(waitFor([&] { return std::ranges::all_of(item().menu(), isChecked); }))

@@ -52,7 +52,10 @@ TEST_F(TrayTest, TheIconComesWithATrayThatStartsLaterAndComesBack) {
         tray.emplace(server);
         ASSERT_TRUE(tray->waitForIcon(name));
         clickIcon();
-        EXPECT_TRUE(shown(popover));
+        const auto opened = shown(popover);
+        ASSERT_TRUE(opened);
+        EXPECT_TRUE(typeIn(input, watcher, *opened, {XK_Escape}));
+        EXPECT_TRUE(isGone(popover));
         tray->kill();
     }
     EXPECT_EQ(errors(), "");
