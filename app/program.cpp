@@ -38,7 +38,7 @@ AppDesktop Program::appDesktop() {
 
 ViewDesktop Program::viewDesktop() {
     return {.clock = x11_.clock,
-            .cursors = drawnCursor_,
+            .cursors = cursors_,
             .screens = x11_.screens,
             .bundle = bundle_,
             .userDefaults = defaults_,

@@ -9,6 +9,7 @@
 #include "platform/freedesktop/installed_bundle.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/tray_status_item.h"
+#include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
 #include "platform/x11/instance.h"
 
@@ -49,6 +50,7 @@ private:
     InstalledBundle bundle_;
     EnvironmentLocale locale_;
     DrawnCursor drawnCursor_;
+    x11::X11CursorImages cursors_{connection_, drawnCursor_};
     TrayStatusItem statusItem_{x11_.systemTray};
     AppDelegate delegate_;
     bool ended_ = false;

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,10 +26,9 @@ struct BenchDesktop {
     std::uint32_t background = 0;
 };
 
-// A program with its arguments, and where its first picture appears.
+// A program with its arguments.
 struct Contender {
     std::vector<std::string> command;
-    std::optional<desktop::PixelPoint> appearsAt{}; // otherwise under the pointer
 };
 
 // Who takes part: the program under test, and what it is compared with.
@@ -40,12 +38,13 @@ struct Contenders {
     Contender programAsApplication;
     Contender floor;
     Contender floorAtRest; // keeps a display link
-    Contender emptyApplication;
+    Contender emptyTray;
     bool reacts = true; // to clicks and shortcuts; the floor in the program's place does not
 };
 
-// The floor and the empty application lie beside this executable. Without a program the floor is
-// compared with itself, and the empty application with itself: the ratios show the method's error.
+// The floor and the empty tray application lie beside this executable. Without a program the floor
+// is compared with itself, and the empty tray application with itself: the ratios show the method's
+// error.
 [[nodiscard]] Contenders contendersFor(const std::string& program);
 
 // Where the preferences of programs on the desktop are stored.
@@ -60,11 +59,10 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
                                         const std::vector<std::uint32_t>& before,
                                         Clock::time_point begin);
 
-// Starts a contender; returns when its first picture is on the screen. A display other than the
-// desktop's own may be given.
+// Starts a follower; returns when the pointer is marked. A display other than the desktop's own may
+// be given.
 [[nodiscard]] desktop::ChildProcess startAndAwait(BenchDesktop& desktop, const Contender& contender,
-                                                  const std::string& display = {},
-                                                  Milliseconds* untilFirstPixel = nullptr);
+                                                  const std::string& display = {});
 
 // Calls the step at an even pace; it gets its number.
 void atPace(double stepsPerSecond, double seconds, const std::function<void(int)>& step);

@@ -1,5 +1,5 @@
-// Compares Vantrel with the floor and with an empty application on private desktops, in turns, and
-// reports ratios.
+// Compares Vantrel with the floor and with an empty tray application on private desktops, in turns,
+// and reports ratios.
 
 #include "measurements.h"
 
@@ -26,9 +26,11 @@ struct Part {
 
 constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", measureMotion},
                            Part{"rest", measureRest},         Part{"clicks", measureClicks},
-                           Part{"shortcut", measureShortcut}, Part{"change", measureChange},
-                           Part{"slider", measureSlider},     Part{"save", measureSave},
-                           Part{"memory", measureMemory},     Part{"start", measureStart}};
+                           Part{"shortcut", measureShortcut}, Part{"switch", measureSwitch},
+                           Part{"change", measureChange},     Part{"slider", measureSlider},
+                           Part{"save", measureSave},         Part{"memory", measureMemory},
+                           Part{"start", measureStart},       Part{"popup", measurePopup},
+                           Part{"settings", measureSettings}, Part{"reopening", measureReopening}};
 
 QString namesOfParts() {
     QStringList names;

@@ -1,8 +1,8 @@
 #include "measurements.h"
 
-#include "desktop/harness/usage.h"
+#include "tray_desktop.h"
 
-#include <thread>
+#include "desktop/harness/usage.h"
 
 namespace vantrel::bench {
 namespace {
@@ -14,52 +14,56 @@ struct Held {
     double serverMemory = 0; // MiB of pixmaps and window contents
 };
 
-Held heldBy(BenchDesktop& desktop, const Contender& contender, double seconds) {
-    desktop.input.moveTo({960, 540});
-    const auto process = startAndAwait(desktop, contender);
-    atPace(200, seconds, [&](int step) { desktop.input.moveTo({960 + step % 100, 540}); });
+double memoryOf(const desktop::ChildProcess& process) {
+    return static_cast<double>(desktop::proportionalBytes(process.pid())) / bytesPerMebibyte;
+}
+
+// Nothing of it was opened yet.
+Held heldBy(TrayDesktop& desktop, const TrayProgram& program, double seconds) {
+    const auto process = startInTray(desktop, program);
+    atPace(200, seconds, [&](int step) { desktop.bench.input.moveTo({960 + step % 100, 540}); });
     const desktop::ServerResources resources =
-        desktop::serverResources(desktop.connection, process.pid());
-    return {.memory =
-                static_cast<double>(desktop::proportionalBytes(process.pid())) / bytesPerMebibyte,
+        desktop::serverResources(desktop.bench.connection, process.pid());
+    return {.memory = memoryOf(process),
             .serverMemory = static_cast<double>(resources.pixmapBytes) / bytesPerMebibyte};
 }
 
-Samples startOf(BenchDesktop& desktop, const Contender& contender) {
-    desktop.input.moveTo({960, 540});
+Samples startOf(TrayDesktop& desktop, const TrayProgram& program) {
     Milliseconds time{};
-    const auto process = startAndAwait(desktop, contender, {}, &time);
+    const auto process = startInTray(desktop, program, &time);
     return {time.count()};
 }
 
 } // namespace
 
 Report measureMemory(const Contenders& contenders, const Effort& effort) {
-    BenchDesktop desktop;
+    TrayDesktop desktop;
+    const auto program = rehearse(desktop, contenders.programAsApplication, contenders.reacts);
+    const auto empty = rehearse(desktop, contenders.emptyTray, false);
     Comparison memory;
     Comparison serverMemory;
     for (int turn = 0; turn < effort.turns; ++turn) {
-        const Held program = heldBy(desktop, contenders.programAsApplication, effort.secondsInTurn);
-        const Held empty = heldBy(desktop, contenders.emptyApplication, effort.secondsInTurn);
-        memory.program.push_back({program.memory});
-        memory.floor.push_back({empty.memory});
-        serverMemory.program.push_back({program.serverMemory});
-        serverMemory.floor.push_back({empty.serverMemory});
+        const Held held = heldBy(desktop, program, effort.secondsInTurn);
+        const Held heldByEmpty = heldBy(desktop, empty, effort.secondsInTurn);
+        memory.program.push_back({held.memory});
+        memory.floor.push_back({heldByEmpty.memory});
+        serverMemory.program.push_back({held.serverMemory});
+        serverMemory.floor.push_back({heldByEmpty.serverMemory});
     }
-    return {.rows = {summarize("memory / empty application", "MiB", memory, median),
-                     summarize("server memory / empty application", "MiB", serverMemory, median)}};
+    return {
+        .rows = {summarize("memory / empty tray application", "MiB", memory, median, 1.3),
+                 summarize("server memory / empty tray application", "MiB", serverMemory, median)}};
 }
 
 Report measureStart(const Contenders& contenders, const Effort& effort) {
-    BenchDesktop desktop;
-    // The first start of each reads the disk.
-    startOf(desktop, contenders.programAsApplication);
-    startOf(desktop, contenders.emptyApplication);
+    TrayDesktop desktop;
+    const auto program = rehearse(desktop, contenders.programAsApplication, contenders.reacts);
+    const auto empty = rehearse(desktop, contenders.emptyTray, false);
     const Comparison comparison = inTurns(
-        effort.starts, [&] { return startOf(desktop, contenders.programAsApplication); },
-        [&] { return startOf(desktop, contenders.emptyApplication); });
-    return {.rows = {summarize("start to first pixel / empty application", "ms", comparison, median,
-                               1.3)}};
+        effort.starts, [&] { return startOf(desktop, program); },
+        [&] { return startOf(desktop, empty); });
+    return {.rows = {summarize("start to icon and mode / empty tray app.", "ms", comparison, median,
+                               1.5)}};
 }
 
 } // namespace vantrel::bench

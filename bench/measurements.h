@@ -11,9 +11,16 @@ struct Effort {
     int motionsInTurn = 25;
     double secondsInTurn = 1;
     int starts = 15;
+    int openings = 5; // of a window after each start
+    int reopenings = 100;
 
     static Effort smoke() {
-        return {.turns = 1, .motionsInTurn = 10, .secondsInTurn = 0.3, .starts = 1};
+        return {.turns = 1,
+                .motionsInTurn = 10,
+                .secondsInTurn = 0.3,
+                .starts = 1,
+                .openings = 1,
+                .reopenings = 5};
     }
 };
 
@@ -27,6 +34,8 @@ struct Effort {
 [[nodiscard]] Report measureClicks(const Contenders& contenders, const Effort& effort);
 // From a pressed shortcut to the first changed pixel, compared with plain motion.
 [[nodiscard]] Report measureShortcut(const Contenders& contenders, const Effort& effort);
+// The same with the panel and the settings open, compared with none.
+[[nodiscard]] Report measureSwitch(const Contenders& contenders, const Effort& effort);
 // One change of a preference that shows nowhere, compared with one round trip to the X server.
 [[nodiscard]] Report measureChange(const Contenders& contenders, const Effort& effort);
 // Motion while 1000 changes a second come from a slider, compared with none; how often they are
@@ -34,8 +43,15 @@ struct Effort {
 [[nodiscard]] Report measureSlider(const Contenders& contenders, const Effort& effort);
 // Frames missed while the disk is busy with a save.
 [[nodiscard]] Report measureSave(const Contenders& contenders, const Effort& effort);
-// Beside an empty application.
+// Beside an empty application in the tray, with nothing opened yet.
 [[nodiscard]] Report measureMemory(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureStart(const Contenders& contenders, const Effort& effort);
+// From the click on the icon, or the keys, until everything is painted; beside an empty popup and
+// an empty window of the same sizes.
+[[nodiscard]] Report measurePopup(const Contenders& contenders, const Effort& effort);
+[[nodiscard]] Report measureSettings(const Contenders& contenders, const Effort& effort);
+// What the program and the server hold after the panel and the settings were opened and closed
+// again and again.
+[[nodiscard]] Report measureReopening(const Contenders& contenders, const Effort& effort);
 
 } // namespace vantrel::bench

@@ -10,6 +10,9 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QElapsedTimer>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -28,7 +31,7 @@ protected:
         return waitUntil([this] { return isHeld(); });
     }
 
-    std::optional<PrivateBus> bus{std::in_place};
+    std::optional<desktop::PrivateBus> bus{std::in_place, privateBusSocket()};
     std::optional<MockLoginManager> mock{std::in_place};
     std::optional<LoginManager> manager{std::in_place, std::chrono::milliseconds(20)};
     std::vector<std::string> events;
@@ -109,7 +112,7 @@ TEST_F(LoginManagerEvents, ComeAgainAfterTheBusHasDied) {
     EXPECT_THAT(events, ElementsAre("sleep", "wake"));
 
     mock.reset();
-    bus.emplace();
+    bus.emplace(privateBusSocket());
     mock.emplace();
     ASSERT_TRUE(waitUntilHeld());
     mock->announce("PrepareForSleep", true);
@@ -145,6 +148,44 @@ TEST_F(LoginManagerEvents, AreSimplyAbsentWithoutABus) {
     int turns = 0;
     EXPECT_TRUE(waitUntil([&] { return ++turns > 20; }));
     EXPECT_TRUE(events.empty());
+}
+
+// Takes connections, as the kernel does for a process that hangs, and says nothing.
+class SilentBus {
+public:
+    SilentBus() {
+        std::filesystem::remove(privateBusSocket());
+        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+        privateBusSocket().string().copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+        EXPECT_EQ(listen(socket_.get(), 8), 0);
+    }
+
+private:
+    UniqueDescriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+};
+
+TEST_F(LoginManagerEvents, AreWaitedForWithoutHoldingTheProgramUp) {
+    manager.reset();
+    mock.reset();
+    bus.reset();
+    std::optional<SilentBus> silent(std::in_place);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    manager.emplace(std::chrono::milliseconds(20));
+    sleeping = manager->onWillSleep([this] { events.emplace_back("sleep"); });
+    int turns = 0;
+    EXPECT_TRUE(waitUntil([&] { return ++turns > 20; }));
+    EXPECT_LT(elapsed.elapsed(), 2'000);
+    EXPECT_TRUE(events.empty());
+
+    silent.reset();
+    bus.emplace(privateBusSocket());
+    mock.emplace();
+    ASSERT_TRUE(waitUntilHeld());
+    mock->announce("PrepareForSleep", true);
+    EXPECT_TRUE(waitUntil([this] { return !events.empty(); }));
 }
 
 bool hasChildren() {

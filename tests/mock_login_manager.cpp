@@ -7,11 +7,9 @@
 #include <QDBusMessage>
 
 #include <array>
-#include <csignal>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace vantrel {
@@ -23,22 +21,6 @@ std::filesystem::path privateBusSocket() {
 
 QString privateBusAddress() {
     return QStringLiteral("unix:path=") + QString::fromStdString(privateBusSocket());
-}
-
-PrivateBus::PrivateBus() {
-    std::filesystem::remove(privateBusSocket());
-    daemon_.setProgram(QStringLiteral("dbus-daemon"));
-    daemon_.setArguments({QStringLiteral("--session"), QStringLiteral("--nofork"),
-                          QStringLiteral("--nopidfile"), QStringLiteral("--print-address"),
-                          QStringLiteral("--address=") + privateBusAddress()});
-    daemon_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    daemon_.start();
-    daemon_.waitForReadyRead();
-}
-
-PrivateBus::~PrivateBus() {
-    daemon_.kill();
-    daemon_.waitForFinished();
 }
 
 QDBusUnixFileDescriptor Inhibitors::take(const QString& what) {

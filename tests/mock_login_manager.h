@@ -1,11 +1,11 @@
 #pragma once
 
+#include "desktop/harness/private_bus.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>
 #include <QObject>
-#include <QProcess>
 #include <QString>
 
 #include <filesystem>
@@ -17,17 +17,6 @@ namespace vantrel {
 // is at the same one.
 [[nodiscard]] std::filesystem::path privateBusSocket();
 [[nodiscard]] QString privateBusAddress();
-
-// A bus of the test's own.
-class PrivateBus {
-public:
-    PrivateBus();
-    ~PrivateBus();
-    Q_DISABLE_COPY_MOVE(PrivateBus)
-
-private:
-    QProcess daemon_;
-};
 
 // The delay locks that programs hold, each by the far end of a pipe.
 class Inhibitors {

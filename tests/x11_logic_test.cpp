@@ -1,4 +1,6 @@
+#include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop_scale.h"
+#include "platform/x11/desktop_settings.h"
 #include "platform/x11/display_link.h"
 #include "platform/x11/pixel_map.h"
 #include "platform/x11/raise_policy.h"
@@ -79,26 +81,69 @@ TEST(DesktopScaleTest, ReadsTheResourceDatabase) {
     EXPECT_EQ(fontDpiOf(""), std::nullopt);
 }
 
-TEST(DesktopScaleTest, ReadsTheSettingsBlockAndNothingBeyondIt) {
-    const auto text = [](std::string name, std::string value) {
-        std::string entry("\1\0", 2);
-        entry += static_cast<char>(name.size());
-        entry += '\0';
-        entry += name + std::string((4 - name.size() % 4) % 4, '\0') + std::string(4, '\0');
-        entry += static_cast<char>(value.size());
-        return entry + std::string(3, '\0') + value + std::string((4 - value.size() % 4) % 4, '\0');
-    };
-    const std::string name = "Gdk/WindowScalingFactor";
-    std::string block("\0\0\0\0\1\0\0\0\2\0\0\0", 12);
-    block += text("Net/ThemeName", "Yaru");
-    block += std::string("\0\0\27\0", 4) + name + '\0' + std::string(4, '\0') +
-             std::string("\2\0\0\0", 4);
-    EXPECT_EQ(integerSetting(block, name), 2);
+std::string number(std::size_t value) {
+    return {static_cast<char>(value), '\0', '\0', '\0'};
+}
+std::string padded(const std::string& text) {
+    return text + std::string((4 - text.size() % 4) % 4, '\0');
+}
+std::string entryHead(char type, const std::string& name) {
+    return std::string{type, '\0', static_cast<char>(name.size()), '\0'} + padded(name) + number(0);
+}
+std::string textEntry(const std::string& name, const std::string& value) {
+    return entryHead(1, name) + number(value.size()) + padded(value);
+}
+std::string integerEntry(const std::string& name, std::size_t value) {
+    return entryHead(0, name) + number(value);
+}
+std::string settingsBlock(const std::vector<std::string>& entries) {
+    std::string block = number(0) + number(1) + number(entries.size());
+    for (const auto& entry : entries) {
+        block += entry;
+    }
+    return block;
+}
+
+TEST(DesktopSettingsTest, AreReadFromTheBlockAndNothingBeyondIt) {
+    const auto block = settingsBlock({entryHead(2, "A/Color") + std::string(8, '\7'),
+                                      textEntry("Net/ThemeName", "Yaru"),
+                                      integerEntry("Gdk/WindowScalingFactor", 2)});
+    EXPECT_EQ(integerSetting(block, "Gdk/WindowScalingFactor"), 2);
+    EXPECT_EQ(textSetting(block, "Net/ThemeName"), "Yaru");
+    EXPECT_EQ(textSetting(block, "Gdk/WindowScalingFactor"), std::nullopt);
+    EXPECT_EQ(integerSetting(block, "Net/ThemeName"), std::nullopt);
+    EXPECT_EQ(integerSetting(block, "A/Color"), std::nullopt);
     EXPECT_EQ(integerSetting(block, "Gtk/Other"), std::nullopt);
     for (std::size_t length = 0; length < block.size(); ++length) {
-        EXPECT_EQ(integerSetting(std::string_view(block).substr(0, length), name), std::nullopt);
+        EXPECT_EQ(
+            integerSetting(std::string_view(block).substr(0, length), "Gdk/WindowScalingFactor"),
+            std::nullopt);
     }
-    EXPECT_EQ(integerSetting(std::string(12, '\xFF'), name), std::nullopt);
+    EXPECT_EQ(integerSetting(std::string(12, '\xFF'), "Gtk/Other"), std::nullopt);
+}
+
+TEST(CursorThemeTest, IsWhatTheFirstSourceSaysThatHasAWordOnIt) {
+    const auto block = settingsBlock(
+        {textEntry("Gtk/CursorThemeName", "Yaru"), integerEntry("Gtk/CursorThemeSize", 48)});
+    const auto blank = settingsBlock(
+        {textEntry("Gtk/CursorThemeName", ""), integerEntry("Gtk/CursorThemeSize", 0)});
+    const std::string_view resources = "Xcursor.theme:\tBreeze\nXcursor.size:\t36\nXft.dpi:\t144";
+    struct Case {
+        CursorSources sources;
+        CursorTheme theme;
+    };
+    const Case cases[] = {
+        {{block, resources, "DMZ-White", "24", {}}, {"Yaru", 48}},
+        {{blank, resources, "DMZ-White", "24", {}}, {"Breeze", 36}},
+        {{"", "Xft.dpi: 144", "DMZ-White", "24", {}}, {"DMZ-White", 24}},
+        {{"", "Xft.dpi: 144", "", "", {1920, 1080}}, {"", 32}},
+        {{"", "Xcursor.size: junk", "", "-1", {1920, 1080}}, {"", 22}},
+        {{"", "Xcursor.size: 1e9", "", "", {1920, 1080}}, {"", 512}},
+        {{"", "", "", "", {}}, {"", 1}},
+    };
+    for (const auto& [sources, theme] : cases) {
+        EXPECT_EQ(chooseCursorTheme(sources), theme);
+    }
 }
 
 TEST(ScreensTest, TakesTheRateFromTheMode) {

@@ -1,5 +1,7 @@
 #include "platform/freedesktop/login_manager.h"
 
+#include "platform/freedesktop/bus_probe.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -38,7 +40,8 @@ LoginManager::LoginManager(std::chrono::milliseconds retryInterval)
     : retryInterval_(retryInterval) {
     connect_.setSingleShot(true);
     connect_.setTimerType(Qt::VeryCoarseTimer);
-    connect(&connect_, &QTimer::timeout, this, [this] { connectToBus(); });
+    connect(&connect_, &QTimer::timeout, this,
+            [this] { askSystemBus(this, [this](bool answers) { reachBus(answers); }); });
     connect_.start(0);
 }
 
@@ -93,12 +96,13 @@ void LoginManager::loseBus() {
     connect_.start(retryInterval_);
 }
 
-void LoginManager::connectToBus() {
-    auto connection = QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName);
-    if (!connection.isConnected()) {
+void LoginManager::reachBus(bool answers) {
+    if (!answers ||
+        !QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName).isConnected()) {
         loseBus();
         return;
     }
+    auto connection = bus();
     connection.connect({}, localPath, localInterface, QStringLiteral("Disconnected"), this,
                        SLOT(loseBus()));
     connection.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"),

@@ -15,8 +15,9 @@ namespace vantrel {
 // returned and taken again when the machine is awake.
 //
 // Nothing here waits for an answer, and nothing depends on one: the bus is reached from the event
-// loop, and a bus or a login manager that is missing, appears later, or restarts is picked up when
-// it is there. If it goes while the machine is thought to sleep, the machine counts as awake.
+// loop, and a bus or a login manager that is missing, hangs, appears later, or restarts is picked
+// up when it is there. If it goes while the machine is thought to sleep, the machine counts as
+// awake.
 class LoginManager final : public QObject {
     Q_OBJECT
 
@@ -44,7 +45,7 @@ private:
         QDBusUnixFileDescriptor descriptor;
     };
 
-    void connectToBus();
+    void reachBus(bool answers);
     void askForOwner();
     void setOwner(const QString& owner);
     void take(DelayLock& lock);

@@ -24,12 +24,6 @@ struct ScaleSettings {
 [[nodiscard]] double toScale(const ScaleSettings& settings, std::string_view output,
                              std::size_t index);
 
-// Xft.dpi in the text of a resource database.
-[[nodiscard]] std::optional<double> fontDpiOf(std::string_view resources);
-// An integer of the settings block that desktops share, in its binary form; none when it is not
-// there or the block is damaged.
-[[nodiscard]] std::optional<int> integerSetting(std::string_view block, std::string_view name);
-
 // Reads the settings and watches them.
 class DesktopScale final : private EventHandler {
 public:
@@ -49,9 +43,5 @@ private:
     ScaleSettings settings_;
     Subscription events_;
 };
-
-// The whole of a property of bytes; empty when there is none.
-[[nodiscard]] std::string readBytes(const Connection& connection, xcb_window_t window,
-                                    xcb_atom_t property);
 
 } // namespace vantrel::x11

@@ -16,6 +16,8 @@ class X11Keyboard final : public Keyboard, private EventHandler {
 public:
     explicit X11Keyboard(Connection& connection);
     ~X11Keyboard() override;
+    X11Keyboard(const X11Keyboard&) = delete;
+    X11Keyboard& operator=(const X11Keyboard&) = delete;
 
     [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key,
                                                 std::uint32_t state) const override;

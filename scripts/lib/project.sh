@@ -9,7 +9,7 @@ build_packages=(
     qt6-base-dev qt6-svg-dev
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
     libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
-    libxkbcommon-dev libxkbcommon-x11-dev
+    libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev
     libplist-dev nlohmann-json3-dev
 )
 # Whether a display answers is asked with xdpyinfo.
@@ -21,7 +21,8 @@ desktop_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}"
-    dbus-daemon libgmock-dev libgtest-dev x11-xkb-utils x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy
+    dbus-daemon dmz-cursor-theme libgmock-dev libgtest-dev trayer x11-xkb-utils x11-xserver-utils
+    xcompmgr xserver-xorg-core xserver-xorg-video-dummy
 )
 demo_packages=(
     "${desktop_packages[@]}"

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <X11/keysym.h>
 
@@ -21,6 +22,9 @@ namespace vantrel::desktop {
 // The built program on a private server.
 class ProgramTest : public testing::Test {
 protected:
+    explicit ProgramTest(PrivateServer privateServer = PrivateServer::virtualScreen({800, 600}))
+        : server(std::move(privateServer)) {}
+
     ChildProcess start(const VantrelOptions& options = {}) {
         return startVantrel(server, VANTREL_PROGRAM, options);
     }
@@ -32,7 +36,7 @@ protected:
         return errors.starts_with("The X11 connection broke") ? "" : errors;
     }
 
-    PrivateServer server = PrivateServer::virtualScreen({800, 600});
+    PrivateServer server;
     XConnection watcher{server.display()};
     SyntheticInput input{server.display()};
 };

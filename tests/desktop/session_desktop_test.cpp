@@ -149,7 +149,7 @@ private:
     std::string name_ = "test";
     std::array<char*, 2> arguments_{name_.data(), nullptr};
     QCoreApplication application_{argumentCount_, arguments_.data()};
-    PrivateBus bus_;
+    PrivateBus bus_{privateBusSocket()};
 
 protected:
     MockLoginManager manager;

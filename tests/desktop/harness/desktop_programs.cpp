@@ -1,34 +1,13 @@
 #include "desktop/harness/desktop_programs.h"
 
 #include "desktop/harness/wait.h"
-#include "desktop/harness/x_connection.h"
 
 #include <chrono>
 #include <fstream>
-#include <functional>
 #include <stdexcept>
 
 namespace vantrel::desktop {
 namespace {
-
-ChildProcess start(const PrivateServer& server, const std::vector<std::string>& arguments,
-                   const std::function<bool()>& ready) {
-    const std::string& name = arguments.front();
-    const std::filesystem::path errors = server.folder() / (name + ".err");
-    ChildProcess process({.arguments = arguments,
-                          .environment = server.environment(),
-                          .output = server.folder() / (name + ".out"),
-                          .errors = errors});
-    bool running = true;
-    const bool reached = waitFor([&] {
-        running = process.running();
-        return !running || ready();
-    });
-    if (!reached || !running) {
-        throw std::runtime_error(name + " did not start: " + readFile(errors));
-    }
-    return process;
-}
 
 bool windowManagerIsThere(const XConnection& connection) {
     const auto window = connection.property(connection.root(), "_NET_SUPPORTING_WM_CHECK");
@@ -51,12 +30,6 @@ bool windowManagerAnswers(const XConnection& connection) {
     xcb_destroy_window(connection.get(), window);
     connection.sync();
     return managed;
-}
-
-bool hasOwner(const XConnection& connection, const std::string& selection) {
-    const auto cookie = xcb_get_selection_owner(connection.get(), connection.atom(selection));
-    const auto reply = ownReply(xcb_get_selection_owner_reply(connection.get(), cookie, nullptr));
-    return reply && reply->owner != XCB_NONE;
 }
 
 // What the sample configuration of the distribution switches on.
@@ -101,16 +74,42 @@ std::vector<std::string> commandFor(CompositingManager manager,
 
 } // namespace
 
+ChildProcess startDesktopProgram(const PrivateServer& server,
+                                 const std::vector<std::string>& arguments,
+                                 const std::function<bool()>& ready) {
+    const std::string& name = arguments.front();
+    const std::filesystem::path errors = server.folder() / (name + ".err");
+    ChildProcess process({.arguments = arguments,
+                          .environment = server.environment(),
+                          .output = server.folder() / (name + ".out"),
+                          .errors = errors});
+    bool running = true;
+    const bool reached = waitFor([&] {
+        running = process.running();
+        return !running || ready();
+    });
+    if (!reached || !running) {
+        throw std::runtime_error(name + " did not start: " + readFile(errors));
+    }
+    return process;
+}
+
+bool hasOwner(const XConnection& connection, const std::string& selection) {
+    const auto cookie = xcb_get_selection_owner(connection.get(), connection.atom(selection));
+    const auto reply = ownReply(xcb_get_selection_owner_reply(connection.get(), cookie, nullptr));
+    return reply && reply->owner != XCB_NONE;
+}
+
 ChildProcess startWindowManager(const PrivateServer& server) {
     const XConnection connection(server.display());
-    return start(server, {"openbox", "--sm-disable"},
-                 [&] { return windowManagerAnswers(connection); });
+    return startDesktopProgram(server, {"openbox", "--sm-disable"},
+                               [&] { return windowManagerAnswers(connection); });
 }
 
 ChildProcess startCompositingManager(const PrivateServer& server, CompositingManager manager) {
     const XConnection connection(server.display());
-    return start(server, commandFor(manager, server.folder()),
-                 [&] { return hasOwner(connection, "_NET_WM_CM_S0"); });
+    return startDesktopProgram(server, commandFor(manager, server.folder()),
+                               [&] { return hasOwner(connection, "_NET_WM_CM_S0"); });
 }
 
 } // namespace vantrel::desktop

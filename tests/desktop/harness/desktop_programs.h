@@ -1,11 +1,22 @@
 #pragma once
 
 #include "desktop/harness/private_server.h"
+#include "desktop/harness/x_connection.h"
+
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace vantrel::desktop {
 
 // Each starts the program on the server and returns once it is in charge; throws when it is not in
 // time.
+
+// The condition says when a program, searched for in PATH, is in charge.
+[[nodiscard]] ChildProcess startDesktopProgram(const PrivateServer& server,
+                                               const std::vector<std::string>& arguments,
+                                               const std::function<bool()>& ready);
+[[nodiscard]] bool hasOwner(const XConnection& connection, const std::string& selection);
 
 // openbox, with the distribution's settings.
 [[nodiscard]] ChildProcess startWindowManager(const PrivateServer& server);

@@ -51,15 +51,16 @@ ChildProcess startVantrel(const PrivateServer& server, const std::filesystem::pa
     for (const auto& [name, value] : options.environment) {
         environment[name] = value;
     }
+    std::erase_if(environment, [](const auto& variable) { return variable.second.empty(); });
     if (!options.preferences.is_null()) {
-        writePreferences(environment["XDG_CONFIG_HOME"], options.preferences);
+        writePreferences(environment.at("XDG_CONFIG_HOME"), options.preferences);
     }
     std::vector<std::string> arguments{program};
     arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
     return ChildProcess({.arguments = arguments,
                          .environment = environment,
-                         .output = server.folder() / "vantrel.out",
-                         .errors = server.folder() / "vantrel.err"});
+                         .output = server.folder() / (options.log + ".out"),
+                         .errors = server.folder() / (options.log + ".err")});
 }
 
 } // namespace vantrel::desktop

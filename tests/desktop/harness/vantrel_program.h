@@ -23,12 +23,13 @@ struct VantrelOptions {
     // What was stored by the time of the start; null: whatever is there, if anything.
     nlohmann::json preferences = preferencesShowing("highlight");
     std::vector<std::string> arguments{};
-    std::string display{};     // when it is not the server's own
-    Environment environment{}; // on top of the server's
+    std::string display{};       // when it is not the server's own
+    Environment environment{};   // on top of the server's; an empty variable is taken away
+    std::string log = "vantrel"; // of several programs at a time each needs one of its own
 };
 
 // The program on a server, with settings and home of its own. Returns at once; what it writes to
-// standard error goes to vantrel.err in the server's folder.
+// standard error goes to <log>.err in the server's folder.
 [[nodiscard]] ChildProcess startVantrel(const PrivateServer& server,
                                         const std::filesystem::path& program,
                                         const VantrelOptions& options = {});

@@ -31,6 +31,25 @@ std::vector<std::uint32_t> XConnection::property(xcb_window_t window,
     return {first, first + reply->value_len};
 }
 
+std::string XConnection::text(xcb_window_t window, const std::string& name) const {
+    const auto cookie =
+        xcb_get_property(get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024);
+    const auto reply = ownReply(xcb_get_property_reply(get(), cookie, nullptr));
+    if (!reply || reply->format != 8) {
+        return {};
+    }
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+std::string XConnection::atomName(xcb_atom_t atom) const {
+    const auto reply =
+        ownReply(xcb_get_atom_name_reply(get(), xcb_get_atom_name(get(), atom), nullptr));
+    if (!reply) {
+        return {};
+    }
+    return {xcb_get_atom_name_name(reply.get()), reply->name_len};
+}
+
 std::optional<std::uint8_t> XConnection::majorOpcode(const std::string& extension) const {
     const auto cookie =
         xcb_query_extension(get(), static_cast<std::uint16_t>(extension.size()), extension.c_str());

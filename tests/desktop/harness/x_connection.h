@@ -53,6 +53,9 @@ public:
     // The 32-bit values of a property; empty when it is not there.
     [[nodiscard]] std::vector<std::uint32_t> property(xcb_window_t window,
                                                       const std::string& name) const;
+    // The bytes of a property; empty when it is not there.
+    [[nodiscard]] std::string text(xcb_window_t window, const std::string& name) const;
+    [[nodiscard]] std::string atomName(xcb_atom_t atom) const;
     // The first number of an extension's requests.
     [[nodiscard]] std::optional<std::uint8_t> majorOpcode(const std::string& extension) const;
     // The visual with an alpha channel.

@@ -1,0 +1,142 @@
+#include "measurements.h"
+
+#include "tray_desktop.h"
+
+#include "desktop/harness/usage.h"
+#include "desktop/harness/vantrel_program.h"
+
+#include <sstream>
+
+namespace vantrel::bench {
+namespace {
+
+// The largest panel, and nothing that moves on its own while it is opened.
+void playNoClicks(const TrayDesktop& desktop) {
+    auto preferences = desktop::preferencesShowing("highlight");
+    preferences["click"]["style"] = "none";
+    desktop::writePreferences(desktop.bench.server.environment().at("XDG_CONFIG_HOME"),
+                              preferences);
+}
+
+// The first time that something is opened after a start, and the times after it.
+struct Openings {
+    Comparison first;
+    Comparison later;
+};
+
+struct OneStart {
+    Samples first;
+    Samples later;
+};
+
+using MeasureStart = std::function<OneStart(const TrayProgram&)>;
+
+Openings openingsInTurns(TrayDesktop& desktop, const Contenders& contenders, int starts,
+                         const MeasureStart& measure) {
+    playNoClicks(desktop);
+    const auto program = rehearse(desktop, contenders.programAsApplication, false);
+    const auto empty = rehearse(desktop, contenders.emptyTray, false);
+    Openings openings;
+    for (int i = 0; i < starts; ++i) {
+        const OneStart one = measure(program);
+        const OneStart other = measure(empty);
+        openings.first.program.push_back(one.first);
+        openings.first.floor.push_back(other.first);
+        openings.later.program.push_back(one.later);
+        openings.later.floor.push_back(other.later);
+    }
+    return openings;
+}
+
+OneStart popupOpenings(TrayDesktop& desktop, const TrayProgram& program, int later) {
+    const auto process = startInTray(desktop, program);
+    OneStart result{.first = {openPopup(desktop, program).count()}, .later = {}};
+    for (int i = 0; i < later; ++i) {
+        closePopup(desktop, program);
+        result.later.push_back(openPopup(desktop, program).count());
+    }
+    return result;
+}
+
+OneStart windowOpenings(TrayDesktop& desktop, const TrayProgram& program, int later) {
+    const auto process = startInTray(desktop, program);
+    const auto openOnce = [&] {
+        openPopup(desktop, program);
+        const double time = openWindow(desktop, program).count();
+        closeWindow(desktop, program);
+        return time;
+    };
+    OneStart result{.first = {openOnce()}, .later = {}};
+    for (int i = 0; i < later; ++i) {
+        result.later.push_back(openOnce());
+    }
+    return result;
+}
+
+struct Usage {
+    std::uint64_t memory = 0;
+    desktop::ServerResources resources{};
+};
+
+Usage usageAfter(TrayDesktop& desktop, const TrayProgram& program,
+                 const desktop::ChildProcess& process, int rounds) {
+    for (int i = 0; i < rounds; ++i) {
+        openPopup(desktop, program);
+        closePopup(desktop, program);
+        openPopup(desktop, program);
+        openWindow(desktop, program);
+        closeWindow(desktop, program);
+    }
+    return {.memory = desktop::proportionalBytes(process.pid()),
+            .resources = desktop::serverResources(desktop.bench.connection, process.pid())};
+}
+
+std::string describe(const Usage& before, const Usage& after) {
+    std::ostringstream text;
+    text << "memory " << before.memory / 1024 << " to " << after.memory / 1024 << " KiB, pixmaps "
+         << before.resources.pixmaps << " to " << after.resources.pixmaps << ", windows "
+         << before.resources.windows << " to " << after.resources.windows;
+    return text.str();
+}
+
+} // namespace
+
+Report measurePopup(const Contenders& contenders, const Effort& effort) {
+    TrayDesktop desktop;
+    const Openings openings =
+        openingsInTurns(desktop, contenders, effort.starts, [&](const TrayProgram& program) {
+            return popupOpenings(desktop, program, effort.openings);
+        });
+    return {.rows = {
+                summarize("click to panel, first / empty popup", "ms", openings.first, median, 4),
+                summarize("click to panel, later / empty popup", "ms", openings.later, median, 2)}};
+}
+
+Report measureSettings(const Contenders& contenders, const Effort& effort) {
+    TrayDesktop desktop;
+    const Openings openings =
+        openingsInTurns(desktop, contenders, effort.starts, [&](const TrayProgram& program) {
+            return windowOpenings(desktop, program, effort.openings);
+        });
+    return {
+        .rows = {
+            summarize("keys to settings, first / empty window", "ms", openings.first, median, 6),
+            summarize("keys to settings, later / empty window", "ms", openings.later, median, 2)}};
+}
+
+Report measureReopening(const Contenders& contenders, const Effort& effort) {
+    TrayDesktop desktop;
+    playNoClicks(desktop);
+    const auto program = rehearse(desktop, contenders.programAsApplication, false);
+    const auto process = startInTray(desktop, program);
+    const Usage before = usageAfter(desktop, program, process, effort.reopenings / 5);
+    const Usage after = usageAfter(desktop, program, process, effort.reopenings);
+    // Pages that the allocator took back and forth.
+    constexpr std::uint64_t tolerance = 512 * 1024;
+    return {.checks = {{.name = "opened and closed " + std::to_string(effort.reopenings) + " times",
+                        .met = after.memory <= before.memory + tolerance &&
+                               after.resources == before.resources,
+                        .found = describe(before, after)}}};
+}
+
+} // namespace vantrel::bench

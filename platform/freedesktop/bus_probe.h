@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+namespace vantrel {
+
+// Tells from the event loop whether the system bus answers: true when it says a first word, false
+// when there is none or it goes. One that takes connections and is silent is waited for; a
+// connection of the toolkit's would hold up the program until it speaks, and every other connection
+// with it. Nothing is told once the context is gone.
+//
+// Buses that are not at a local socket are not asked: true.
+void askSystemBus(QObject* context, const std::function<void(bool answers)>& answer);
+
+} // namespace vantrel

@@ -1,0 +1,53 @@
+#include "desktop/harness/private_bus.h"
+
+#include "desktop/harness/wait.h"
+
+#include <fstream>
+#include <stdexcept>
+
+namespace vantrel::desktop {
+namespace {
+
+// The distribution's own configuration would start the services of the machine.
+std::string configurationFor(const std::string& address) {
+    return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>)" +
+           address + R"(</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+}
+
+ChildProcess startBus(const std::filesystem::path& socket, const std::string& address) {
+    const auto beside = [&](const char* extension) {
+        return std::filesystem::path(socket.string() + extension);
+    };
+    std::filesystem::remove(socket);
+    std::ofstream(beside(".conf")) << configurationFor(address);
+    ChildProcess process({.arguments = {"dbus-daemon", "--config-file=" + beside(".conf").string(),
+                                        "--nofork", "--nopidfile", "--print-address"},
+                          .environment = minimalEnvironment(),
+                          .output = beside(".out"),
+                          .errors = beside(".err")});
+    // It tells its address once it listens.
+    if (!waitFor([&] { return !process.running() || readFile(beside(".out")).ends_with('\n'); }) ||
+        !process.running()) {
+        throw std::runtime_error("dbus-daemon did not start: " + readFile(beside(".err")));
+    }
+    return process;
+}
+
+} // namespace
+
+PrivateBus::PrivateBus(const std::filesystem::path& socket)
+    : address_("unix:path=" + socket.string()), process_(startBus(socket, address_)) {}
+
+} // namespace vantrel::desktop

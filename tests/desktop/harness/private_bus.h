@@ -1,0 +1,25 @@
+#pragma once
+
+#include "desktop/harness/child_process.h"
+
+#include <filesystem>
+#include <string>
+
+namespace vantrel::desktop {
+
+// A D-Bus bus for one test, which starts no services. It ends with this.
+class PrivateBus {
+public:
+    // Listens on a socket at that path, whose folder exists. Throws when it does not start.
+    explicit PrivateBus(const std::filesystem::path& socket);
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+    // Ends it before its time.
+    void stop() { process_.terminate(); }
+
+private:
+    std::string address_;
+    ChildProcess process_;
+};
+
+} // namespace vantrel::desktop

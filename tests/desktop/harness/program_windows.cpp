@@ -1,0 +1,144 @@
+#include "desktop/harness/program_windows.h"
+
+#include "desktop/harness/wait.h"
+
+#include <algorithm>
+
+namespace vantrel::desktop {
+namespace {
+
+template <typename T>
+bool agrees(const std::optional<T>& wanted, const T& found) {
+    return !wanted || *wanted == found;
+}
+
+std::optional<PixelRect> areaOf(const XConnection& connection, xcb_window_t window) {
+    const auto size = xcb_get_geometry(connection.get(), window);
+    const auto origin =
+        xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0);
+    const auto geometry = ownReply(xcb_get_geometry_reply(connection.get(), size, nullptr));
+    const auto place = ownReply(xcb_translate_coordinates_reply(connection.get(), origin, nullptr));
+    if (!geometry || !place) {
+        return {};
+    }
+    return PixelRect{place->dst_x, place->dst_y, geometry->width, geometry->height};
+}
+
+bool isViewable(const XConnection& connection, xcb_window_t window) {
+    const auto reply = ownReply(xcb_get_window_attributes_reply(
+        connection.get(), xcb_get_window_attributes(connection.get(), window), nullptr));
+    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+std::string typeOf(const XConnection& connection, xcb_window_t window) {
+    const auto types = connection.property(window, "_NET_WM_WINDOW_TYPE");
+    return types.empty() ? std::string() : connection.atomName(types.front());
+}
+
+std::string programOf(const XConnection& connection, xcb_window_t window) {
+    const std::string names = connection.text(window, "WM_CLASS");
+    return names.substr(0, names.find('\0'));
+}
+
+} // namespace
+
+bool WindowQuery::matches(const WindowState& window) const {
+    return window.program == program && agrees(title, window.title) && agrees(type, window.type) &&
+           agrees(width, window.area.width) && agrees(height, window.area.height);
+}
+
+std::optional<WindowState> stateOf(const XConnection& connection, xcb_window_t window) {
+    const auto area = areaOf(connection, window);
+    if (!area) {
+        return {};
+    }
+    return WindowState{.id = window,
+                       .area = *area,
+                       .visible = isViewable(connection, window),
+                       .program = programOf(connection, window),
+                       .title = connection.text(window, "_NET_WM_NAME"),
+                       .type = typeOf(connection, window)};
+}
+
+std::vector<xcb_window_t> windowsWithin(const XConnection& connection, xcb_window_t window) {
+    std::vector<xcb_window_t> found{window};
+    for (std::size_t next = 0; next < found.size(); ++next) {
+        const auto tree = ownReply(xcb_query_tree_reply(
+            connection.get(), xcb_query_tree(connection.get(), found[next]), nullptr));
+        if (tree) {
+            const auto* children = xcb_query_tree_children(tree.get());
+            found.insert(found.end(), children,
+                         children + xcb_query_tree_children_length(tree.get()));
+        }
+    }
+    return found;
+}
+
+std::vector<WindowState> visibleWindows(const XConnection& connection, const WindowQuery& query) {
+    std::vector<WindowState> found;
+    for (const xcb_window_t window : windowsWithin(connection, connection.root())) {
+        const auto state = programOf(connection, window) == query.program
+                               ? stateOf(connection, window)
+                               : std::nullopt;
+        if (state && state->visible && query.matches(*state)) {
+            found.push_back(*state);
+        }
+    }
+    return found;
+}
+
+std::optional<WindowState> waitForWindow(const XConnection& connection, const WindowQuery& query,
+                                         std::chrono::milliseconds limit) {
+    std::vector<WindowState> found;
+    const bool appeared = waitFor(
+        [&] {
+            found = visibleWindows(connection, query);
+            return !found.empty();
+        },
+        limit);
+    return appeared ? std::optional(found.front()) : std::nullopt;
+}
+
+bool waitUntilGone(const XConnection& connection, const WindowQuery& query,
+                   std::chrono::milliseconds limit) {
+    return waitFor([&] { return visibleWindows(connection, query).empty(); }, limit);
+}
+
+bool hasFocus(const XConnection& connection, xcb_window_t window) {
+    const auto reply = ownReply(xcb_get_input_focus_reply(
+        connection.get(), xcb_get_input_focus(connection.get()), nullptr));
+    return reply &&
+           std::ranges::count(windowsWithin(connection, window), xcb_window_t{reply->focus}) > 0;
+}
+
+PixelPoint centerOf(const PixelRect& area) {
+    return {area.x + area.width / 2, area.y + area.height / 2};
+}
+
+void clickIn(SyntheticInput& input, const WindowState& window, PixelPoint place, Button button) {
+    input.moveTo({window.area.x + place.x, window.area.y + place.y});
+    input.click(button);
+}
+
+bool typeIn(SyntheticInput& input, const XConnection& connection, const WindowState& window,
+            const std::vector<std::uint32_t>& keysyms) {
+    if (!waitFor([&] { return hasFocus(connection, window.id); })) {
+        return false;
+    }
+    input.typeChord(keysyms);
+    return true;
+}
+
+void requestClose(const XConnection& connection, const WindowState& window) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window.id;
+    message.type = connection.atom("WM_PROTOCOLS");
+    message.data.data32[0] = connection.atom("WM_DELETE_WINDOW");
+    xcb_send_event(connection.get(), 0, window.id, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&message));
+    connection.sync();
+}
+
+} // namespace vantrel::desktop

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDBusContext>
+#include <QObject>
+#include <QStringList>
+
+namespace vantrel::desktop {
+
+// What StatusNotifierHost answers programs with.
+class StatusNotifierWatcher : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
+    Q_PROPERTY(int ProtocolVersion READ protocolVersion)
+    Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ items)
+
+public:
+    [[nodiscard]] QStringList items() const { return items_; }
+    [[nodiscard]] bool isHostRegistered() const { return true; }
+    [[nodiscard]] int protocolVersion() const { return 0; }
+
+    Q_SLOT void RegisterStatusNotifierItem(const QString& service);
+    Q_SLOT void RegisterStatusNotifierHost(const QString& /*service*/) {}
+
+    Q_SIGNAL void StatusNotifierItemRegistered(const QString& service);
+    Q_SIGNAL void StatusNotifierHostRegistered();
+
+private:
+    QStringList items_;
+};
+
+} // namespace vantrel::desktop
