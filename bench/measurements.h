@@ -50,6 +50,9 @@ struct Effort {
 // an empty window of the same sizes.
 [[nodiscard]] Report measurePopup(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureSettings(const Contenders& contenders, const Effort& effort);
+// From injected motion to the first changed pixel while a slider of the panel is dragged, compared
+// with plain motion beside the open panel.
+[[nodiscard]] Report measureDrag(const Contenders& contenders, const Effort& effort);
 // What the program and the server hold after the panel and the settings were opened and closed
 // again and again.
 [[nodiscard]] Report measureReopening(const Contenders& contenders, const Effort& effort);

@@ -16,8 +16,9 @@ private:
     std::mt19937 random_{11};
 };
 
-// Milliseconds from injected motion to the first changed pixel, again and again. The pointer is
-// marked already.
-[[nodiscard]] Samples motionLatencies(BenchDesktop& desktop, int count);
+// Milliseconds from injected motion to the first changed pixel, again and again, within a part of
+// the screen where the bare desktop shows. The pointer is marked already.
+[[nodiscard]] Samples motionLatencies(BenchDesktop& desktop, int count,
+                                      const desktop::PixelRect& within = {100, 100, 1720, 880});
 
 } // namespace vantrel::bench

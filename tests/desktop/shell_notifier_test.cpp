@@ -1,0 +1,175 @@
+#include "desktop/harness/displays.h"
+#include "desktop/harness/status_notifier_host.h"
+#include "desktop/shell_fixture.h"
+
+#include <array>
+
+#include <QCoreApplication>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+// On a desktop whose panel shows status notifier items.
+class NotifierTest : public ShellTest {
+protected:
+    using ShellTest::ShellTest;
+
+    // Returns with its item in the panel.
+    ChildProcess startInPanel(const std::string& mode = "off") {
+        auto program = start({.preferences = preferencesShowing(mode),
+                              .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}});
+        EXPECT_TRUE(host->waitForItem());
+        return program;
+    }
+    [[nodiscard]] StatusNotifierItem item() const { return host->waitForItem().value(); }
+    [[nodiscard]] bool isDescribedAs(const std::string& text) const {
+        return waitFor([&] { return item().toolTip() == text; });
+    }
+
+private:
+    int argumentCount_ = 1;
+    std::string testName_ = "test";
+    std::array<char*, 2> arguments_{testName_.data(), nullptr};
+    QCoreApplication application_{argumentCount_, arguments_.data()};
+
+protected:
+    PrivateBus bus{server.folder() / "runtime" / "bus"};
+    std::optional<StatusNotifierHost> host{std::in_place, bus};
+};
+
+TEST_F(NotifierTest, TheItemTellsTheMode) {
+    const auto program = startInPanel();
+    EXPECT_TRUE(isDescribedAs("Vantrel off"));
+    const auto off = item().icons();
+    EXPECT_FALSE(off.empty());
+    typeShortcut('h');
+    EXPECT_TRUE(isDescribedAs("Vantrel highlight"));
+    EXPECT_NE(item().icons(), off);
+    typeShortcut('l');
+    EXPECT_TRUE(isDescribedAs("Vantrel laser"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(NotifierTest, TheItemComesBackWithThePanel) {
+    const auto program = startInPanel();
+    host.reset();
+    typeShortcut('h');
+    ASSERT_TRUE(stores("highlight"));
+    host.emplace(bus);
+    EXPECT_TRUE(isDescribedAs("Vantrel highlight"));
+    EXPECT_TRUE(item().activate({640, 890}));
+    EXPECT_TRUE(shown(popover));
+}
+
+TEST_F(NotifierTest, APanelThatStartsLaterGetsTheItem) {
+    host.reset();
+    const auto program = start({.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}});
+    ASSERT_TRUE(shown(overlay));
+    host.emplace(bus);
+    EXPECT_TRUE(isDescribedAs("Vantrel highlight"));
+}
+
+TEST_F(NotifierTest, ActivationOpensThePopoverNearThePointerAndClosesItAgain) {
+    const auto program = startInPanel();
+    for (const PixelPoint place : {PixelPoint{640, 5}, PixelPoint{1275, 895}, PixelPoint{3, 895}}) {
+        input.moveTo(place);
+        ASSERT_TRUE(item().activate(place));
+        const auto opened = shown(popover);
+        ASSERT_TRUE(opened);
+        ASSERT_TRUE(getsFocus(*opened));
+        const PixelRect area = stateOf(watcher, opened->id)->area;
+        EXPECT_TRUE(contains({0, 0, 1280, 900}, area));
+        EXPECT_TRUE(contains({area.x - 16, area.y - 16, area.width + 32, area.height + 32},
+                             {place.x, place.y, 1, 1}));
+        ASSERT_TRUE(item().activate(place));
+        EXPECT_TRUE(isGone(popover));
+    }
+}
+
+TEST_F(NotifierTest, TheMenuDoesEverything) {
+    auto program = startInPanel();
+    ASSERT_TRUE(waitFor([&] { return !item().menu().empty(); }));
+    std::vector<std::string> labels;
+    for (const MenuEntry& entry : item().menu()) {
+        labels.push_back(entry.label);
+    }
+    EXPECT_THAT(labels, ElementsAre("Off", "Highlight", "Laser", "", "Show Panel", "Settings…",
+                                    "About Vantrel", "Help", "", "Quit"));
+    const std::vector<std::pair<std::string, std::string>> modes{
+        {"Highlight", "highlight"}, {"Laser", "laser"}, {"Off", "off"}};
+    for (const auto& [label, mode] : modes) {
+        EXPECT_TRUE(item().choose(label));
+        EXPECT_TRUE(stores(mode)) << mode;
+        const auto isChecked = [&](const MenuEntry& entry) {
+            return entry.label == label ? entry.checked == true : entry.checked != true;
+        };
+        EXPECT_TRUE(waitFor([&] { return std::ranges::all_of(item().menu(), isChecked); }))
+            << label;
+    }
+    EXPECT_TRUE(item().choose("Show Panel"));
+    EXPECT_TRUE(shown(popover));
+    EXPECT_TRUE(item().choose("Settings…"));
+    const auto window = shown(settings);
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(isGone(popover));
+    EXPECT_TRUE(item().choose("Help"));
+    EXPECT_TRUE(shown(help));
+    requestClose(watcher, *window);
+    EXPECT_TRUE(isGone(settings));
+    EXPECT_TRUE(item().choose("About Vantrel"));
+    const auto again = shown(settings);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->area, window->area);
+    EXPECT_TRUE(item().choose("Quit"));
+    EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(NotifierTest, TheProgramGoesOnWithoutItsBus) {
+    auto program = startInPanel();
+    host.reset();
+    bus.stop();
+    for (const auto& [letter, mode] : {std::pair('h', "highlight"), std::pair('l', "laser")}) {
+        typeShortcut(letter);
+        EXPECT_TRUE(stores(mode));
+    }
+    EXPECT_EQ(start({.preferences = nullptr, .log = "second"}).wait(5s), (ExitStatus{.code = 0}));
+    EXPECT_TRUE(shown(settings));
+    EXPECT_TRUE(program.running());
+}
+
+class UnpluggedDisplayTest : public NotifierTest {
+protected:
+    UnpluggedDisplayTest() : NotifierTest(PrivateServer::virtualOutputs()) {}
+};
+
+TEST_F(UnpluggedDisplayTest, TakesThePopoverAwayAndNothingElse) {
+    const Output first{.size = {1280, 900}};
+    setOutputs(watcher, {first, {.size = {1280, 900}, .position = {1280, 0}}});
+    auto program = startInPanel("highlight");
+    input.moveTo({2500, 890});
+    ASSERT_TRUE(item().activate({2500, 890}));
+    const auto opened = shown(popover);
+    ASSERT_TRUE(opened);
+    EXPECT_TRUE(waitFor([&] {
+        const auto state = stateOf(watcher, opened->id);
+        return state && contains({1280, 0, 1280, 900}, state->area);
+    }));
+    setOutputs(watcher, {first});
+    EXPECT_TRUE(isGone(popover));
+    input.moveTo({640, 5});
+    ASSERT_TRUE(item().activate({640, 5}));
+    const auto again = shown(popover);
+    ASSERT_TRUE(again);
+    EXPECT_TRUE(waitFor([&] {
+        const auto state = stateOf(watcher, again->id);
+        return state && contains({0, 0, 1280, 900}, state->area);
+    }));
+    EXPECT_TRUE(program.running());
+}
+
+} // namespace
+} // namespace vantrel::desktop
