@@ -80,8 +80,6 @@ int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc
     int toolkitArgc = std::min(argc, 1);
     const QApplication application(toolkitArgc, argv);
     vantrel::installPlainStyle();
-    QApplication::setWindowIcon(
-        QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
     Program program(connection, instance, arguments);
     serverLoss.setProgram(&program);
     signals.deliverTo([] { QCoreApplication::exit(); });

@@ -2,7 +2,10 @@
 
 #include "ui/components/pictogram.h"
 
+#include <QIconEngine>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace vantrel {
 
@@ -20,27 +23,51 @@ std::string_view statusSymbol(CursorMode mode) {
     return {};
 }
 
-QPixmap edged(std::string_view symbol, int side) {
-    const double edge = side / 22.0;
-    const QPixmap dark = pictogram(symbol, side, QColor(0, 0, 0, 110), 1);
-    QPixmap picture(side, side);
-    picture.fill(Qt::transparent);
+QPixmap tinted(QPixmap picture, const QColor& color) {
     QPainter painter(&picture);
-    for (const QPointF to : {QPointF(1, 0), {-1, 0}, {0, 1}, {0, -1}}) {
-        painter.drawPixmap(to * edge, dark);
-    }
-    painter.drawPixmap(0, 0, pictogram(symbol, side, QColor(0xF4, 0xF4, 0xF6), 1));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(picture.rect(), color);
     return picture;
 }
+
+// Draws what a tray asks for when it asks.
+class StatusIconEngine final : public QIconEngine {
+public:
+    explicit StatusIconEngine(CursorMode mode) : symbol_(statusSymbol(mode)) {}
+
+    [[nodiscard]] QIconEngine* clone() const override { return new StatusIconEngine(*this); }
+    QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        return {{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}};
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paint(&painter, QRect({}, size), mode, state);
+        return picture;
+    }
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode /*mode*/,
+               QIcon::State /*state*/) override {
+        const int side = std::min(rect.width(), rect.height());
+        const double ratio = painter->device()->devicePixelRatio();
+        const QPixmap light = pictogram(symbol_, side, QColor(0xF4, 0xF4, 0xF6), ratio);
+        const QPixmap dark = tinted(light, QColor(0, 0, 0, 150));
+        const double edge = side / 22.0;
+        const QPointF corner = rect.topLeft();
+        for (const QPointF to : {QPointF(1, 0), {-1, 0}, {0, 1}, {0, -1}}) {
+            painter->drawPixmap(corner + to * edge, dark);
+        }
+        painter->drawPixmap(corner, light);
+    }
+
+private:
+    std::string_view symbol_;
+};
 
 } // namespace
 
 QIcon statusIcon(CursorMode mode) {
-    QIcon icon;
-    for (const int side : {16, 22, 24, 32, 48}) {
-        icon.addPixmap(edged(statusSymbol(mode), side));
-    }
-    return icon;
+    return QIcon(new StatusIconEngine(mode));
 }
 
 std::string statusDescription(CursorMode mode) {

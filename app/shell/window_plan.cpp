@@ -2,6 +2,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -47,6 +48,10 @@ WindowPlan planOf(AppWindow window) {
 }
 
 std::unique_ptr<QWidget> makeWindow(QSize contentSize, QWidget* content) {
+    if (QGuiApplication::windowIcon().isNull()) {
+        QGuiApplication::setWindowIcon(
+            QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
+    }
     auto window = std::make_unique<ContentWindow>(contentSize, content);
     const auto* screen = QGuiApplication::screenAt(QCursor::pos());
     const QRect available =

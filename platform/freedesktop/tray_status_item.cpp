@@ -23,7 +23,9 @@ bool sameKind(const MenuEntry& a, const MenuEntry& b) {
 
 TrayStatusItem::TrayStatusItem(SystemTray& tray)
     : tray_(tray), trayChanges_(tray.onChange([this] { makeWhenPossible(); })) {
-    lookForHost();
+    // What the program shows on the screen comes first.
+    QMetaObject::invokeMethod(
+        this, [this] { lookForHost(); }, Qt::QueuedConnection);
 }
 
 void TrayStatusItem::lookForHost() {

@@ -5,17 +5,29 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <optional>
+
 namespace vantrel {
 
 namespace {
 
 constexpr auto roleProperty = "vantrelAccessibleRole";
 
+std::optional<QAccessible::Role> roleOf(const QObject& object) {
+    const auto role = object.property(roleProperty);
+    return role.isValid() ? std::optional(static_cast<QAccessible::Role>(role.toInt()))
+                          : std::nullopt;
+}
+
 // Also of a button that chooses one of several things.
 class Described final : public QAccessibleWidget {
 public:
-    using QAccessibleWidget::QAccessibleWidget;
+    explicit Described(QWidget* widget) : QAccessibleWidget(widget) {}
 
+    // May have changed since the toolkit asked for this interface, which it keeps.
+    [[nodiscard]] QAccessible::Role role() const override {
+        return roleOf(*object()).value_or(QAccessible::NoRole);
+    }
     [[nodiscard]] QAccessible::State state() const override {
         auto state = QAccessibleWidget::state();
         if (const auto* choice = button()) {
@@ -61,16 +73,15 @@ public:
 };
 
 QAccessibleInterface* describe(const QString& /*className*/, QObject* object) {
-    const auto role = object->property(roleProperty);
+    const auto role = roleOf(*object);
     auto* widget = qobject_cast<QWidget*>(object);
-    if (!role.isValid() || widget == nullptr) {
+    if (!role || widget == nullptr) {
         return nullptr;
     }
-    const auto value = static_cast<QAccessible::Role>(role.toInt());
-    if (value == QAccessible::NoRole) {
+    if (*role == QAccessible::NoRole) {
         return new Decoration(widget);
     }
-    return new Described(widget, value);
+    return new Described(widget);
 }
 
 void mark(QWidget* widget, QAccessible::Role role) {

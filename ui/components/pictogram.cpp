@@ -68,14 +68,6 @@ QPixmap pictogram(std::string_view name, int side, const QColor& color, double d
     return picture;
 }
 
-QIcon pictogramIcon(std::string_view name, const QColor& color) {
-    QIcon icon;
-    for (const int side : {16, 22, 24, 32, 48, 64}) {
-        icon.addPixmap(pictogram(name, side, color, 1));
-    }
-    return icon;
-}
-
 Symbol::Symbol(std::string_view name, int fontSize, Tone tone) : name_(name), tone_(tone) {
     setFixedSize(pictogramSide(fontSize), pictogramSide(fontSize));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

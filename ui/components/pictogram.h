@@ -2,7 +2,6 @@
 
 #include "ui/components/style.h"
 
-#include <QIcon>
 #include <QPixmap>
 #include <QWidget>
 
@@ -22,8 +21,6 @@ enum class SymbolWeight : unsigned char { regular, bold };
 [[nodiscard]] QPixmap pictogram(std::string_view name, int side, const QColor& color,
                                 double devicePixelRatio,
                                 SymbolWeight weight = SymbolWeight::regular);
-// In the sizes that trays and menus ask for.
-[[nodiscard]] QIcon pictogramIcon(std::string_view name, const QColor& color);
 
 // A pictogram as a part of a view. Screen readers do not see it.
 class Symbol : public QWidget {
