@@ -61,7 +61,10 @@ void TrayStatusItem::makeWhenPossible() {
     item_ = std::make_unique<QSystemTrayIcon>(image_);
     connect(item_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger && action_) {
+                // The second of two quick clicks is one as well.
+                const bool clicked =
+                    reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick;
+                if (clicked && action_) {
                     action_();
                 }
             });

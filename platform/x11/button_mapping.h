@@ -9,9 +9,10 @@ namespace vantrel::x11 {
 
 // A button that went down, as a raw event tells of it.
 struct RawPress {
-    std::uint16_t device = 0; // the pointer that it moves; 0 for a button without mapping
-    std::uint16_t source = 0; // the mouse itself; 0 likewise
-    std::uint32_t button = 0; // by its place on the mouse
+    std::uint16_t device = 0;   // the pointer that it moves; 0 for a button without mapping
+    std::uint16_t source = 0;   // the mouse itself; 0 likewise
+    std::uint32_t button = 0;   // by its place on the mouse
+    std::uint32_t sequence = 0; // of the last request that the server had carried out by then
 };
 
 // Which button a press is to whoever uses the mouse, a left-handed person for instance. A device

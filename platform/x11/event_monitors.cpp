@@ -31,14 +31,16 @@ X11EventMonitors::X11EventMonitors(Connection& connection, X11Pointer& pointer)
 
 std::optional<EventMonitors::Token> X11EventMonitors::addGlobal(EventMask mask,
                                                                 GlobalHandler handler) {
-    global_.push_back({++lastToken_, mask, std::move(handler)});
+    newest_ = xcb_no_operation(connection_.xcb()).sequence;
+    global_.push_back({++lastToken_, mask, newest_, std::move(handler)});
     select();
     return lastToken_;
 }
 
 std::optional<EventMonitors::Token> X11EventMonitors::addLocal(EventMask mask,
                                                                LocalHandler handler) {
-    local_.push_back({++lastToken_, mask, std::move(handler)});
+    newest_ = xcb_no_operation(connection_.xcb()).sequence;
+    local_.push_back({++lastToken_, mask, newest_, std::move(handler)});
     select();
     return lastToken_;
 }
@@ -119,7 +121,7 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
 void X11EventMonitors::notePress(const xcb_generic_event_t& event) {
     const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
     if (!isWheel(press.detail)) {
-        presses_.push_back({press.deviceid, press.sourceid, press.detail});
+        presses_.push_back({press.deviceid, press.sourceid, press.detail, event.full_sequence});
     }
 }
 
@@ -131,7 +133,7 @@ void X11EventMonitors::noteFinger(const xcb_generic_event_t& event) {
         return;
     }
     if (fingers_.empty()) {
-        presses_.push_back({.button = leftButton});
+        presses_.push_back({.button = leftButton, .sequence = event.full_sequence});
     }
     fingers_.push_back(touch.detail);
 }
@@ -140,7 +142,7 @@ void X11EventMonitors::eventsDrained() {
     deliverPresses();
     if (std::exchange(moved_, false)) {
         const auto place = pointer_.lastLocation();
-        send({.type = EventType::mouseMoved, .locationInWindow = {place.x, place.y}});
+        send({.type = EventType::mouseMoved, .locationInWindow = {place.x, place.y}}, newest_);
     }
 }
 
@@ -157,24 +159,25 @@ void X11EventMonitors::deliverPresses() {
     for (const auto& press : presses) {
         const auto button = mapping.buttonOf(press);
         if (button == leftButton) {
-            sendPress(EventType::leftMouseDown, place);
+            sendPress(EventType::leftMouseDown, place, press.sequence);
         } else if (button == rightButton) {
-            sendPress(EventType::rightMouseDown, place);
+            sendPress(EventType::rightMouseDown, place, press.sequence);
         }
     }
 }
 
-void X11EventMonitors::sendPress(EventType type, GlobalPoint place) {
+void X11EventMonitors::sendPress(EventType type, GlobalPoint place, std::uint32_t sequence) {
     const auto* window = windowAt_ ? windowAt_(place) : nullptr;
     const auto origin = window != nullptr ? window->convertPointToScreen({}) : GlobalPoint{};
-    send({.type = type, .locationInWindow = toLocal(place, origin), .window = window});
+    send({.type = type, .locationInWindow = toLocal(place, origin), .window = window}, sequence);
 }
 
-void X11EventMonitors::send(const Event& event) {
+void X11EventMonitors::send(const Event& event, std::uint32_t sequence) {
     sending_ = true;
     // A monitor that is added meanwhile hears of the next event.
-    const auto wants = [&event, last = lastToken_](const auto& monitor) {
-        return (monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last;
+    const auto wants = [&event, sequence, last = lastToken_](const auto& monitor) {
+        return (monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last &&
+               static_cast<std::int32_t>(sequence - monitor.since) >= 0;
     };
     if (event.window == nullptr) {
         for (const auto& monitor : global_) {

@@ -13,7 +13,8 @@ namespace vantrel::x11 {
 // They are told of when all that had arrived was read: first the presses, in their order and each
 // with the place of the pointer, then the motion, once however many there were. A motion carries
 // the place of the last query, as the raw events have none and asking is for who needs it; it
-// always goes to the global monitors.
+// always goes to the global monitors. A monitor that is added hears of no press from before, such
+// as the one that led to it and waits to be read.
 class X11EventMonitors final : public EventMonitors, private EventHandler {
 public:
     // The window of this application that a press at the point goes to, null when there is none.
@@ -32,7 +33,8 @@ private:
     template <typename Handler>
     struct Monitor {
         Token token = 0;
-        EventMask mask = 0; // 0 once it was removed
+        EventMask mask = 0;      // 0 once it was removed
+        std::uint32_t since = 0; // the number of a request: presses before it are not for it
         Handler handler;
     };
 
@@ -42,14 +44,15 @@ private:
     void notePress(const xcb_generic_event_t& event);
     void noteFinger(const xcb_generic_event_t& event);
     void deliverPresses();
-    void sendPress(EventType type, GlobalPoint place);
-    void send(const Event& event);
+    void sendPress(EventType type, GlobalPoint place, std::uint32_t sequence);
+    void send(const Event& event, std::uint32_t sequence);
     void eraseRemoved();
 
     Connection& connection_;
     X11Pointer& pointer_;
     WindowAt windowAt_;
     Token lastToken_ = 0;
+    std::uint32_t newest_ = 0; // monitor's since
     // Lists, so that a handler may add a monitor while they are walked along.
     std::list<Monitor<GlobalHandler>> global_;
     std::list<Monitor<LocalHandler>> local_;
