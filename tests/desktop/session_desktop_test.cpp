@@ -26,8 +26,13 @@ protected:
         return configFolder() / ".Vantrel.preferences.v1.new";
     }
     void store(std::string_view bytes) const {
-        fs::create_directories(configFolder());
+        dismissWelcome();
         std::ofstream(document()) << bytes;
+    }
+    // Otherwise its window covers the place that is looked at.
+    void dismissWelcome() const {
+        fs::create_directories(configFolder());
+        std::ofstream(configFolder() / "welcomeDismissed") << "true";
     }
     // Returns once the program, which shows nothing, has read what is stored and holds its
     // shortcuts.
@@ -91,6 +96,7 @@ TEST_F(SavedModeTest, IsTheDefaultWhereNothingUsableIsStoredWhichStaysUntilTheNe
 
 TEST_F(SavedModeTest, IsLostAndNothingElseWhereItCannotBeStored) {
     fs::create_directories(document() / "something");
+    dismissWelcome();
     auto program = startAgainShowingNothing();
     typeShortcut('h');
     EXPECT_TRUE(shows("highlight"));
