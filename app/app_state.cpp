@@ -139,9 +139,8 @@ std::string AppState::title(CursorMode mode) const {
 
 void AppState::openLink(ReleaseLink link) {
     const auto url = releaseURL(desktop_.bundle, link);
-    if (url) {
-        desktop_.workspace.openUrl(*url);
-    } else if (openWindow) {
+    const bool opened = url && desktop_.workspace.openUrl(*url);
+    if (!opened && openWindow) {
         openWindow(AppWindow::help);
     }
 }

@@ -102,7 +102,7 @@ public:
     // Whether texts are shown in English now; in Chinese otherwise.
     [[nodiscard]] bool english() const;
     [[nodiscard]] std::string title(CursorMode mode) const;
-    // Opens the link, or the help window when there is none.
+    // Opens the link, or the help window when there is none or nothing that opens it.
     void openLink(ReleaseLink link);
 
     // Shows a window; installed by whoever has windows.

@@ -3,6 +3,7 @@
 #include "motion_latencies.h"
 #include "tray_desktop.h"
 
+#include "desktop/harness/vantrel_program.h"
 #include "desktop/harness/wait.h"
 
 #include <algorithm>
@@ -49,6 +50,9 @@ desktop::PixelRect dragArea(const TrayProgram& program) {
 }
 
 Samples latencies(TrayDesktop& desktop, const TrayProgram& program, bool dragging, int count) {
+    // Every drag ends at the same place.
+    desktop::writePreferences(desktop.bench.server.environment().at("XDG_CONFIG_HOME"),
+                              desktop::preferencesShowing("highlight"));
     const auto process = startInTray(desktop, program);
     openPopup(desktop, program);
     const double former = storedDiameter(desktop);

@@ -9,6 +9,13 @@ namespace {
 
 constexpr std::uint16_t escapeKey = 53;
 constexpr std::uint16_t backspaceKey = 51;
+constexpr std::uint16_t forwardDeleteKey = 117;
+
+// With modifiers, the key that has "Delete" on it can be a shortcut.
+bool clears(const KeyPress& press) {
+    return press.keyCode == backspaceKey ||
+           (press.keyCode == forwardDeleteKey && press.modifierFlags == 0);
+}
 
 bool isPlain(const QKeyEvent& event) {
     return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
@@ -119,7 +126,7 @@ void ShortcutButton::handlePress(const KeyPress& press) {
     if (press.keyCode == escapeKey) {
         cancel();
         clearFocus();
-    } else if (press.keyCode == backspaceKey) {
+    } else if (clears(press)) {
         stop();
         report(std::nullopt);
     } else if (const auto shortcut = Shortcut::fromKeyPress(press)) {

@@ -26,8 +26,8 @@ private:
 };
 
 // Shows a shortcut. Once it is clicked, the next combination of keys with Control, Option or
-// Command is the new one; Escape cancels, and Backspace clears it. Recording also ends, with
-// nothing changed, when the button loses the focus.
+// Command is the new one; Escape cancels, and Backspace or Delete clears it. Recording also
+// ends, with nothing changed, when the button loses the focus.
 class ShortcutButton : public QPushButton {
 public:
     // Both must outlive the button.

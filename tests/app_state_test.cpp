@@ -2,6 +2,8 @@
 #include "headless_fixture.h"
 #include "preferences/preference_encoding.h"
 
+#include <fstream>
+
 namespace vantrel {
 namespace {
 
@@ -253,6 +255,18 @@ TEST_F(AppStateTest, ShowsTheHelpInsteadOfALinkThatIsNotThere) {
     state->openLink(ReleaseLink::terms);
     EXPECT_EQ(opened, std::vector{AppWindow::help});
     EXPECT_TRUE(desktop.workspace.opened.empty());
+}
+
+TEST_F(AppStateTest, ShowsTheHelpWhereNothingOpensALink) {
+    const auto links = std::filesystem::path(testing::TempDir()) / "links of one test.plist";
+    std::ofstream(links) << "<plist><dict><key>TermsURL</key>"
+                            "<string>https://example.org/terms</string></dict></plist>";
+    desktop.bundle.resources["ReleaseConfiguration.plist"] = links;
+    state->openLink(ReleaseLink::terms);
+    EXPECT_TRUE(opened.empty());
+    desktop.workspace.opensUrls = false;
+    state->openLink(ReleaseLink::terms);
+    EXPECT_EQ(opened, std::vector{AppWindow::help});
 }
 
 } // namespace

@@ -21,6 +21,7 @@ enum Key : std::uint32_t {
     space,
     enter,
     f3,
+    forwardDelete,
     shiftKey,
     odd
 };
@@ -30,10 +31,10 @@ constexpr auto controlOption = keyflag::control | keyflag::option;
 class ShortcutRecorderTest : public ViewTest {
 protected:
     void SetUp() override {
-        desktop.keyboard.keys = {{j, {38, "j"}},          {q, {12, "q"}},
-                                 {seven, {26, "&"}},      {escape, {53, "\x1B"}},
-                                 {backspace, {51, "\b"}}, {tab, {48, "\t"}},
-                                 {space, {49, " "}},      {f3, {99, std::nullopt}}};
+        desktop.keyboard.keys = {
+            {j, {38, "j"}},         {q, {12, "q"}},           {seven, {26, "&"}},
+            {escape, {53, "\x1B"}}, {backspace, {51, "\b"}},  {tab, {48, "\t"}},
+            {space, {49, " "}},     {f3, {99, std::nullopt}}, {forwardDelete, {117, std::nullopt}}};
         desktop.keyboard.modifiers = {shiftKey};
         open();
     }
@@ -96,6 +97,15 @@ TEST_F(ShortcutRecorderTest, TakesTheNextCombinationAndWritesItOnce) {
         EXPECT_FALSE(recorder->hasFocus());
     }
     EXPECT_EQ(desktop.alertSound.beeps, 0);
+}
+
+TEST_F(ShortcutRecorderTest, TheDeleteKeyAloneClearsAndIsAKeyLikeOthersWithModifiers) {
+    click();
+    press(forwardDelete, keyflag::control);
+    EXPECT_EQ(shortcut(), (Shortcut{117, modifier::control, "⌃117"}));
+    click();
+    press(forwardDelete, 0);
+    EXPECT_EQ(shortcut(), std::nullopt);
 }
 
 TEST_F(ShortcutRecorderTest, EscapeCancelsAndBackspaceClearsWhateverIsHeld) {
