@@ -10,6 +10,17 @@
 
 namespace vantrel {
 
+namespace {
+
+QColor laidOver(const QColor& below, const QColor& color, float opacity) {
+    const auto mixed = [opacity](float a, float b) { return a + (b - a) * opacity; };
+    return QColor::fromRgbF(mixed(below.redF(), color.redF()),
+                            mixed(below.greenF(), color.greenF()),
+                            mixed(below.blueF(), color.blueF()));
+}
+
+} // namespace
+
 VantrelBackground::VantrelBackground(QWidget* content) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -46,13 +57,12 @@ void VantrelBackground::keyPressEvent(QKeyEvent* event) {
 }
 
 void VantrelBackground::paintEvent(QPaintEvent* /*event*/) {
+    const auto window = palette().color(QPalette::Window);
     QLinearGradient gradient(0, 0, width(), height());
-    gradient.setColorAt(0, QColor::fromRgbF(0.0F, 0.48F, 1.0F, 0.08F));
-    gradient.setColorAt(0.5, Qt::transparent);
-    gradient.setColorAt(1, QColor::fromRgbF(1.0F, 0.8F, 0.0F, 0.04F));
-    QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
-    painter.fillRect(rect(), gradient);
+    gradient.setColorAt(0, laidOver(window, QColor::fromRgbF(0.0F, 0.48F, 1.0F), 0.08F));
+    gradient.setColorAt(0.5, window);
+    gradient.setColorAt(1, laidOver(window, QColor::fromRgbF(1.0F, 0.8F, 0.0F), 0.04F));
+    QPainter(this).fillRect(rect(), gradient);
 }
 
 } // namespace vantrel

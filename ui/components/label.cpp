@@ -12,7 +12,12 @@ Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) 
     setTextFormat(Qt::PlainText);
     setForegroundRole(QPalette::WindowText); // also on a button
     tint();
-    view.follow(this, [this, &view, wording] { setText(view.say(wording)); });
+    view.follow(this, [this, &view, wording] {
+        if (const QString said = view.say(wording); said != text()) {
+            heights_.clear();
+            setText(said);
+        }
+    });
 }
 
 void Label::setTone(Tone tone) {
@@ -34,7 +39,20 @@ Label* Label::centered() {
     return this;
 }
 
+int Label::heightForWidth(int width) const {
+    constexpr qsizetype mostHeights = 16;
+    if (heights_.size() >= mostHeights) {
+        heights_.clear();
+    }
+    auto known = heights_.find(width);
+    if (known == heights_.end()) {
+        known = heights_.insert(width, QLabel::heightForWidth(width));
+    }
+    return *known;
+}
+
 void Label::changeEvent(QEvent* event) {
+    heights_.clear(); // a font or a style
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange) {
         tint();
     }

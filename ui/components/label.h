@@ -3,6 +3,7 @@
 #include "ui/components/style.h"
 #include "ui/components/view_context.h"
 
+#include <QHash>
 #include <QLabel>
 
 namespace vantrel {
@@ -17,6 +18,8 @@ public:
     Label* wrapping();
     Label* centered();
 
+    [[nodiscard]] int heightForWidth(int width) const override;
+
 protected:
     void changeEvent(QEvent* event) override;
 
@@ -24,6 +27,9 @@ private:
     void tint();
 
     TextStyle style_;
+    // Of the text as it is: nested layouts ask for the same few again and again, and each answer
+    // takes laying the text out.
+    mutable QHash<int, int> heights_;
 };
 
 // One line, and as many lines as it needs.

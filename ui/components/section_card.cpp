@@ -7,7 +7,9 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QVBoxLayout>
+#include <qdrawutil.h>
 
 namespace vantrel {
 
@@ -18,7 +20,34 @@ constexpr int shadowRadius = 8;
 constexpr int shadowDrop = 3;
 constexpr double shadowOpacity = 0.025;
 
-// A stack of sheets, each fainter the farther it reaches.
+// Around a corner of the outermost sheet, to where its edges are straight.
+constexpr int cornerReach = 40;
+
+// A stack of sheets, each fainter the farther it reaches, no larger than its corners need.
+QPixmap shadowPicture(double ratio) {
+    constexpr int side = 2 * cornerReach + 1;
+    const auto key = QStringLiteral("shadow %1").arg(ratio);
+    QPixmap picture;
+    if (QPixmapCache::find(key, &picture)) {
+        return picture;
+    }
+    picture = QPixmap((QSizeF(side, side) * ratio).toSize());
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF outermost(0, 0, side, side);
+    for (int inset = 0; inset < 2 * shadowRadius; inset += 2) {
+        const double radius = cornerRadius + shadowRadius - inset;
+        painter.fillPath(
+            continuousRect(outermost.adjusted(inset, inset, -inset, -inset), radius),
+            QColor::fromRgbF(0, 0, 0, static_cast<float>(shadowOpacity / shadowRadius)));
+    }
+    painter.end();
+    QPixmapCache::insert(key, picture);
+    return picture;
+}
+
 class Shadow final : public QWidget {
 public:
     Shadow() {
@@ -28,15 +57,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
+        const QPixmap picture = shadowPicture(devicePixelRatio());
+        const int reach = qRound(cornerReach * devicePixelRatio());
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const QRectF outermost(rect());
-        for (int inset = 0; inset < 2 * shadowRadius; inset += 2) {
-            const double radius = cornerRadius + shadowRadius - inset;
-            painter.fillPath(
-                continuousRect(outermost.adjusted(inset, inset, -inset, -inset), radius),
-                QColor::fromRgbF(0, 0, 0, static_cast<float>(shadowOpacity / shadowRadius)));
-        }
+        qDrawBorderPixmap(&painter, rect(), {cornerReach, cornerReach, cornerReach, cornerReach},
+                          picture, picture.rect(), {reach, reach, reach, reach});
     }
 };
 
