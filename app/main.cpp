@@ -4,6 +4,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -20,7 +21,8 @@ constexpr auto usage =
     "  --help      show this text and exit\n"
     "  --version   show the version and exit\n"
     "\n"
-    "When it runs already on this display, starting it again opens the settings.\n";
+    "When it runs already on this display, starting it again brings its windows to the\n"
+    "front, or opens the settings.\n";
 
 constexpr std::chrono::seconds patience(5);
 

@@ -13,12 +13,16 @@ namespace vantrel {
 Program::Program(x11::Connection& connection, x11::Instance& instance,
                  std::span<const std::string> arguments)
     : connection_(connection),
+      instance_(instance),
       x11_(connection),
       loginItem_(runningExecutable()),
       delegate_(appDesktop(), viewDesktop(), shellDesktop()) {
     delegate_.applicationDidFinishLaunching(arguments);
     observeDesktop();
-    instance.setReopen([this](const std::vector<std::string>& again) { reopen(again); });
+    // Starts that came in the meantime have their turn after the launch.
+    mainQueue_.async([this] {
+        instance_.setReopen([this](const std::vector<std::string>& again) { reopen(again); });
+    });
 }
 
 Program::~Program() {
@@ -87,6 +91,7 @@ void Program::quit() {
 
 void Program::end() {
     if (!std::exchange(ended_, true)) {
+        instance_.setReopen({});
         delegate_.applicationWillTerminate();
         defaults_.flush();
     }

@@ -30,7 +30,7 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // What was changed is on disk afterwards, and nothing is on the screen.
+    // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
 
 private:
@@ -42,6 +42,7 @@ private:
     void quit();
 
     x11::Connection& connection_;
+    x11::Instance& instance_;
     x11::X11Desktop x11_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;

@@ -14,7 +14,6 @@ using ShortcutField = std::optional<Shortcut> AppPreferences::*;
 QWidget* recorder(ViewContext& view, const Text& title, ShortcutField field) {
     auto* recorder =
         new ShortcutRecorder(view, view.binding(field), Text{"Record shortcut", "录入快捷键"});
-    recorder->setFixedSize(160, 28);
     view.follow(recorder,
                 [recorder, &view, title] { recorder->setAccessibleName(view.say(title)); });
     return recorder;

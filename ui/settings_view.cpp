@@ -154,7 +154,7 @@ SettingsView::SettingsView(ViewContext& view)
           column(0, {header(view), row(0, {modeChoices(view, true)})->padded({20, 0, 20, 14}),
                      tabBar(view), divider(), pages(view, [this] { confirmReset(); })})),
       view_(view) {
-    setMinimumSize(520, 560);
+    setMinimumSize(minimumContentSize);
 }
 
 QMessageBox* SettingsView::resetAlert() const {

@@ -17,7 +17,6 @@ namespace vantrel {
 namespace {
 
 constexpr auto preferencesKey = "Vantrel.preferences.v1";
-constexpr auto welcomeKey = "welcomeDismissed";
 constexpr auto settingsShortcut = "Ctrl+,";
 
 } // namespace
@@ -46,7 +45,7 @@ void AppDelegate::launch(std::span<const std::string> arguments) {
     state_.startUp();
     if (std::ranges::find(arguments, settingsArgument) != arguments.end()) {
         open(AppWindow::settings);
-    } else if (!shell_.userDefaults.boolean(welcomeKey)) {
+    } else if (!shell_.userDefaults.boolean(welcomeDismissedKey)) {
         open(AppWindow::welcome);
     }
 }
@@ -68,10 +67,15 @@ void AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
         open(AppWindow::settings);
         return;
     }
+    QWidget* front = nullptr;
     for (const auto& [key, window] : windows_) {
         if (window->isVisible()) {
-            showActive(*window, shell_.activate);
+            window->raise();
+            front = window.get() == lastOpened_ || front == nullptr ? window.get() : front;
         }
+    }
+    if (front != nullptr) {
+        showActive(*front, shell_.activate);
     }
 }
 
@@ -95,6 +99,7 @@ void AppDelegate::open(AppWindow window) {
         place = makeWindow(size, makeContent(window).release());
         listenForShortcuts(*place);
     }
+    lastOpened_ = place.get();
     showActive(*place, shell_.activate);
 }
 

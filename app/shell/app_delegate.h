@@ -71,6 +71,7 @@ private:
     ViewContext view_;
     Popover popover_;
     std::map<std::string_view, std::unique_ptr<QWidget>> windows_;
+    const QWidget* lastOpened_ = nullptr; // of the windows
     std::vector<MenuEntry> shownMenu_;
     std::vector<Subscription> subscriptions_;
 };

@@ -18,12 +18,15 @@ namespace vantrel {
 
 namespace {
 
-// From a press that closes the popover to the desktop's word that the item was clicked.
-constexpr double clickDelay = 0.5; // seconds
-constexpr int clickRadius = 6;     // points
+// From a press that closes the popover to the desktop's word that the item was clicked, which may
+// come with the release.
+constexpr double clickDelay = 2; // seconds
+constexpr int clickRadius = 6;   // points
 
 constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown) |
                               maskOf(EventType::otherMouseDown);
+
+constexpr int frameWidth = 1; // points
 
 // Whether a window was opened from another one, such as a dialog of it.
 bool belongsTo(const QWidget* window, const QWidget& owner) {
@@ -46,7 +49,7 @@ Popover::Popover(EventMonitors& monitors, const Clock& clock)
       clock_(clock) {
     setWindowTitle(QStringLiteral("Vantrel"));
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(1, 1, 1, 1);
+    layout->setContentsMargins(frameWidth, frameWidth, frameWidth, frameWidth);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     const auto close = [this] { performClose(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, close);
@@ -54,7 +57,9 @@ Popover::Popover(EventMonitors& monitors, const Clock& clock)
 }
 
 Popover::~Popover() {
-    watchPresses();
+    if (presses_) {
+        monitors_.remove(*presses_);
+    }
 }
 
 void Popover::setContent(QWidget* content) {
@@ -67,7 +72,7 @@ void Popover::fitContent() {
         return;
     }
     settleLayout(*this);
-    if (const QSize size = layout()->sizeHint(); size.height() > 2) {
+    if (const QSize size = layout()->sizeHint(); size.height() > 2 * frameWidth) {
         setFixedSize(size);
     }
     if (isVisible()) {
@@ -77,6 +82,8 @@ void Popover::fitContent() {
 
 void Popover::placeAt(const std::optional<QRect>& item) {
     item_ = item.value_or(QRect(QCursor::pos(), QSize(1, 1)));
+    connect(&screenOf(item_), &QScreen::availableGeometryChanged, this, &Popover::performClose,
+            Qt::UniqueConnection);
     fitContent();
     place();
 }

@@ -11,7 +11,7 @@
 namespace vantrel {
 
 // A window that hangs at an item of the desktop and closes by itself: when a press goes elsewhere,
-// when it loses the keyboard, on Escape, and when a display comes or goes. It grabs nothing, so
+// when it loses the keyboard, on Escape, and when the displays change. It grabs nothing, so
 // shortcuts work and clicks reach what they were meant for. It is as large as its content wants.
 class Popover : public QWidget {
 public:

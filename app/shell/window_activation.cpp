@@ -3,6 +3,8 @@
 #include <QEvent>
 #include <QWindow>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -31,12 +33,14 @@ private:
 } // namespace
 
 void showActive(QWidget& window, const std::function<void(WId)>& activate) {
+    // A window on another workspace is known to the desktop, though it is not exposed.
+    const bool wasShown = window.isVisible() && !window.isMinimized();
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
     window.activateWindow();
     const auto now = [&window, activate] { activate(window.winId()); };
-    if (window.windowHandle()->isExposed()) {
+    if (wasShown || window.windowHandle()->isExposed()) {
         now();
     } else {
         new Exposure(*window.windowHandle(), now);

@@ -1,5 +1,7 @@
 #include "app/shell/window_plan.h"
 
+#include "ui/settings_view.h"
+
 #include <QCursor>
 #include <QGuiApplication>
 #include <QIcon>

@@ -17,10 +17,8 @@ struct WindowPlan {
 };
 [[nodiscard]] WindowPlan planOf(AppWindow window);
 
-inline constexpr QSize minimumContentSize(520, 560);
-
 // A window of the program around its content, in the middle of the screen that the pointer is on;
-// not shown yet.
+// not shown yet. It can be made as small as minimumContentSize.
 [[nodiscard]] std::unique_ptr<QWidget> makeWindow(QSize contentSize, QWidget* content);
 
 } // namespace vantrel

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <QActionGroup>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -89,7 +88,7 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
     entries_ = std::move(entries);
     if (!stays) {
         menu_.clear();
-        auto* choices = new QActionGroup(&menu_);
+        choices_ = std::make_unique<QActionGroup>(nullptr);
         for (std::size_t i = 0; i < entries_.size(); ++i) {
             auto* action = menu_.addAction(QString(), this, [this, i] {
                 const auto act = entries_[i].action; // which may lead to other entries
@@ -99,7 +98,7 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
             action->setSeparator(entries_[i].title.empty());
             if (entries_[i].checked) {
                 action->setCheckable(true);
-                choices->addAction(action);
+                choices_->addAction(action);
             }
         }
     }

@@ -3,6 +3,7 @@
 #include "platform/status_item.h"
 #include "platform/system_tray.h"
 
+#include <QActionGroup>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -40,6 +41,7 @@ private:
     std::function<void()> action_;
     std::vector<MenuEntry> entries_;
     QMenu menu_;
+    std::unique_ptr<QActionGroup> choices_; // entries of which one is checked
     std::unique_ptr<QSystemTrayIcon> item_;
     Subscription trayChanges_;
 };

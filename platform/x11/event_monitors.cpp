@@ -12,8 +12,9 @@ namespace {
 constexpr EventMask motionMask =
     maskOf(EventType::mouseMoved) | maskOf(EventType::leftMouseDragged) |
     maskOf(EventType::rightMouseDragged) | maskOf(EventType::otherMouseDragged);
-constexpr EventMask pressMask =
-    maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown);
+constexpr EventMask pressMask = maskOf(EventType::leftMouseDown) |
+                                maskOf(EventType::rightMouseDown) |
+                                maskOf(EventType::otherMouseDown);
 
 constexpr std::uint32_t leftButton = 1;
 constexpr std::uint32_t rightButton = 3;
@@ -158,11 +159,10 @@ void X11EventMonitors::deliverPresses() {
     const auto place = pointer_.location();
     for (const auto& press : presses) {
         const auto button = mapping.buttonOf(press);
-        if (button == leftButton) {
-            sendPress(EventType::leftMouseDown, place, press.sequence);
-        } else if (button == rightButton) {
-            sendPress(EventType::rightMouseDown, place, press.sequence);
-        }
+        const auto type = button == leftButton    ? EventType::leftMouseDown
+                          : button == rightButton ? EventType::rightMouseDown
+                                                  : EventType::otherMouseDown;
+        sendPress(type, place, press.sequence);
     }
 }
 

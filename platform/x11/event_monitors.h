@@ -22,7 +22,8 @@ public:
 
     X11EventMonitors(Connection& connection, X11Pointer& pointer);
 
-    // Until it is set, every press is taken for another application's.
+    // Until it is set, every press is taken for another application's. The program leaves it at
+    // that: it treats presses in its own windows like all others.
     void setWindowAt(WindowAt windowAt) { windowAt_ = std::move(windowAt); }
 
     std::optional<Token> addGlobal(EventMask mask, GlobalHandler handler) override;

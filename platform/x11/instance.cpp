@@ -4,6 +4,7 @@
 
 #include <poll.h>
 #include <string_view>
+#include <utility>
 
 namespace vantrel::x11 {
 
@@ -152,12 +153,15 @@ void Instance::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void Instance::eventsDrained() {
-    if (std::exchange(stale_, false) && reopen_) {
+    if (std::exchange(stale_, false)) {
         takeArguments();
     }
 }
 
 void Instance::takeArguments() {
+    if (!reopen_) {
+        return;
+    }
     for (const auto& arguments : decoded(takeBytes(connection_, window_.id()))) {
         reopen_(arguments);
     }

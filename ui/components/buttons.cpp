@@ -33,7 +33,9 @@ protected:
     // Enter works it too, though it does not look like the default button meanwhile.
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-            click();
+            if (!event->isAutoRepeat()) {
+                click();
+            }
         } else {
             QPushButton::keyPressEvent(event);
         }

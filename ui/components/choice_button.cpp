@@ -4,6 +4,7 @@
 #include "ui/components/stack.h"
 
 #include <QBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace vantrel {
@@ -28,6 +29,15 @@ ChoiceButton::ChoiceButton(ViewContext& view, const ChoiceRole& role, const Choi
 
 QSize ChoiceButton::sizeHint() const {
     return layout()->sizeHint();
+}
+
+void ChoiceButton::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!enter) {
+        QRadioButton::keyPressEvent(event);
+    } else if (!event->isAutoRepeat()) {
+        click();
+    }
 }
 
 bool ChoiceButton::hitButton(const QPoint& point) const {

@@ -34,6 +34,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     [[nodiscard]] bool hitButton(const QPoint& point) const override;
+    void keyPressEvent(QKeyEvent* event) override;
     void nextCheckState() override {}
 
 private:

@@ -100,7 +100,7 @@ QWidget* colorChoices(ViewContext& view, const Binding<EffectColor>& color, Pale
     }
     auto* well = new CustomColorWell(view, color, customName);
     view.follow(well, [well, color, palette] { well->setChecked(isCustom(color.get(), palette)); });
-    choices->add(well);
+    choices->add(row(0, {well})->padded({1, 0, 0, 0}));
     setAccessibleRole(choices, QAccessible::Grouping);
     view.follow(choices, [choices, &view] {
         choices->setAccessibleName(view.say(Text{"Color", "颜色"}));

@@ -38,7 +38,7 @@ CustomColorWell::CustomColorWell(ViewContext& view, const Binding<EffectColor>& 
     : view_(view),
       coordinator_(std::make_shared<Coordinator>(Coordinator{color, std::nullopt})),
       color_(toQColor(color.get())) {
-    setAutoDefault(false);
+    setAutoDefault(true); // Enter works it
     setCheckable(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, &CustomColorWell::openDialog);

@@ -6,7 +6,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr QSize minimumRecorderSize(160, 28);
+constexpr QSize recorderSize(160, 28);
 
 } // namespace
 
@@ -15,7 +15,7 @@ ShortcutRecorder::ShortcutRecorder(ViewContext& view,
                                    const Wording& recordingTitle)
     : ShortcutButton(view.desktop().keyboard, view.desktop().alertSound) {
     setFont(bodyText.font());
-    setMinimumSize(minimumRecorderSize);
+    setFixedSize(recorderSize);
     onShortcut = shortcut.set;
     view.follow(this, [this, &view, shortcut, recordingTitle] {
         const auto bound = shortcut.get();
