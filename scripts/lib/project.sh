@@ -29,7 +29,8 @@ demo_packages=(
     dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
 )
 check_packages=(
-    clang clang-format clang-tidy libbenchmark-dev libclang-rt-14-dev python3 shellcheck
+    clang clang-format clang-tidy desktop-file-utils libbenchmark-dev libclang-rt-14-dev python3
+    shellcheck
 )
 
 say() {
