@@ -95,7 +95,8 @@ desktop::WindowState Desk::window(desktop::PixelSize content) {
     return desktop::visibleWindows(stage_.connection(), query).at(0);
 }
 
-// A pointer that jumps away at once may take the click with it.
+// The pointer stays until the click has had its effect: the window manager holds a press back, and
+// gives it on where the pointer is by then.
 void Desk::click(const desktop::WindowState& window, desktop::PixelPoint place) {
     const auto before = desktop::captureScreen(stage_.connection(), window.area);
     desktop::clickIn(input_, window, place);
