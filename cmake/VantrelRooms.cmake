@@ -2,6 +2,8 @@
 # a folder of links that holds no other room's headers, so an include that a room may not use is not
 # found by the compiler.
 
+include_guard(GLOBAL)
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)

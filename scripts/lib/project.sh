@@ -1,4 +1,4 @@
-# Shared by scripts/run, scripts/test and .ci/run: the packages that each of them needs, and how the
+# Shared by the scripts and .ci/run: the packages that each of them needs, and how the
 # project is built.
 # shellcheck shell=bash disable=SC2034
 
@@ -14,7 +14,7 @@ build_packages=(
 )
 # Whether a display answers is asked with xdpyinfo.
 display_packages=(x11-utils)
-# The private desktop of the tests and the demo.
+# The private desktop of the tests, the demo and the screenshots.
 desktop_packages=(
     libxcb-res0-dev libxcb-xtest0-dev
     openbox picom xvfb
@@ -28,8 +28,13 @@ demo_packages=(
     "${desktop_packages[@]}"
     dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
 )
+screenshot_packages=(
+    "${desktop_packages[@]}"
+    dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
+)
 check_packages=(
-    clang clang-format clang-tidy libbenchmark-dev libclang-rt-14-dev python3 shellcheck
+    clang clang-format clang-tidy desktop-file-utils libbenchmark-dev libclang-rt-14-dev python3
+    shellcheck
 )
 
 say() {
@@ -88,4 +93,31 @@ build_release() {
     say 'Building Vantrel (release)'
     configure --preset release -DVANTREL_BENCHMARKS=OFF
     cmake --build "$project/build/release"
+}
+
+# build_tool <name>: the project tools/<name>, in build/<name>-tools.
+build_tool() {
+    say "Building tools/$1"
+    configure -S "$project/tools/$1" -B "$project/build/$1-tools" -G Ninja \
+        -DCMAKE_BUILD_TYPE=Release
+    cmake --build "$project/build/$1-tools"
+}
+
+# run_on_private_desktop <command> <argument>...: everything that the command starts and keeps lies
+# in one folder and ends with one process. Sets a trap; the last thing that a script does.
+run_on_private_desktop() {
+    scratch=$(mktemp --directory)
+    child=
+    trap 'rm -rf -- "$scratch"' EXIT
+    trap '[[ -z $child ]] || kill -TERM "$child" 2>/dev/null || true' INT TERM HUP
+    TMPDIR=$scratch XDG_RUNTIME_DIR=$scratch "$@" &
+    child=$!
+    local status=0
+    wait "$child" || status=$?
+    # A signal ends the wait before the command has ended.
+    while kill -0 "$child" 2>/dev/null; do
+        status=0
+        wait "$child" || status=$?
+    done
+    return "$status"
 }

@@ -197,7 +197,9 @@ QImage paintDesktop(const Caption& caption) {
     sky.setColorAt(1, QColor(0xA9, 0xBA, 0xCD));
     sheet.painter.fillRect(sheet.image.rect(), sky);
     paintShadows(sheet, {slideArea, editorArea});
-    paintCaption(sheet, caption);
+    if (!caption.title.isEmpty()) {
+        paintCaption(sheet, caption);
+    }
     return sheet.finished();
 }
 

@@ -20,6 +20,7 @@ inline constexpr int barCount = 4;
 // A bar of the chart, on the slide.
 [[nodiscard]] QRect barArea(int bar);
 
+// One without a title is not shown.
 struct Caption {
     QString title;
     QString detail;

@@ -1,14 +1,11 @@
 #include "recorder.h"
 
-#include "desktop/harness/screen_capture.h"
 #include "interruption.h"
+#include "pictures.h"
 
 #include <csignal>
 #include <stdexcept>
 #include <utility>
-
-#include <QPainter>
-#include <xcb/xfixes.h>
 
 namespace vantrel::demo {
 namespace {
@@ -38,21 +35,6 @@ desktop::ChildProcess startFilming(const desktop::PrivateServer& server,
                                   .errors = log});
 }
 
-// The pointer is no part of the screen's pixels.
-void paintPointer(const desktop::XConnection& connection, QImage& image) {
-    const auto version = desktop::ownReply(xcb_xfixes_query_version_reply(
-        connection.get(), xcb_xfixes_query_version(connection.get(), 4, 0), nullptr));
-    const auto pointer = desktop::ownReply(xcb_xfixes_get_cursor_image_reply(
-        connection.get(), xcb_xfixes_get_cursor_image(connection.get()), nullptr));
-    if (!version || !pointer) {
-        return;
-    }
-    const auto* pixels = xcb_xfixes_get_cursor_image_cursor_image(pointer.get());
-    const QImage shape(reinterpret_cast<const uchar*>(pixels), pointer->width, pointer->height,
-                       QImage::Format_ARGB32_Premultiplied);
-    QPainter(&image).drawImage(pointer->x - pointer->xhot, pointer->y - pointer->yhot, shape);
-}
-
 } // namespace
 
 Recorder::Recorder(const desktop::PrivateServer& server, std::filesystem::path video)
@@ -76,16 +58,6 @@ void Recorder::finish() {
     if (std::filesystem::file_size(video_, unreadable) == 0 || unreadable) {
         throw std::runtime_error("there is no video: " + desktop::readFile(log_));
     }
-}
-
-QImage photograph(const desktop::XConnection& connection) {
-    const desktop::Picture screen =
-        desktop::captureScreen(connection, {0, 0, stageSize.width(), stageSize.height()});
-    QImage image = QImage(reinterpret_cast<const uchar*>(screen.pixels.data()), stageSize.width(),
-                          stageSize.height(), QImage::Format_RGB32)
-                       .copy();
-    paintPointer(connection, image);
-    return image;
 }
 
 } // namespace vantrel::demo

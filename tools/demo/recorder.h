@@ -2,12 +2,8 @@
 
 #include "desktop/harness/child_process.h"
 #include "desktop/harness/private_server.h"
-#include "stage.h"
 
 #include <filesystem>
-#include <string>
-
-#include <QImage>
 
 namespace vantrel::demo {
 
@@ -23,8 +19,5 @@ private:
     std::filesystem::path log_;
     desktop::ChildProcess process_;
 };
-
-// The screen as it is now, with the pointer.
-[[nodiscard]] QImage photograph(const desktop::XConnection& connection);
 
 } // namespace vantrel::demo

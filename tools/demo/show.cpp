@@ -3,11 +3,10 @@
 #include "desktop/harness/desktop_programs.h"
 #include "desktop/harness/screen_capture.h"
 #include "interruption.h"
-#include "recorder.h"
+#include "photograph.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 
@@ -15,15 +14,6 @@ namespace vantrel::demo {
 namespace {
 
 constexpr desktop::PixelPoint start{1130, 560};
-
-// A server whose programs find the look of the pointer in their home.
-desktop::PrivateServer prepareServer() {
-    auto server = desktop::PrivateServer::virtualScreen({stageSize.width(), stageSize.height()});
-    const auto icons = server.folder() / ".icons/default";
-    std::filesystem::create_directories(icons);
-    std::ofstream(icons / "index.theme") << "[Icon Theme]\nInherits=DMZ-White\n";
-    return server;
-}
 
 bool differs(std::uint32_t one, std::uint32_t other) {
     constexpr int noticeable = 6;
@@ -49,7 +39,7 @@ bool anyPixel(const desktop::Picture& picture,
 Show::Show(std::filesystem::path program, std::filesystem::path folder)
     : program_(std::move(program)),
       folder_(std::move(folder)),
-      server_(prepareServer()),
+      server_(stageServer()),
       windowManager_(desktop::startWindowManager(server_)),
       compositingManager_(desktop::startCompositingManager(server_)),
       stage_(server_.display()),
@@ -78,7 +68,7 @@ void Show::click(const std::string& still, desktop::Button button) {
     const QImage picture = photograph(stage_.connection());
     expect("the click in the window beneath", [&] { return stage_.presses() == presses + 1; });
     hand_.release(button);
-    save(picture, still);
+    save(picture, folder_ / (still + ".png"));
 }
 
 void Show::waitForEffect(bool shown) {
@@ -87,14 +77,7 @@ void Show::waitForEffect(bool shown) {
 }
 
 void Show::takeStill(const std::string& name) {
-    save(photograph(stage_.connection()), name);
-}
-
-void Show::save(const QImage& picture, const std::string& name) const {
-    const auto path = folder_ / (name + ".png");
-    if (!picture.save(QString::fromStdString(path.string()), "PNG")) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
+    save(photograph(stage_.connection()), folder_ / (name + ".png"));
 }
 
 desktop::Picture Show::aroundPointer() const {

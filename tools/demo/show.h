@@ -35,7 +35,6 @@ public:
     void takeStill(const std::string& name);
 
 private:
-    void save(const QImage& picture, const std::string& name) const;
     [[nodiscard]] desktop::Picture aroundPointer() const;
     [[nodiscard]] bool effectIsShown() const;
     [[nodiscard]] bool ringIsShown(const desktop::Picture& before) const;

@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
 
 #include <QPainter>
@@ -35,6 +37,14 @@ void describe(const desktop::XConnection& connection, xcb_window_t window, const
 }
 
 } // namespace
+
+desktop::PrivateServer stageServer() {
+    auto server = desktop::PrivateServer::virtualScreen({stageSize.width(), stageSize.height()});
+    const auto icons = server.folder() / ".icons/default";
+    std::filesystem::create_directories(icons);
+    std::ofstream(icons / "index.theme") << "[Icon Theme]\nInherits=DMZ-White\n";
+    return server;
+}
 
 Stage::Stage(const std::string& display)
     : connection_(display),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/harness/private_server.h"
 #include "desktop/harness/x_connection.h"
 #include "pictures.h"
 
@@ -8,6 +9,9 @@
 #include <string>
 
 namespace vantrel::demo {
+
+// One with a screen for the stage, whose programs find the look of the pointer in their home.
+[[nodiscard]] desktop::PrivateServer stageServer();
 
 // The desktop of the demo with the two windows on it, a slide and an editor, which the window
 // manager looks after as it does with anybody's. They react to clicks, so that these are seen to
