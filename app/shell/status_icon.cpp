@@ -51,10 +51,17 @@ public:
         const int side = std::min(rect.width(), rect.height());
         const double ratio = painter->device()->devicePixelRatio();
         const QPixmap light = pictogram(symbol_, side, QColor(0xF4, 0xF4, 0xF6), ratio);
-        const QPixmap dark = tinted(light, QColor(0, 0, 0, 150));
+        const QPixmap dark = tinted(light, QColor(0, 0, 0, 110));
         const double edge = side / 22.0;
         const QPointF corner = rect.topLeft();
-        for (const QPointF to : {QPointF(1, 0), {-1, 0}, {0, 1}, {0, -1}}) {
+        for (const QPointF to : {QPointF(1, 0),
+                                 {-1, 0},
+                                 {0, 1},
+                                 {0, -1},
+                                 {0.7, 0.7},
+                                 {0.7, -0.7},
+                                 {-0.7, 0.7},
+                                 {-0.7, -0.7}}) {
             painter->drawPixmap(corner + to * edge, dark);
         }
         painter->drawPixmap(corner, light);
