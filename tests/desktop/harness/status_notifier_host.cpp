@@ -107,8 +107,8 @@ StatusNotifierHost::~StatusNotifierHost() {
 
 std::vector<StatusNotifierItem> StatusNotifierHost::items() const {
     QStringList services;
-    QMetaObject::invokeMethod(watcher_, &StatusNotifierWatcher::items,
-                              Qt::BlockingQueuedConnection, &services);
+    QMetaObject::invokeMethod(watcher_, &StatusNotifierWatcher::items, Qt::BlockingQueuedConnection,
+                              &services);
     std::vector<StatusNotifierItem> items;
     for (const QString& service : services) {
         if (bus_.interface()->isServiceRegistered(service)) {
