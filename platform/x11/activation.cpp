@@ -1,18 +1,49 @@
 #include "platform/x11/activation.h"
 
+#include <optional>
+
 namespace vantrel::x11 {
 
-void activateWindow(Connection& connection, xcb_window_t window) {
-    constexpr std::uint32_t fromPager = 2;
+namespace {
+
+constexpr std::uint32_t fromPager = 2;
+constexpr std::uint32_t allWorkspaces = 0xFFFFFFFF;
+
+void tellWindowManager(const Connection& connection, xcb_window_t window, Atom what,
+                       std::uint32_t first, std::uint32_t second) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
-    message.type = connection.atom(Atom::activeWindow);
-    message.data.data32[0] = fromPager;
+    message.type = connection.atom(what);
+    message.data.data32[0] = first;
+    message.data.data32[1] = second;
     xcb_send_event(connection.xcb(), 0, connection.root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
+}
+
+std::optional<std::uint32_t> numberOf(const Connection& connection, xcb_window_t window,
+                                      Atom property) {
+    const auto cookie = xcb_get_property(connection.xcb(), 0, window, connection.atom(property),
+                                         XCB_ATOM_CARDINAL, 0, 1);
+    const Owned<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection.xcb(), cookie, nullptr));
+    if (!reply || reply->format != 32 || reply->value_len != 1) {
+        return std::nullopt;
+    }
+    return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+}
+
+} // namespace
+
+void activateWindow(Connection& connection, xcb_window_t window) {
+    const auto shown = numberOf(connection, connection.root(), Atom::currentDesktop);
+    const auto own = numberOf(connection, window, Atom::windowDesktop);
+    if (shown && own && own != shown && own != allWorkspaces) {
+        tellWindowManager(connection, window, Atom::windowDesktop, *shown, fromPager);
+    }
+    tellWindowManager(connection, window, Atom::activeWindow, fromPager, XCB_CURRENT_TIME);
     xcb_flush(connection.xcb());
 }
 

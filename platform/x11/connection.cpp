@@ -148,6 +148,7 @@ void Connection::internAtoms() {
         "_NET_WM_NAME",
         "_NET_SYSTEM_TRAY_S" + number,
         "_NET_ACTIVE_WINDOW",
+        "_NET_WM_DESKTOP",
         "_VANTREL_INSTANCE_" + std::to_string(getuid()),
         "_VANTREL_ARGUMENTS",
     };

@@ -55,6 +55,7 @@ enum class Atom : std::uint8_t {
     netWmName,
     systemTray, // _NET_SYSTEM_TRAY_Sn of this screen
     activeWindow,
+    windowDesktop,
     instance, // of this program for this user
     instanceArguments,
     count,

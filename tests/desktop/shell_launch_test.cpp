@@ -74,6 +74,17 @@ TEST_F(LaunchTest, AnotherStartReachesTheRunningProgramWithoutATray) {
     EXPECT_EQ(errors(), "");
 }
 
+TEST_F(LaunchTest, AnotherStartBringsAWindowFromAnotherWorkspace) {
+    const auto program = start({.arguments = {"--settings"}});
+    ASSERT_TRUE(shown(settings));
+    requestWorkspace(watcher, 1);
+    ASSERT_TRUE(isGone(settings));
+    EXPECT_EQ(startSecond().wait(5s), (ExitStatus{.code = 0}));
+    const auto window = shown(settings);
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(getsFocus(*window));
+}
+
 TEST_F(LaunchTest, StartsAtTheSameMomentLeaveOneProgram) {
     writePreferences(server.folder() / "config", preferencesShowing("highlight"));
     for (int round = 0; round < 3; ++round) {

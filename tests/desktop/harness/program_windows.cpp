@@ -141,4 +141,17 @@ void requestClose(const XConnection& connection, const WindowState& window) {
     connection.sync();
 }
 
+void requestWorkspace(const XConnection& connection, std::uint32_t number) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = connection.root();
+    message.type = connection.atom("_NET_CURRENT_DESKTOP");
+    message.data.data32[0] = number;
+    xcb_send_event(connection.get(), 0, connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    connection.sync();
+}
+
 } // namespace vantrel::desktop

@@ -61,5 +61,7 @@ bool typeIn(SyntheticInput& input, const XConnection& connection, const WindowSt
             const std::vector<std::uint32_t>& keysyms);
 // Asks for what a click on the close button of a title bar asks for.
 void requestClose(const XConnection& connection, const WindowState& window);
+// Asks the window manager to show another workspace, by its number from 0.
+void requestWorkspace(const XConnection& connection, std::uint32_t number);
 
 } // namespace vantrel::desktop
