@@ -62,7 +62,7 @@ Samples latencies(TrayDesktop& desktop, const TrayProgram& program, bool draggin
         input.moveTo(slider);
         input.press(desktop::Button::left);
     }
-    const Samples samples = motionLatencies(desktop.bench, count, dragArea(program));
+    Samples samples = motionLatencies(desktop.bench, count, dragArea(program));
     if (dragging) {
         input.release(desktop::Button::left);
         if (!desktop::waitFor([&] { return storedDiameter(desktop) != former; })) {

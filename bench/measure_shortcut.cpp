@@ -58,7 +58,7 @@ Samples latenciesWithWindows(TrayDesktop& desktop, const TrayProgram& program, b
         openWindow(desktop, program);
         openPopup(desktop, program);
     }
-    const Samples samples = shortcutLatencies(desktop.bench, count);
+    Samples samples = shortcutLatencies(desktop.bench, count);
     if (open && !bothOpen(desktop, program)) {
         throw std::runtime_error("a shortcut closes the panel or the settings");
     }

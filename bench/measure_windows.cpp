@@ -132,7 +132,7 @@ Report measureReopening(const Contenders& contenders, const Effort& effort) {
     const Usage before = usageAfter(desktop, program, process, effort.reopenings / 5);
     const Usage after = usageAfter(desktop, program, process, effort.reopenings);
     // Pages that the allocator took back and forth.
-    constexpr std::uint64_t tolerance = 512 * 1024;
+    constexpr std::uint64_t tolerance = std::uint64_t{512} * 1024;
     return {.checks = {{.name = "opened and closed " + std::to_string(effort.reopenings) + " times",
                         .met = after.memory <= before.memory + tolerance &&
                                after.resources == before.resources,

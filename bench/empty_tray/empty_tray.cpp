@@ -15,7 +15,7 @@ namespace {
 QIcon filledIcon() {
     QPixmap picture(22, 22);
     picture.fill(Qt::darkGreen);
-    return QIcon(picture);
+    return {picture};
 }
 
 struct Popup : QWidget {

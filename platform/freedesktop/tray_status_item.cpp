@@ -89,6 +89,8 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
     if (!stays) {
         menu_.clear();
         choices_ = std::make_unique<QActionGroup>(nullptr);
+        // By number, since the entries are replaced while the actions stay.
+        // NOLINTNEXTLINE(modernize-loop-convert)
         for (std::size_t i = 0; i < entries_.size(); ++i) {
             auto* action = menu_.addAction(QString(), this, [this, i] {
                 const auto act = entries_[i].action; // which may lead to other entries
