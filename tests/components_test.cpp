@@ -349,8 +349,10 @@ TEST_F(ComponentsTest, ColoursFollowTheDesktopFromLightToDarkAndBack) {
 TEST_F(ComponentsTest, NoTextIsCutInEitherLanguage) {
     auto* card = new SectionCard(
         view, Text{"Displays and Recording", "多显示器与录屏"},
-        Text{"A subtitle that is so long that it cannot fit into one line of a narrow panel",
-             "一个很长的副标题，长到在一个很窄的面板里无论如何都放不进一行之内"},
+        Text{
+            "A subtitle that is so long that it cannot fit into one line of a narrow panel",
+            "一个很长的副标题，长到在一个很窄的面板里无论如何都放不进一行之内，就算字体里没有汉字，"
+            "每个字都只是一个很窄的方框，它也还是需要换行"},
         symbolLabel(view, "info.circle", Tone::orange,
                     Text{"Click monitoring could not start. Highlight still works.",
                          "点击监听未能启动，高亮仍可使用。请重试，或退出后重新打开应用。"}));
