@@ -57,7 +57,9 @@ TEST_F(TwoMonitorsTest, LeavesNothingBehindAfterManyChanges) {
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 2; })) << round;
     }
     EXPECT_LE(ownWindows().size(), windows);
-    EXPECT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
+    // The compositing manager may have missed the last of so many windows until it moves.
+    input.moveTo({260, 300});
+    EXPECT_TRUE(becomes({260, 300}, blended(yellow, 0.35)));
 }
 
 TEST_F(TwoMonitorsTest, DrawsAtTheScaleOfTheDesktop) {
