@@ -40,6 +40,19 @@ struct AppDesktop {
     Workspace& workspace;
     const Bundle& bundle;
     const Locale& locale;
+
+    // Of one object that holds all of it under these names, as the desktop in memory does.
+    template <typename Desktop>
+    [[nodiscard]] static AppDesktop of(Desktop& desktop) {
+        return {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
+                            desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
+                .hotKeys = desktop.hotKeys,
+                .mainQueue = desktop.mainQueue,
+                .loginItem = desktop.loginItem,
+                .workspace = desktop.workspace,
+                .bundle = desktop.bundle,
+                .locale = desktop.locale};
+    }
 };
 
 // The one coordinator of the running application. It owns the live preferences, the mode and what

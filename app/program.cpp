@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QSessionManager>
 
-#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -79,9 +78,8 @@ void Program::observeDesktop() {
 }
 
 void Program::reopen(std::span<const std::string> arguments) {
-    const bool settings =
-        std::ranges::find(arguments, AppDelegate::settingsArgument) != arguments.end();
-    delegate_.applicationShouldHandleReopen(!settings && delegate_.hasVisibleWindows());
+    delegate_.applicationShouldHandleReopen(!AppDelegate::asksForSettings(arguments) &&
+                                            delegate_.hasVisibleWindows());
 }
 
 // Also from within an event loop that has not been started yet.

@@ -44,26 +44,9 @@ struct Stage {
 
     headless::Desktop desktop;
     SettingsStore store{desktop.userDefaults, "key"};
-    AppState state{
-        store,
-        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-         .hotKeys = desktop.hotKeys,
-         .mainQueue = desktop.mainQueue,
-         .loginItem = desktop.loginItem,
-         .workspace = desktop.workspace,
-         .bundle = desktop.bundle,
-         .locale = desktop.locale}};
+    AppState state{store, AppDesktop::of(desktop)};
     DrawnCursor cursor;
-    ViewContext view{state,
-                     {.clock = desktop.clock,
-                      .cursors = cursor,
-                      .screens = desktop.screens,
-                      .bundle = desktop.bundle,
-                      .userDefaults = desktop.userDefaults,
-                      .keyboard = desktop.keyboard,
-                      .alertSound = desktop.alertSound,
-                      .terminate = [] {}}};
+    ViewContext view{state, ViewDesktop::of(desktop, cursor, [] {})};
 };
 
 constexpr QSize settingsSize(560, 640);

@@ -23,16 +23,7 @@ protected:
     // A new run of the program, without startUp().
     void launch() {
         state.reset();
-        state = std::make_unique<AppState>(
-            store,
-            AppDesktop{{desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                        desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-                       desktop.hotKeys,
-                       desktop.mainQueue,
-                       desktop.loginItem,
-                       desktop.workspace,
-                       desktop.bundle,
-                       desktop.locale});
+        state = std::make_unique<AppState>(store, AppDesktop::of(desktop));
         state->openWindow = [this](AppWindow window) { opened.push_back(window); };
     }
     void change(auto change) { state->changePreferences(change); }

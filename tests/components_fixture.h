@@ -66,27 +66,10 @@ protected:
     auto laserColor() { return view.binding(&AppPreferences::laser, &LaserSettings::color); }
 
     SettingsStore store{desktop.userDefaults, "key"};
-    AppState state{
-        store,
-        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-         .hotKeys = desktop.hotKeys,
-         .mainQueue = desktop.mainQueue,
-         .loginItem = desktop.loginItem,
-         .workspace = desktop.workspace,
-         .bundle = desktop.bundle,
-         .locale = desktop.locale}};
+    AppState state{store, AppDesktop::of(desktop)};
     DrawnCursor cursor;
     int terminations = 0;
-    ViewContext view{state,
-                     {.clock = desktop.clock,
-                      .cursors = cursor,
-                      .screens = desktop.screens,
-                      .bundle = desktop.bundle,
-                      .userDefaults = desktop.userDefaults,
-                      .keyboard = desktop.keyboard,
-                      .alertSound = desktop.alertSound,
-                      .terminate = [this] { ++terminations; }}};
+    ViewContext view{state, ViewDesktop::of(desktop, cursor, [this] { ++terminations; })};
     std::unique_ptr<QWidget> window;
 };
 

@@ -67,26 +67,11 @@ protected:
     DrawnCursor cursor;
     int terminations = 0;
     std::vector<WId> activated;
-    AppDelegate delegate{
-        {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                     desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-         .hotKeys = desktop.hotKeys,
-         .mainQueue = desktop.mainQueue,
-         .loginItem = desktop.loginItem,
-         .workspace = desktop.workspace,
-         .bundle = desktop.bundle,
-         .locale = desktop.locale},
-        {.clock = desktop.clock,
-         .cursors = cursor,
-         .screens = desktop.screens,
-         .bundle = desktop.bundle,
-         .userDefaults = desktop.userDefaults,
-         .keyboard = desktop.keyboard,
-         .alertSound = desktop.alertSound,
-         .terminate = [this] { ++terminations; }},
-        {.userDefaults = desktop.userDefaults,
-         .statusItem = desktop.statusItem,
-         .activate = [this](WId window) { activated.push_back(window); }}};
+    AppDelegate delegate{AppDesktop::of(desktop),
+                         ViewDesktop::of(desktop, cursor, [this] { ++terminations; }),
+                         {.userDefaults = desktop.userDefaults,
+                          .statusItem = desktop.statusItem,
+                          .activate = [this](WId window) { activated.push_back(window); }}};
 };
 
 using Windows = std::vector<AppWindow>;

@@ -41,9 +41,13 @@ void AppDelegate::applicationDidFinishLaunching(std::span<const std::string> arg
     subscriptions_.push_back(app_.workspace.onDidWake([this] { wake(); }));
 }
 
+bool AppDelegate::asksForSettings(std::span<const std::string> arguments) {
+    return std::ranges::find(arguments, settingsArgument) != arguments.end();
+}
+
 void AppDelegate::launch(std::span<const std::string> arguments) {
     state_.startUp();
-    if (std::ranges::find(arguments, settingsArgument) != arguments.end()) {
+    if (asksForSettings(arguments)) {
         open(AppWindow::settings);
     } else if (!shell_.userDefaults.boolean(welcomeDismissedKey)) {
         open(AppWindow::welcome);

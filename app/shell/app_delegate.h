@@ -33,6 +33,8 @@ public:
     // The argument that has the settings opened at launch.
     static constexpr std::string_view settingsArgument = "--settings";
 
+    [[nodiscard]] static bool asksForSettings(std::span<const std::string> arguments);
+
     // Once, with the arguments of the process without its name. What they open comes in a later
     // turn of the main queue.
     void applicationDidFinishLaunching(std::span<const std::string> arguments);

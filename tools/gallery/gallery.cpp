@@ -200,17 +200,6 @@ QPalette darkPalette() {
     return palette;
 }
 
-AppDesktop appDesktop(headless::Desktop& desktop) {
-    return {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                        desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
-            .hotKeys = desktop.hotKeys,
-            .mainQueue = desktop.mainQueue,
-            .loginItem = desktop.loginItem,
-            .workspace = desktop.workspace,
-            .bundle = desktop.bundle,
-            .locale = desktop.locale};
-}
-
 QWidget* makeWindow(ViewContext& view, const QString& name) {
     const auto sized = [](QWidget* window, int width, int height) {
         window->resize(width, height);
@@ -328,7 +317,7 @@ int run(const QApplication& application) {
     }
     headless::Desktop desktop;
     SettingsStore store(desktop.userDefaults, "gallery");
-    AppState state(store, appDesktop(desktop));
+    AppState state(store, AppDesktop::of(desktop));
     const SystemClock clock;
     const DrawnCursor cursor;
     ViewContext view(state, {.clock = clock,

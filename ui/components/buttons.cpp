@@ -32,11 +32,7 @@ public:
 protected:
     // Enter works it too, though it does not look like the default button meanwhile.
     void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-            if (!event->isAutoRepeat()) {
-                click();
-            }
-        } else {
+        if (!clickOnEnter(*this, *event)) {
             QPushButton::keyPressEvent(event);
         }
     }
@@ -128,6 +124,14 @@ PlainButton* actionRow(ViewContext& view, const Wording& title, std::string_view
         });
     }
     return button;
+}
+
+bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event) {
+    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (enter && !event.isAutoRepeat()) {
+        button.click();
+    }
+    return enter;
 }
 
 QPushButton* pushButton(ViewContext& view, const Wording& title,

@@ -39,6 +39,9 @@ protected:
                                      const std::optional<Wording>& subtitle,
                                      const std::function<void()>& action);
 
+// Clicks the button when the key is Enter, once however long that is held. Returns whether it is.
+bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event);
+
 enum class ButtonRole : unsigned char { normal, primary, destructive };
 
 // The desktop's own kind of button.

@@ -1,6 +1,7 @@
 #include "ui/components/choice_button.h"
 
 #include "ui/components/accessibility.h"
+#include "ui/components/buttons.h"
 #include "ui/components/stack.h"
 
 #include <QBoxLayout>
@@ -32,11 +33,8 @@ QSize ChoiceButton::sizeHint() const {
 }
 
 void ChoiceButton::keyPressEvent(QKeyEvent* event) {
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (!enter) {
+    if (!clickOnEnter(*this, *event)) {
         QRadioButton::keyPressEvent(event);
-    } else if (!event->isAutoRepeat()) {
-        click();
     }
 }
 

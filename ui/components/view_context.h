@@ -17,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace vantrel {
@@ -32,6 +33,20 @@ struct ViewDesktop {
     AlertSound& alertSound;
     // Ends the program.
     std::function<void()> terminate;
+
+    // Of one object that holds the rest under these names, as the desktop in memory does.
+    template <typename Desktop>
+    [[nodiscard]] static ViewDesktop of(Desktop& desktop, const CursorImages& cursors,
+                                        std::function<void()> terminate) {
+        return {.clock = desktop.clock,
+                .cursors = cursors,
+                .screens = desktop.screens,
+                .bundle = desktop.bundle,
+                .userDefaults = desktop.userDefaults,
+                .keyboard = desktop.keyboard,
+                .alertSound = desktop.alertSound,
+                .terminate = std::move(terminate)};
+    }
 };
 
 // What every view needs: the state, and the one place from which views are brought up to date. All
