@@ -1,10 +1,8 @@
+#include "desktop/harness/core_application.h"
 #include "desktop/harness/private_bus.h"
 #include "desktop/shell_fixture.h"
 #include "freedesktop_event_loop.h"
 
-#include <array>
-
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -185,10 +183,7 @@ protected:
     }
 
 private:
-    int argumentCount_ = 1;
-    std::string testName_ = "test";
-    std::array<char*, 2> arguments_{testName_.data(), nullptr};
-    QCoreApplication application_{argumentCount_, arguments_.data()};
+    CoreApplication application_;
 
 protected:
     PrivateBus bus{server.folder() / "runtime" / "bus"};

@@ -1,4 +1,5 @@
 #include "desktop/harness/client_window.h"
+#include "desktop/harness/core_application.h"
 #include "desktop/harness/private_server.h"
 #include "desktop/harness/synthetic_input.h"
 #include "input/click_monitor.h"
@@ -6,7 +7,6 @@
 #include "platform/x11/desktop.h"
 #include "platform/x11/key_table.h"
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -82,10 +82,7 @@ protected:
     std::unique_ptr<x11::X11Desktop> x11;
 
 private:
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    CoreApplication application_;
 };
 
 class HotKeysDesktopTest : public InputDesktopTest, private x11::EventHandler {

@@ -1,12 +1,10 @@
+#include "desktop/harness/core_application.h"
 #include "desktop/harness/x_traffic.h"
 #include "desktop/program_fixture.h"
 #include "freedesktop_event_loop.h"
 #include "mock_login_manager.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
-#include <QCoreApplication>
-
-#include <array>
 #include <fstream>
 
 #include <fcntl.h>
@@ -151,10 +149,7 @@ protected:
     }
 
 private:
-    int argumentCount_ = 1;
-    std::string name_ = "test";
-    std::array<char*, 2> arguments_{name_.data(), nullptr};
-    QCoreApplication application_{argumentCount_, arguments_.data()};
+    CoreApplication application_;
     PrivateBus bus_{privateBusSocket()};
 
 protected:

@@ -1,10 +1,7 @@
+#include "desktop/harness/core_application.h"
 #include "desktop/harness/displays.h"
 #include "desktop/harness/status_notifier_host.h"
 #include "desktop/shell_fixture.h"
-
-#include <array>
-
-#include <QCoreApplication>
 
 namespace vantrel::desktop {
 namespace {
@@ -30,10 +27,7 @@ protected:
     }
 
 private:
-    int argumentCount_ = 1;
-    std::string testName_ = "test";
-    std::array<char*, 2> arguments_{testName_.data(), nullptr};
-    QCoreApplication application_{argumentCount_, arguments_.data()};
+    CoreApplication application_;
 
 protected:
     PrivateBus bus{server.folder() / "runtime" / "bus"};

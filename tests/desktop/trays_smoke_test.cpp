@@ -1,3 +1,4 @@
+#include "desktop/harness/core_application.h"
 #include "desktop/harness/desktop_programs.h"
 #include "desktop/harness/screen_capture.h"
 #include "desktop/harness/status_notifier_host.h"
@@ -6,10 +7,8 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <optional>
 
-#include <QCoreApplication>
 #include <X11/keysym.h>
 
 namespace vantrel::desktop {
@@ -38,10 +37,7 @@ protected:
     const WindowQuery window{.program = program, .title = "Empty", .width = 560, .height = 640};
 
 private:
-    int argumentCount_ = 1;
-    std::string name_ = "test";
-    std::array<char*, 2> arguments_{name_.data(), nullptr};
-    QCoreApplication application_{argumentCount_, arguments_.data()};
+    CoreApplication application_;
 };
 
 TEST_F(TraysSmoke, AnIconAppearsInTheTrayAndComesBackWithIt) {

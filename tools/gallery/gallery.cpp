@@ -29,11 +29,14 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QScrollBar>
 
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace vantrel {
 namespace {
@@ -147,28 +150,14 @@ QWidget* pictogramsCard(ViewContext& view) {
     auto* rows = column(10, {});
     Stack* line = nullptr;
     int count = 0;
-    for (const std::string_view name : {"cursorarrow",
-                                        "cursorarrow.rays",
-                                        "cursorarrow.click",
-                                        "scope",
-                                        "nosign",
-                                        "checkmark",
-                                        "checkmark.circle.fill",
-                                        "circle",
-                                        "chevron.right",
-                                        "gearshape",
-                                        "questionmark.circle",
-                                        "power",
-                                        "sun.max",
-                                        "sparkles",
-                                        "keyboard",
-                                        "info.circle",
-                                        "xmark.circle",
-                                        "exclamationmark.triangle",
-                                        "checkmark.shield",
-                                        "hand.raised",
-                                        "doc.text",
-                                        "slider.horizontal.3"}) {
+    static const auto names = [] {
+        std::vector<std::string> list;
+        for (const QFileInfo& file : QDir(QStringLiteral(":/pictograms")).entryInfoList()) {
+            list.push_back(file.completeBaseName().toStdString());
+        }
+        return list; // the parts keep references
+    }();
+    for (const auto& name : names) {
         if (count++ % 11 == 0) {
             rows->add(line = row(12, {}));
         }
