@@ -5,7 +5,7 @@ namespace vantrel::x11 {
 X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens)
     : connection_(connection), screens_(screens) {}
 
-GlobalPoint X11Pointer::location() {
+std::optional<GlobalPoint> X11Pointer::location() {
     auto* xcb = connection_.xcb();
     const Owned<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));

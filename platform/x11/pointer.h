@@ -9,8 +9,8 @@ class X11Pointer final : public Pointer {
 public:
     X11Pointer(Connection& connection, const X11Screens& screens);
 
-    [[nodiscard]] GlobalPoint location() override;
-    // The answer of the last query, without asking.
+    [[nodiscard]] std::optional<GlobalPoint> location() override;
+    // The place in the last answer, without asking.
     [[nodiscard]] GlobalPoint lastLocation() const;
 
 private:
