@@ -6,6 +6,7 @@
 #include "platform/x11/raise_policy.h"
 #include "platform/x11/screens.h"
 #include "platform/x11/sprite_window.h"
+#include "platform/x11/xwayland.h"
 
 #include <gtest/gtest.h>
 
@@ -213,6 +214,37 @@ TEST(CutOutTest, KeepsWhatIsAtLeastHalfAsOpaqueAsTheRest) {
     picture.fill(Qt::transparent);
     cutOut(picture, cut);
     EXPECT_TRUE(cut.empty());
+}
+
+TEST(XwaylandPointerTest, IsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
+    constexpr xcb_window_t window = 7;
+    struct Step {
+        int x;
+        xcb_window_t child;
+        unsigned buttons;
+        bool known;
+    };
+    const Step steps[] = {
+        {0, XCB_NONE, 0, false}, // not seen yet
+        {50, window, 0, true},
+        {50, XCB_NONE, 0, false}, // it has left there
+        {20, window, XCB_BUTTON_MASK_1, true},
+        {90, XCB_NONE, XCB_BUTTON_MASK_1, true}, // dragged beyond the window
+        {90, XCB_NONE, XCB_BUTTON_MASK_1, true}, // resting there
+        {90, XCB_NONE, 0, false},
+        {30, window, XCB_BUTTON_MASK_3, true},
+        {30, XCB_NONE, XCB_BUTTON_MASK_3, false}, // the compositor took the drag over
+        {30, XCB_NONE, XCB_MOD_MASK_SHIFT, false},
+        {31, window, 0, true},
+    };
+    XwaylandPointer pointer;
+    for (const auto& [x, child, buttons, known] : steps) {
+        xcb_query_pointer_reply_t answer{};
+        answer.root_x = static_cast<std::int16_t>(x);
+        answer.child = child;
+        answer.mask = static_cast<std::uint16_t>(buttons);
+        EXPECT_EQ(pointer.tells(answer), known) << "at " << x << " with " << buttons;
+    }
 }
 
 } // namespace

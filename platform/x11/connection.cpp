@@ -1,6 +1,7 @@
 #include "platform/x11/connection.h"
 
 #include "platform/x11/handles.h"
+#include "platform/x11/xwayland.h"
 
 #include <algorithm>
 #include <cassert>
@@ -80,6 +81,7 @@ std::string Connection::prepare() {
         findArgbVisual();
         missing = outdatedExtension();
     }
+    xwayland_ = missing.empty() && x11::isXwayland(connection_, root());
     return missing;
 }
 

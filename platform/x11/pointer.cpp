@@ -11,8 +11,9 @@ std::optional<GlobalPoint> X11Pointer::location() {
         xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));
     if (reply && reply->same_screen != 0) {
         pixel_ = QPoint(reply->root_x, reply->root_y);
+        known_ = !connection_.isXwayland() || xwayland_.tells(*reply);
     }
-    return lastLocation();
+    return known_ ? std::optional(lastLocation()) : std::nullopt;
 }
 
 GlobalPoint X11Pointer::lastLocation() const {

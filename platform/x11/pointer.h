@@ -2,6 +2,7 @@
 
 #include "platform/pointer.h"
 #include "platform/x11/screens.h"
+#include "platform/x11/xwayland.h"
 
 namespace vantrel::x11 {
 
@@ -17,6 +18,8 @@ private:
     Connection& connection_;
     const X11Screens& screens_;
     QPoint pixel_;
+    bool known_ = true;
+    XwaylandPointer xwayland_;
 };
 
 } // namespace vantrel::x11
