@@ -24,6 +24,13 @@ constexpr auto usage =
     "When it runs already on this display, starting it again brings its windows to the\n"
     "front, or opens the settings.\n";
 
+constexpr auto waylandRemark =
+    "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
+    "vantrel: Highlight, laser and click effects appear over the windows of X programs. Elsewhere "
+    "they are hidden, as Xwayland does not tell where the pointer is.\n"
+    "vantrel: The shortcuts work while an X program has the keyboard.\n"
+    "vantrel: The tray item, the panel and the settings work everywhere.\n";
+
 constexpr std::chrono::seconds patience(5);
 
 int fail(const std::string& message) {
@@ -75,6 +82,9 @@ private:
 
 int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc, char** argv,
                   std::span<const std::string> arguments) {
+    if (connection.isXwayland()) {
+        std::fputs(waylandRemark, stderr);
+    }
     TerminationSignals signals;
     ServerLoss serverLoss;
     prepareToolkit();
