@@ -216,35 +216,44 @@ TEST(CutOutTest, KeepsWhatIsAtLeastHalfAsOpaqueAsTheRest) {
     EXPECT_TRUE(cut.empty());
 }
 
-TEST(XwaylandPointerTest, IsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
-    constexpr xcb_window_t window = 7;
+TEST(XwaylandTrustTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
     struct Step {
         int x;
-        xcb_window_t child;
-        unsigned buttons;
+        bool inside;
+        bool held;
         bool known;
     };
     const Step steps[] = {
-        {0, XCB_NONE, 0, false}, // not seen yet
-        {50, window, 0, true},
-        {50, XCB_NONE, 0, false}, // it has left there
-        {20, window, XCB_BUTTON_MASK_1, true},
-        {90, XCB_NONE, XCB_BUTTON_MASK_1, true}, // dragged beyond the window
-        {90, XCB_NONE, XCB_BUTTON_MASK_1, true}, // resting there
-        {90, XCB_NONE, 0, false},
-        {30, window, XCB_BUTTON_MASK_3, true},
-        {30, XCB_NONE, XCB_BUTTON_MASK_3, false}, // the compositor took the drag over
-        {30, XCB_NONE, XCB_MOD_MASK_SHIFT, false},
-        {31, window, 0, true},
+        {0, false, false, false},                             // not seen yet
+        {50, true, false, true},   {50, false, false, false}, // it has left there
+        {20, true, true, true},    {90, false, true, true},   // dragged beyond the window
+        {90, false, true, true},                              // resting there
+        {90, false, false, false}, {30, true, true, true},
+        {30, false, true, false}, // the compositor took the drag over
+        {31, true, false, true},
     };
-    XwaylandPointer pointer;
-    for (const auto& [x, child, buttons, known] : steps) {
-        xcb_query_pointer_reply_t answer{};
-        answer.root_x = static_cast<std::int16_t>(x);
-        answer.child = child;
-        answer.mask = static_cast<std::uint16_t>(buttons);
-        EXPECT_EQ(pointer.tells(answer), known) << "at " << x << " with " << buttons;
+    XwaylandTrust trust;
+    for (const auto& [x, inside, held, known] : steps) {
+        const XwaylandWord word{
+            .place = QPoint(x, 0), .inside = inside, .held = held, .focused = true};
+        EXPECT_EQ(trust.accepts(word, 0), known) << "at " << x;
+        auto unfocused = word;
+        unfocused.focused = false;
+        EXPECT_FALSE(XwaylandTrust().accepts(unfocused, 0));
     }
+}
+
+TEST(XwaylandTrustTest, ThePointerIsNotKnownAnyMoreWhenNothingWasHeardOfItForLong) {
+    XwaylandTrust trust;
+    XwaylandWord word{.place = QPoint(10, 0), .inside = true, .focused = true};
+    EXPECT_TRUE(trust.accepts(word, 100));
+    EXPECT_TRUE(trust.accepts(word, 102.9));
+    EXPECT_FALSE(trust.accepts(word, 103));
+    word.held = true;
+    EXPECT_TRUE(trust.accepts(word, 200));
+    EXPECT_FALSE(trust.accepts(word, 203));
+    word.place.rx() += 1;
+    EXPECT_TRUE(trust.accepts(word, 204));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/clock.h"
 #include "platform/pointer.h"
 #include "platform/x11/screens.h"
 #include "platform/x11/xwayland.h"
@@ -8,7 +9,7 @@ namespace vantrel::x11 {
 
 class X11Pointer final : public Pointer {
 public:
-    X11Pointer(Connection& connection, const X11Screens& screens);
+    X11Pointer(Connection& connection, const X11Screens& screens, const Clock& clock);
 
     [[nodiscard]] std::optional<GlobalPoint> location() override;
     // The place in the last answer, without asking.
@@ -17,9 +18,10 @@ public:
 private:
     Connection& connection_;
     const X11Screens& screens_;
+    const Clock& clock_;
     QPoint pixel_;
     bool known_ = true;
-    XwaylandPointer xwayland_;
+    std::optional<XwaylandPointer> xwayland_; // where the server is one
 };
 
 } // namespace vantrel::x11

@@ -45,7 +45,8 @@ protected:
     static constexpr PixelPoint inside{350, 300};
 
     WaylandSession session{server};
-    ClientWindow other{session.display(), {.area = {0, 0, 400, 600}, .color = 0xFF204080}};
+    ClientWindow other{session.display(),
+                       {.area = {0, 0, 400, 600}, .color = 0xFF204080, .overrideRedirect = false}};
     std::optional<ChildProcess> program;
 };
 
@@ -58,6 +59,19 @@ TEST_F(WaylandTest, MarksThePointerWhereXwaylandKnowsIt) {
         input.moveTo(outside);
         EXPECT_TRUE(unmarked({place, outside}));
     }
+}
+
+TEST_F(WaylandTest, MarksNothingWhileNoXProgramHasTheKeyboard) {
+    const auto& xwayland = other.connection();
+    const auto tellThatFocusIsOn = [&](xcb_window_t window) {
+        xcb_change_property(xwayland.get(), XCB_PROP_MODE_REPLACE, xwayland.root(),
+                            xwayland.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &window);
+        xwayland.sync();
+    };
+    tellThatFocusIsOn(XCB_NONE);
+    EXPECT_TRUE(unmarked({inside}));
+    tellThatFocusIsOn(other.id());
+    EXPECT_TRUE(marked(inside));
 }
 
 // This compositor takes a mark for a window that is below the pointer: one that went along would

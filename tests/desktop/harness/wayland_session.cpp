@@ -17,6 +17,8 @@ std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
                                          const xcb_screen_t& screen) {
     std::ofstream(folder / "sway.config")
         << "xwayland force\n"
+        << "default_floating_border none\n"
+        << "for_window [shell=\"xwayland\"] floating enable, move absolute position 0 0\n"
         << "output * resolution " << screen.width_in_pixels << "x" << screen.height_in_pixels
         << "\nexec xhost + && echo $DISPLAY >" << folder / "display"
         << "\n";
