@@ -26,10 +26,11 @@ constexpr auto usage =
 
 constexpr auto waylandRemark =
     "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
-    "vantrel: Highlight, laser and click effects appear over the windows of X programs. Elsewhere "
-    "they are hidden, as Xwayland does not tell where the pointer is.\n"
+    "vantrel: Highlight, laser and click effects appear over the windows of X programs, while one "
+    "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
+    "hidden, as Xwayland does not tell where the pointer is.\n"
     "vantrel: The shortcuts work while an X program has the keyboard.\n"
-    "vantrel: The tray item, the panel and the settings work everywhere.\n";
+    "vantrel: The panel and the settings work all the time.\n";
 
 constexpr std::chrono::seconds patience(5);
 

@@ -99,10 +99,11 @@ TEST_F(MenuPanelTest, TellsThatClicksCannotBeSeenOnlyWhileTheyAreWanted) {
 }
 
 constexpr auto englishNotice =
-    "In a Wayland session, effects appear only over windows of X programs, and shortcuts work only "
-    "while one of these has the keyboard.";
-constexpr auto chineseNotice =
-    "在 Wayland 会话中，效果仅在 X 程序的窗口上显示，快捷键仅在这类窗口接收键盘输入时有效。";
+    "In a Wayland session, effects and shortcuts work only while an X program has the keyboard. "
+    "Effects appear only over windows of X programs, and hide when the pointer rests for 3 "
+    "seconds.";
+constexpr auto chineseNotice = "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+                               "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。";
 
 TEST_F(MenuPanelTest, SaysNothingOfWaylandElsewhere) {
     open<MenuPanel>();

@@ -110,13 +110,14 @@ QWidget* waylandNotice(ViewContext& view) {
     if (!hasWaylandNotice(view)) {
         return nullptr;
     }
-    auto* text = symbolLabel(view, "info.circle", Tone::secondary,
-                             Text{"In a Wayland session, effects appear only over windows of X "
-                                  "programs, and shortcuts work only while one of these has the "
-                                  "keyboard.",
-                                  "在 Wayland 会话中，效果仅在 X 程序的窗口上显示，"
-                                  "快捷键仅在这类窗口接收键盘输入时有效。"},
-                             secondaryCaption);
+    auto* text =
+        symbolLabel(view, "info.circle", Tone::secondary,
+                    Text{"In a Wayland session, effects and shortcuts work only while an X "
+                         "program has the keyboard. Effects appear only over windows of X "
+                         "programs, and hide when the pointer rests for 3 seconds.",
+                         "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+                         "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。"},
+                    secondaryCaption);
     auto* dismiss = iconButton(
         view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"}, [&view] {
             view.desktop().userDefaults.setBoolean(waylandNoticeDismissedKey, true);
