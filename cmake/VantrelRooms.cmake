@@ -7,6 +7,10 @@ include_guard(GLOBAL)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# The program is a module of which one function is called from outside.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
 
@@ -22,7 +26,9 @@ target_compile_options(vantrel_options INTERFACE
     -Wimplicit-fallthrough -fno-strict-aliasing
     # Fields that an initializer leaves out are initialised where they are declared.
     -Wno-missing-field-initializers)
-target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
+# Without the tag, a program that calls nothing of Qt does not load it.
+target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII
+    QT_NO_VERSION_TAGGING)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 finds null dereferences in its own headers once it inlines them.
     # And overlaps in "literal" + std::to_string().

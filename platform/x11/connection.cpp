@@ -81,7 +81,6 @@ std::string Connection::prepare() {
         findArgbVisual();
         missing = outdatedExtension();
     }
-    xwayland_ = missing.empty() && x11::isXwayland(connection_, root());
     return missing;
 }
 
@@ -152,7 +151,7 @@ void Connection::internAtoms() {
         "_NET_ACTIVE_WINDOW",
         "_NET_WM_DESKTOP",
         "_VANTREL_INSTANCE_" + std::to_string(getuid()),
-        "_VANTREL_ARGUMENTS",
+        "_VANTREL_ADDRESS",
     };
     std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
     std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {
@@ -192,6 +191,13 @@ std::uint8_t Connection::firstEvent(xcb_extension_t& extension) const {
 std::uint8_t Connection::majorOpcode(xcb_extension_t& extension) const {
     const auto* data = xcb_get_extension_data(connection_, &extension);
     return data != nullptr && data->present != 0 ? data->major_opcode : std::uint8_t{0};
+}
+
+bool Connection::isXwayland() {
+    if (!xwayland_) {
+        xwayland_ = x11::isXwayland(connection_, root());
+    }
+    return *xwayland_;
 }
 
 Subscription Connection::addHandler(EventHandler& handler) {
