@@ -17,6 +17,15 @@
 namespace vantrel {
 namespace {
 
+constexpr auto waylandRemark =
+    "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
+    "vantrel: Highlight, laser and click effects appear over the windows of X programs, while one "
+    "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
+    "hidden, as Xwayland does not tell where the pointer is.\n"
+    "vantrel: The shortcuts work while an X program has the keyboard.\n"
+    "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
+    "time.\n";
+
 constexpr std::chrono::seconds patienceWithBus(1);
 
 void prepareToolkit() {
@@ -67,6 +76,9 @@ private:
 };
 
 int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
+    if (connection.isXwayland()) {
+        std::fputs(waylandRemark, stderr);
+    }
     TerminationSignals signals;
     ServerLoss serverLoss;
     prepareToolkit();

@@ -48,7 +48,8 @@ ViewDesktop Program::viewDesktop() {
             .userDefaults = defaults_,
             .keyboard = x11_.keyboard,
             .alertSound = x11_.alertSound,
-            .terminate = [this] { quit(); }};
+            .terminate = [this] { quit(); },
+            .inWaylandSession = connection_.isXwayland()};
 }
 
 ShellDesktop Program::shellDesktop() {

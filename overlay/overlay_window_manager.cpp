@@ -174,7 +174,7 @@ void OverlayWindowManager::tick() {
         return;
     }
     const double now = desktop_.clock.uptime();
-    const GlobalPoint point = desktop_.pointer.location();
+    const auto point = desktop_.pointer.location();
     const bool moved = point != lastPoint_;
     if (moved) {
         lastActivity_ = now;
@@ -182,7 +182,7 @@ void OverlayWindowManager::tick() {
     }
     const bool hadClicks = !clicks_.empty();
     std::erase_if(clicks_, [now](const auto& click) { return !click.isLive(now); });
-    const bool hidden = isIdle(now);
+    const bool hidden = !point || isIdle(now);
     if (!moved && !needsRender_ && !hadClicks && lastHidden_ == hidden) {
         return;
     }
@@ -203,7 +203,9 @@ void OverlayWindowManager::redraw(OverlayView& view, const GlobalRect& frame, do
         view.renderedPreferences = preferences_;
         view.renderedMode = mode_;
     }
-    view.cursorLayer().setPosition(toLocal(lastPoint_, frame.origin()));
+    if (lastPoint_) {
+        view.cursorLayer().setPosition(toLocal(*lastPoint_, frame.origin()));
+    }
     view.cursorLayer().setHidden(*lastHidden_);
     view.updateClicks(clicks_, now, mediaTime);
     desktop_.transaction.commit();

@@ -29,8 +29,9 @@ struct OverlayDesktop {
 };
 
 // Everything that puts the effects on the screen: a window for each display, a display link and two
-// motion monitors that make it follow the pointer, and the clicks that are playing. Points are
-// points of the desktop, times are seconds of uptime.
+// motion monitors that make it follow the pointer, and the clicks that are playing. While the
+// desktop does not know where the pointer is, nothing marks it. Points are points of the desktop,
+// times are seconds of uptime.
 class OverlayWindowManager {
 public:
     static constexpr std::size_t maximumClicks = 8;
@@ -76,7 +77,7 @@ private:
     std::unique_ptr<DisplayLink> displayLink_;
     std::optional<EventMonitors::Token> globalMotionMonitor_;
     std::optional<EventMonitors::Token> localMotionMonitor_;
-    GlobalPoint lastPoint_;
+    std::optional<GlobalPoint> lastPoint_; // nothing while the desktop does not know
     double lastActivity_ = 0;
     std::vector<ClickAnimation> clicks_; // the oldest first
     CursorMode mode_ = CursorMode::off;

@@ -2,6 +2,8 @@
 
 #include "platform/geometry.h"
 
+#include <optional>
+
 namespace vantrel {
 
 // The mouse pointer.
@@ -10,8 +12,8 @@ public:
     virtual ~Pointer() = default;
 
     // Where its hot spot is now, asked anew at each call; the last known place when the desktop
-    // does not answer.
-    [[nodiscard]] virtual GlobalPoint location() = 0;
+    // does not answer, and nothing when it does not know itself.
+    [[nodiscard]] virtual std::optional<GlobalPoint> location() = 0;
 };
 
 } // namespace vantrel

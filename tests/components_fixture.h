@@ -19,6 +19,8 @@ namespace vantrel {
 // The application state on a desktop in memory, and a window for parts that show it.
 class ViewTest : public HeadlessTest {
 protected:
+    explicit ViewTest(bool inWaylandSession = false) : inWaylandSession_(inWaylandSession) {}
+
     // Puts a part into a window.
     QWidget& show(QWidget* part) {
         window = std::make_unique<VantrelBackground>(part);
@@ -65,12 +67,20 @@ protected:
     }
     auto laserColor() { return view.binding(&AppPreferences::laser, &LaserSettings::color); }
 
+    const bool inWaylandSession_;
     SettingsStore store{desktop.userDefaults, "key"};
     AppState state{store, AppDesktop::of(desktop)};
     DrawnCursor cursor;
     int terminations = 0;
-    ViewContext view{state, ViewDesktop::of(desktop, cursor, [this] { ++terminations; })};
+    ViewContext view{state, viewDesktop()};
     std::unique_ptr<QWidget> window;
+
+private:
+    ViewDesktop viewDesktop() {
+        auto views = ViewDesktop::of(desktop, cursor, [this] { ++terminations; });
+        views.inWaylandSession = inWaylandSession_;
+        return views;
+    }
 };
 
 } // namespace vantrel

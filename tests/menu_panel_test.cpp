@@ -1,4 +1,5 @@
 #include "ui/components/color_choices.h"
+#include "ui/components/stack.h"
 #include "views_fixture.h"
 
 namespace vantrel {
@@ -95,6 +96,67 @@ TEST_F(MenuPanelTest, TellsThatClicksCannotBeSeenOnlyWhileTheyAreWanted) {
     state.apply();
     update();
     EXPECT_FALSE(says(notice));
+}
+
+constexpr auto englishNotice =
+    "In a Wayland session, effects and shortcuts work only while an X program has the keyboard. "
+    "Effects appear only over windows of X programs, and hide when the pointer rests for 3 "
+    "seconds.";
+constexpr auto chineseNotice = "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+                               "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。";
+
+TEST_F(MenuPanelTest, SaysNothingOfWaylandElsewhere) {
+    open<MenuPanel>();
+    EXPECT_FALSE(says(englishNotice));
+}
+
+class WaylandPanelTest : public ViewsTest {
+protected:
+    WaylandPanelTest() : ViewsTest(true) {}
+};
+
+TEST_F(WaylandPanelTest, TellsWhatWorksUntilThatIsDismissedForGood) {
+    open<MenuPanel>();
+    EXPECT_TRUE(says(englishNotice));
+    change([](auto& preferences) { preferences.language = AppLanguage::chinese; });
+    EXPECT_TRUE(says(chineseNotice));
+    click("关闭提示");
+    EXPECT_FALSE(says(chineseNotice));
+    EXPECT_TRUE(desktop.userDefaults.boolean("waylandNoticeDismissed"));
+    setMode(CursorMode::highlight);
+    EXPECT_FALSE(says(chineseNotice));
+    open<MenuPanel>();
+    EXPECT_FALSE(says(chineseNotice));
+}
+
+TEST_F(WaylandPanelTest, AsksForTheRoomOfTheNoticeBeforeItIsOnTheScreen) {
+    for (const auto language : {AppLanguage::english, AppLanguage::chinese}) {
+        change([&](auto& preferences) { preferences.language = language; });
+        MenuPanel unseen(view);
+        settleLayout(unseen);
+        const auto& panel = open<MenuPanel>();
+        settleLayout(*window);
+        EXPECT_EQ(unseen.sizeHint(), panel.sizeHint()) << nameOf(language);
+    }
+}
+
+TEST_F(WaylandPanelTest, TheNoticeTakesItsRoomFromTheSectionOnASmallScreenOnly) {
+    setMode(CursorMode::highlight);
+    auto& panel = open<MenuPanel>();
+    for (const auto language : {AppLanguage::english, AppLanguage::chinese}) {
+        change([&](auto& preferences) { preferences.language = language; });
+        desktop.screens.set({screen(1, {0, 0, 1920, 1080})});
+        update();
+        EXPECT_EQ(scrolled()->height(), 286);
+        EXPECT_EQ(scrolled()->verticalScrollBar()->maximum(), 0);
+        desktop.screens.set({screen(1, {0, 0, 800, 500})});
+        update();
+        EXPECT_LT(scrolled()->height(), 150);
+        EXPECT_LT(panel.sizeHint().height(), 500);
+    }
+    click("关闭提示");
+    EXPECT_EQ(scrolled()->height(), 150);
+    EXPECT_LT(panel.sizeHint().height(), 500);
 }
 
 TEST_F(MenuPanelTest, LeadsToTheWindowsAndToTheEnd) {

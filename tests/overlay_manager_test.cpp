@@ -158,6 +158,47 @@ TEST_F(OverlayManagerTest, HidesTheRestingHighlightUntilSomethingHappens) {
     EXPECT_FALSE(cursorHidden());
 }
 
+TEST_F(OverlayManagerTest, HidesEitherMarkWhileThePointerIsNotKnown) {
+    desktop.pointer.known = false;
+    for (const auto mode : {CursorMode::highlight, CursorMode::laser}) {
+        show(mode);
+        EXPECT_TRUE(cursorHidden());
+        EXPECT_EQ(desktop.overlayWindows.counts().places, 0);
+    }
+    desktop.pointer.known = true;
+    EXPECT_EQ(flushesOf([&] { desktop.frame(); }), 1);
+    EXPECT_FALSE(cursorHidden());
+    EXPECT_GT(windows()[0]->screenshot().pixelColor(400, 300).alpha(), 0);
+
+    desktop.pointer.known = false;
+    EXPECT_EQ(flushesOf([&] { desktop.frame(); }), 1);
+    EXPECT_TRUE(cursorHidden());
+    EXPECT_EQ(flushesOf([&] { desktop.frame(); }), 0);
+    desktop.pointer.known = true;
+    desktop.pointer.place = {200, 100};
+    EXPECT_EQ(flushesOf([&] { desktop.eventMonitors.send({.type = EventType::mouseMoved}); }), 1);
+    EXPECT_FALSE(cursorHidden());
+    EXPECT_EQ(windows()[0]->screenshot().pixelColor(400, 300).alpha(), 0);
+}
+
+TEST_F(OverlayManagerTest, ThePointersReturnIsActivityEvenToWhereItLeft) {
+    preferences.highlight.idleHide = true;
+    show(CursorMode::highlight);
+    desktop.pointer.known = false;
+    desktop.frame(2);
+    click();
+    desktop.frame(2);
+    EXPECT_TRUE(cursorHidden());
+    desktop.frame(2);
+    desktop.pointer.known = true;
+    desktop.frame();
+    EXPECT_FALSE(cursorHidden());
+    desktop.frame(2.9);
+    EXPECT_FALSE(cursorHidden());
+    desktop.frame(0.2);
+    EXPECT_TRUE(cursorHidden());
+}
+
 TEST_F(OverlayManagerTest, PlaysAClickAndDrawsOnceMoreAfterItsEnd) {
     show(CursorMode::highlight);
     click();

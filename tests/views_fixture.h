@@ -20,6 +20,8 @@ namespace vantrel {
 // Whole views, in windows of their own.
 class ViewsTest : public ViewTest {
 protected:
+    using ViewTest::ViewTest;
+
     void SetUp() override {
         desktop.screens.set({screen(1, {0, 0, 1920, 1080})});
         state.apply();

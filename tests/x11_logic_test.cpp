@@ -6,6 +6,7 @@
 #include "platform/x11/raise_policy.h"
 #include "platform/x11/screens.h"
 #include "platform/x11/sprite_window.h"
+#include "platform/x11/xwayland.h"
 
 #include <gtest/gtest.h>
 
@@ -213,6 +214,46 @@ TEST(CutOutTest, KeepsWhatIsAtLeastHalfAsOpaqueAsTheRest) {
     picture.fill(Qt::transparent);
     cutOut(picture, cut);
     EXPECT_TRUE(cut.empty());
+}
+
+TEST(XwaylandTrustTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
+    struct Step {
+        int x;
+        bool inside;
+        bool held;
+        bool known;
+    };
+    const Step steps[] = {
+        {0, false, false, false},                             // not seen yet
+        {50, true, false, true},   {50, false, false, false}, // it has left there
+        {20, true, true, true},    {90, false, true, true},   // dragged beyond the window
+        {90, false, true, true},                              // resting there
+        {90, false, false, false}, {30, true, true, true},
+        {30, false, true, false}, // the compositor took the drag over
+        {31, true, false, true},
+    };
+    XwaylandTrust trust;
+    for (const auto& [x, inside, held, known] : steps) {
+        const XwaylandWord word{
+            .place = QPoint(x, 0), .inside = inside, .held = held, .focused = true};
+        EXPECT_EQ(trust.accepts(word, 0), known) << "at " << x;
+        auto unfocused = word;
+        unfocused.focused = false;
+        EXPECT_FALSE(XwaylandTrust().accepts(unfocused, 0));
+    }
+}
+
+TEST(XwaylandTrustTest, ThePointerIsNotKnownAnyMoreWhenNothingWasHeardOfItForLong) {
+    XwaylandTrust trust;
+    XwaylandWord word{.place = QPoint(10, 0), .inside = true, .focused = true};
+    EXPECT_TRUE(trust.accepts(word, 100));
+    EXPECT_TRUE(trust.accepts(word, 102.9));
+    EXPECT_FALSE(trust.accepts(word, 103));
+    word.held = true;
+    EXPECT_TRUE(trust.accepts(word, 200));
+    EXPECT_FALSE(trust.accepts(word, 203));
+    word.place.rx() += 1;
+    EXPECT_TRUE(trust.accepts(word, 204));
 }
 
 } // namespace

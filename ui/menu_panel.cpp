@@ -22,6 +22,7 @@ namespace vantrel {
 namespace {
 
 constexpr int margin = 16;
+constexpr int partSpacing = 12;
 constexpr int sectionSpacing = 10;
 constexpr int buttonPadding = 4; // inside a button around what is seen of it
 constexpr TextStyle secondaryCaption = captionText.toned(Tone::secondary);
@@ -99,9 +100,44 @@ QWidget* offSection(ViewContext& view) {
                               row(8, {hugging(symbol), text}, Alignment::leading)->padded(12))});
 }
 
-std::optional<double> visibleHeight(const Screens& screens) {
-    const auto& list = screens.list();
-    return list.empty() ? std::nullopt : std::optional(list.front().visibleFrame.height);
+bool hasWaylandNotice(const ViewContext& view) {
+    return view.desktop().inWaylandSession &&
+           !view.desktop().userDefaults.boolean(waylandNoticeDismissedKey);
+}
+
+// Null where it will never be shown.
+QWidget* waylandNotice(ViewContext& view) {
+    if (!hasWaylandNotice(view)) {
+        return nullptr;
+    }
+    auto* text =
+        symbolLabel(view, "info.circle", Tone::secondary,
+                    Text{"In a Wayland session, effects and shortcuts work only while an X "
+                         "program has the keyboard. Effects appear only over windows of X "
+                         "programs, and hide when the pointer rests for 3 seconds.",
+                         "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+                         "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。"},
+                    secondaryCaption);
+    auto* dismiss = iconButton(
+        view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"}, [&view] {
+            view.desktop().userDefaults.setBoolean(waylandNoticeDismissedKey, true);
+            view.refresh();
+        });
+    return view.showWhile(
+        row(8, {text, dismiss}, Alignment::leading)->padded({margin, 0, margin - buttonPadding, 0}),
+        [&view] { return hasWaylandNotice(view); });
+}
+
+// What the screen leaves to the section and the parts that are always there.
+std::optional<double> availableHeight(const ViewContext& view, const QWidget* notice) {
+    const auto& screens = view.desktop().screens.list();
+    if (screens.empty()) {
+        return std::nullopt;
+    }
+    const int taken = notice != nullptr && hasWaylandNotice(view)
+                          ? notice->heightForWidth(MenuPanel::fixedWidth) + partSpacing
+                          : 0;
+    return screens.front().visibleFrame.height - taken;
 }
 
 QWidget* modeSection(ViewContext& view) {
@@ -122,17 +158,17 @@ int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight) {
     return static_cast<int>(std::min(preferred, available));
 }
 
-MenuPanel::MenuPanel(ViewContext& view) : MenuPanel(view, modeSection(view)) {}
+MenuPanel::MenuPanel(ViewContext& view) : MenuPanel(view, waylandNotice(view), modeSection(view)) {}
 
-MenuPanel::MenuPanel(ViewContext& view, QWidget* section)
-    : VantrelBackground(column(12, {header(view), inset(modeBadge(view)), inset(divider()),
-                                    inset(modeChoices(view, true)), insetSection(section),
-                                    inset(divider()), footer(view)})
+MenuPanel::MenuPanel(ViewContext& view, QWidget* notice, QWidget* section)
+    : VantrelBackground(column(partSpacing, {header(view), inset(modeBadge(view)), notice,
+                                             inset(divider()), inset(modeChoices(view, true)),
+                                             insetSection(section), inset(divider()), footer(view)})
                             ->padded(0, margin)) {
     setFixedWidth(fixedWidth);
-    const auto fit = [&view, section] {
+    const auto fit = [&view, notice, section] {
         section->setFixedHeight(
-            panelSectionHeight(view.state().mode().get(), visibleHeight(view.desktop().screens)));
+            panelSectionHeight(view.state().mode().get(), availableHeight(view, notice)));
     };
     view.follow(section, fit);
     screens_ = view.desktop().screens.onChange([this, fit] {

@@ -4,12 +4,16 @@
 #include "ui/components/view_context.h"
 
 #include <optional>
+#include <string_view>
 
 namespace vantrel {
 
 // How high the section of a mode is, in points, on a main screen of which that height is free, or
 // when there is none.
 [[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight);
+
+// In the user defaults: true once the notice about Wayland sessions was dismissed.
+inline constexpr std::string_view waylandNoticeDismissedKey = "waylandNoticeDismissed";
 
 // What opens from the status item: the mode, and the few settings that it has. It is always as wide
 // as its hint, and as high when everything is to be seen.
@@ -24,7 +28,7 @@ public:
     }
 
 private:
-    MenuPanel(ViewContext& view, QWidget* section);
+    MenuPanel(ViewContext& view, QWidget* notice, QWidget* section);
 
     Subscription screens_;
 };

@@ -19,6 +19,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,12 +30,13 @@ namespace vantrel::headless {
 
 class Pointer final : public vantrel::Pointer {
 public:
-    [[nodiscard]] GlobalPoint location() override {
+    [[nodiscard]] std::optional<GlobalPoint> location() override {
         ++queries;
-        return place;
+        return known ? std::optional(place) : std::nullopt;
     }
 
     GlobalPoint place;
+    bool known = true;
     int queries = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/x11/connection.h"
 
 #include "platform/x11/handles.h"
+#include "platform/x11/xwayland.h"
 
 #include <algorithm>
 #include <cassert>
@@ -190,6 +191,13 @@ std::uint8_t Connection::firstEvent(xcb_extension_t& extension) const {
 std::uint8_t Connection::majorOpcode(xcb_extension_t& extension) const {
     const auto* data = xcb_get_extension_data(connection_, &extension);
     return data != nullptr && data->present != 0 ? data->major_opcode : std::uint8_t{0};
+}
+
+bool Connection::isXwayland() {
+    if (!xwayland_) {
+        xwayland_ = x11::isXwayland(connection_, root());
+    }
+    return *xwayland_;
 }
 
 Subscription Connection::addHandler(EventHandler& handler) {

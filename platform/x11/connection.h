@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,8 @@ public:
     }
     // A visual with 8 bits of alpha, 0 when the server has none.
     [[nodiscard]] xcb_visualid_t argbVisual() const { return argbVisual_; }
+    // Asked when somebody first wants to know.
+    [[nodiscard]] bool isXwayland();
     // First event of an extension, 0 when the server lacks it; likewise for the major opcode.
     [[nodiscard]] std::uint8_t firstEvent(xcb_extension_t& extension) const;
     [[nodiscard]] std::uint8_t majorOpcode(xcb_extension_t& extension) const;
@@ -121,6 +124,7 @@ private:
     const xcb_screen_t* screen_ = nullptr;
     std::array<xcb_atom_t, static_cast<std::size_t>(Atom::count)> atoms_{};
     xcb_visualid_t argbVisual_ = 0;
+    std::optional<bool> xwayland_;
     QSize rootSize_;
     std::uint32_t rootEvents_ = 0;
     std::vector<EventHandler*> handlers_; // null where one has left

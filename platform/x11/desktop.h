@@ -20,7 +20,7 @@ struct X11Desktop {
     explicit X11Desktop(Connection& connection)
         : eventLoop(connection),
           screens(connection),
-          pointer(connection, screens),
+          pointer(connection, screens, clock),
           eventMonitors(connection, pointer),
           hotKeys(connection),
           keyboard(connection),

@@ -156,7 +156,7 @@ void X11EventMonitors::deliverPresses() {
     for (const auto& press : presses) {
         mapping.request(press);
     }
-    const auto place = pointer_.location();
+    const auto place = pointer_.location().value_or(pointer_.lastLocation());
     for (const auto& press : presses) {
         const auto button = mapping.buttonOf(press);
         const auto type = button == leftButton    ? EventType::leftMouseDown

@@ -2,17 +2,22 @@
 
 namespace vantrel::x11 {
 
-X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens)
-    : connection_(connection), screens_(screens) {}
+X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens, const Clock& clock)
+    : connection_(connection), screens_(screens), clock_(clock) {
+    if (connection.isXwayland()) {
+        xwayland_.emplace(connection);
+    }
+}
 
-GlobalPoint X11Pointer::location() {
+std::optional<GlobalPoint> X11Pointer::location() {
     auto* xcb = connection_.xcb();
     const Owned<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));
     if (reply && reply->same_screen != 0) {
         pixel_ = QPoint(reply->root_x, reply->root_y);
+        known_ = !xwayland_ || xwayland_->isKnown(*reply, clock_.uptime());
     }
-    return lastLocation();
+    return known_ ? std::optional(lastLocation()) : std::nullopt;
 }
 
 GlobalPoint X11Pointer::lastLocation() const {

@@ -1,22 +1,27 @@
 #pragma once
 
+#include "platform/clock.h"
 #include "platform/pointer.h"
 #include "platform/x11/screens.h"
+#include "platform/x11/xwayland.h"
 
 namespace vantrel::x11 {
 
 class X11Pointer final : public Pointer {
 public:
-    X11Pointer(Connection& connection, const X11Screens& screens);
+    X11Pointer(Connection& connection, const X11Screens& screens, const Clock& clock);
 
-    [[nodiscard]] GlobalPoint location() override;
-    // The answer of the last query, without asking.
+    [[nodiscard]] std::optional<GlobalPoint> location() override;
+    // The place in the last answer, without asking.
     [[nodiscard]] GlobalPoint lastLocation() const;
 
 private:
     Connection& connection_;
     const X11Screens& screens_;
+    const Clock& clock_;
     QPoint pixel_;
+    bool known_ = true;
+    std::optional<XwaylandPointer> xwayland_; // where the server is one
 };
 
 } // namespace vantrel::x11

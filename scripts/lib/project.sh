@@ -21,8 +21,8 @@ desktop_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}"
-    dbus-daemon dmz-cursor-theme libgmock-dev libgtest-dev trayer x11-xkb-utils x11-xserver-utils
-    xcompmgr xserver-xorg-core xserver-xorg-video-dummy
+    dbus-daemon dmz-cursor-theme libgmock-dev libgtest-dev sway trayer x11-xkb-utils
+    x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland
 )
 demo_packages=(
     "${desktop_packages[@]}"

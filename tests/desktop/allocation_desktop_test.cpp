@@ -48,7 +48,7 @@ TEST_F(OverlayDesktopTest, TakesNoMemoryToFollowThePointer) {
         input.moveTo({100 + x, 200});
         handleWhatComes();
     }
-    ASSERT_EQ(x11->pointer.location().x, 299);
+    ASSERT_EQ(x11->pointer.lastLocation().x, 299);
     for (int i = 0; i < 60; ++i) {
         handleWhatComes();
     }

@@ -235,6 +235,7 @@ void defineOptions(QCommandLineParser& options) {
     flag("custom", "colours of no palette");
     flag("idle", "hide when idle");
     flag("problems", "with everything failing that can fail");
+    flag("wayland", "as in a Wayland session");
     flag("alert", "ask whether to reset the preferences");
     valued("png", "write a picture and exit", "");
     options.addHelpOption();
@@ -316,7 +317,8 @@ int run(const QApplication& application) {
                              .userDefaults = desktop.userDefaults,
                              .keyboard = desktop.keyboard,
                              .alertSound = desktop.alertSound,
-                             .terminate = [] { QApplication::quit(); }});
+                             .terminate = [] { QApplication::quit(); },
+                             .inWaylandSession = options.isSet(text("wayland"))});
     if (!prepare(options, desktop, state)) {
         std::fputs("vantrel-gallery: no such language, mode or tab\n", stderr);
         return 2;

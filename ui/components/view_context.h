@@ -33,6 +33,8 @@ struct ViewDesktop {
     AlertSound& alertSound;
     // Ends the program.
     std::function<void()> terminate;
+    // Only a part of the session is known: the programs that run through Xwayland, as this one.
+    bool inWaylandSession = false;
 
     // Of one object that holds the rest under these names, as the desktop in memory does.
     template <typename Desktop>

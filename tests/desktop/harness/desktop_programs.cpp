@@ -76,11 +76,15 @@ std::vector<std::string> commandFor(CompositingManager manager,
 
 ChildProcess startDesktopProgram(const PrivateServer& server,
                                  const std::vector<std::string>& arguments,
-                                 const std::function<bool()>& ready) {
+                                 const std::function<bool()>& ready, const Environment& variables) {
     const std::string& name = arguments.front();
     const std::filesystem::path errors = server.folder() / (name + ".err");
+    Environment environment = server.environment();
+    for (const auto& [variable, value] : variables) {
+        environment[variable] = value;
+    }
     ChildProcess process({.arguments = arguments,
-                          .environment = server.environment(),
+                          .environment = environment,
                           .output = server.folder() / (name + ".out"),
                           .errors = errors});
     bool running = true;

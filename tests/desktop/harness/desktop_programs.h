@@ -12,10 +12,12 @@ namespace vantrel::desktop {
 // Each starts the program on the server and returns once it is in charge; throws when it is not in
 // time.
 
-// The condition says when a program, searched for in PATH, is in charge.
+// The condition says when a program, searched for in PATH, is in charge. The variables go on top of
+// the server's environment.
 [[nodiscard]] ChildProcess startDesktopProgram(const PrivateServer& server,
                                                const std::vector<std::string>& arguments,
-                                               const std::function<bool()>& ready);
+                                               const std::function<bool()>& ready,
+                                               const Environment& variables = {});
 [[nodiscard]] bool hasOwner(const XConnection& connection, const std::string& selection);
 
 // openbox, with the distribution's settings.
