@@ -1,6 +1,5 @@
 #include "platform/x11/xwayland.h"
 
-#include <algorithm>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -48,9 +47,8 @@ bool isXwayland(xcb_connection_t* connection, xcb_window_t root) {
         xcb_randr_get_screen_resources_current_outputs(resources.get()),
         static_cast<std::size_t>(
             xcb_randr_get_screen_resources_current_outputs_length(resources.get())));
-    return std::ranges::any_of(outputs, [connection](xcb_randr_output_t output) {
-        return isOutputOfXwayland(connection, output);
-    });
+    // All of them are, or none.
+    return !outputs.empty() && isOutputOfXwayland(connection, outputs.front());
 }
 
 // A drag that began in one of its windows is followed wherever it leads, unless the compositor has

@@ -39,7 +39,7 @@ struct ViewDesktop {
     // Of one object that holds the rest under these names, as the desktop in memory does.
     template <typename Desktop>
     [[nodiscard]] static ViewDesktop of(Desktop& desktop, const CursorImages& cursors,
-                                        std::function<void()> terminate) {
+                                        const std::function<void()>& terminate) {
         return {.clock = desktop.clock,
                 .cursors = cursors,
                 .screens = desktop.screens,
@@ -47,7 +47,7 @@ struct ViewDesktop {
                 .userDefaults = desktop.userDefaults,
                 .keyboard = desktop.keyboard,
                 .alertSound = desktop.alertSound,
-                .terminate = std::move(terminate)};
+                .terminate = terminate};
     }
 };
 
