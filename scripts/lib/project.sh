@@ -12,6 +12,8 @@ build_packages=(
     libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev
     libplist-dev nlohmann-json3-dev
 )
+# Besides those of the build.
+package_packages=(dpkg-dev file)
 # Whether a display answers is asked with xdpyinfo.
 display_packages=(x11-utils)
 # The private desktop of the tests, the demo and the screenshots.
@@ -33,8 +35,8 @@ screenshot_packages=(
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
 )
 check_packages=(
-    clang clang-format clang-tidy desktop-file-utils libbenchmark-dev libclang-rt-14-dev python3
-    shellcheck
+    appstream clang clang-format clang-tidy desktop-file-utils fish libbenchmark-dev
+    libclang-rt-14-dev lintian man-db mandoc python3 shellcheck zsh
 )
 
 say() {
