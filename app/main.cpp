@@ -1,141 +1,131 @@
-#include "app/program.h"
-#include "platform/freedesktop/termination_signals.h"
-#include "ui/components/plain_style.h"
-
-#include <QApplication>
+#include "app/background.h"
+#include "app/running_instance.h"
+#include "app/start.h"
+#include "platform/x11/connection.h"
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string_view>
+
+#include <dlfcn.h>
+#include <unistd.h>
 
 namespace vantrel {
 namespace {
 
 constexpr auto usage =
-    "Usage: vantrel [--settings | --help | --version]\n"
+    "Usage: vantrel [--settings]\n"
+    "       vantrel COMMAND\n"
     "\n"
-    "Makes the mouse pointer easy to follow, on every display.\n"
+    "Makes the mouse pointer easy to follow, on every display. Without a command, Vantrel starts;\n"
+    "when it runs already on this display, its windows come to the front, or the settings open.\n"
     "\n"
-    "  --settings  open the settings window\n"
-    "  --help      show this text and exit\n"
-    "  --version   show the version and exit\n"
+    "  --settings         open the settings window\n"
+    "  --help             show this text and exit\n"
+    "  --version          show the version and exit\n"
     "\n"
-    "When it runs already on this display, starting it again brings its windows to the\n"
-    "front, or opens the settings.\n";
+    "Commands to the Vantrel that runs:\n"
+    "  off                show nothing\n"
+    "  highlight          show the highlight; starts Vantrel if need be, as do those below\n"
+    "  laser              show the laser\n"
+    "  toggle highlight   show the highlight, or nothing when it was shown\n"
+    "  toggle laser       show the laser, or nothing when it was shown\n"
+    "  settings           open the settings window\n"
+    "  status [--json]    print the mode: off, highlight or laser; or that and more, as JSON\n"
+    "  quit               end Vantrel\n"
+    "\n"
+    "Exit status: 0 done, 1 failed, 2 not understood, 3 Vantrel does not run on this display.\n";
 
-constexpr std::chrono::seconds patience(5);
+constexpr std::chrono::seconds patienceWithServer(7); // and with the program, whose limit is lower
+constexpr std::chrono::seconds patienceWithStart(30);
 
-int fail(const std::string& message) {
-    std::fprintf(stderr, "vantrel: %s\n", message.c_str());
-    return EXIT_FAILURE;
-}
+using Status = CommandAnswer::Status;
 
-void prepareToolkit() {
-    // The overlays are on the X server, and so is everything else.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "xcb");
+CommandAnswer misunderstood(const CommandWords& words) {
+    std::string text;
+    for (const auto& word : words) {
+        text.append(text.empty() ? "" : " ").append(word);
     }
-    QApplication::setApplicationName(QStringLiteral("vantrel"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
-    QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("vantrel"));
-    QApplication::setQuitOnLastWindowClosed(false);
+    return {.status = Status::wrongUsage,
+            .text = "unknown command \"" + text + "\", see vantrel --help"};
 }
 
-// When the X server goes away, the toolkit ends the process at once, as a failure, and with all
-// that it has on its stack. The end of a session is none.
-class ServerLoss {
+// The program itself is a module: a command is answered before its libraries would be loaded.
+int runProgram(const Start& start) {
+    std::error_code error;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
+    void* program = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* function = program != nullptr ? dlsym(program, runProgramName) : nullptr;
+    if (function == nullptr) {
+        return report(failure(dlerror()));
+    }
+    return reinterpret_cast<RunProgram*>(function)(start);
+}
+
+// An X server that hangs is waited for at every turn, without an end.
+class ServerPatience {
 public:
-    ServerLoss() {
-        current_ = this;
-        std::atexit([] {
-            if (current_ != nullptr) {
-                current_->endProgram();
-                std::_Exit(EXIT_SUCCESS);
-            }
+    explicit ServerPatience(std::chrono::seconds limit) {
+        std::signal(SIGALRM, [](int) {
+            constexpr std::string_view message("vantrel: no answer from the X server\n");
+            [[maybe_unused]] const auto written =
+                write(STDERR_FILENO, message.data(), message.size());
+            _exit(EXIT_FAILURE);
         });
+        alarm(static_cast<unsigned>(limit.count()));
     }
-    ~ServerLoss() { current_ = nullptr; }
-    ServerLoss(const ServerLoss&) = delete;
-    ServerLoss& operator=(const ServerLoss&) = delete;
-
-    void setProgram(Program* program) { program_ = program; }
-
-private:
-    void endProgram() {
-        if (program_ != nullptr) {
-            program_->end();
-        }
+    ~ServerPatience() {
+        alarm(0);
+        std::signal(SIGALRM, SIG_DFL);
     }
-
-    static inline ServerLoss* current_ = nullptr;
-    Program* program_ = nullptr;
+    ServerPatience(const ServerPatience&) = delete;
+    ServerPatience& operator=(const ServerPatience&) = delete;
 };
 
-int runAsInstance(x11::Connection& connection, x11::Instance& instance, int argc, char** argv,
-                  std::span<const std::string> arguments) {
-    TerminationSignals signals;
-    ServerLoss serverLoss;
-    prepareToolkit();
-    // The arguments are the program's; the toolkit would take some of its own out of them.
-    int toolkitArgc = std::min(argc, 1);
-    const QApplication application(toolkitArgc, argv);
-    vantrel::installPlainStyle();
-    Program program(connection, instance, arguments);
-    serverLoss.setProgram(&program);
-    signals.deliverTo([] { QCoreApplication::exit(); });
-    const int status = QApplication::exec();
-    program.end();
-    serverLoss.setProgram(nullptr);
-    if (connection.isLost()) {
-        // The toolkit has nobody left to take leave of.
-        std::_Exit(EXIT_SUCCESS);
-    }
-    return status;
-}
-
-int run(int argc, char** argv, std::span<const std::string> arguments) {
+// Nothing when no instance runs.
+std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
+    const ServerPatience serverPatience(patienceWithServer);
     std::string error;
     const auto connection = x11::Connection::open({}, error);
-    if (!connection) {
-        return fail(error);
+    return connection ? askRunningInstance(*connection, words, command) : failure(error);
+}
+
+int runCommand(const Start& start) {
+    if (const auto answer = giveCommand(start.words, start.command)) {
+        return report(*answer);
     }
-    while (true) {
-        if (const auto instance = x11::Instance::claim(*connection)) {
-            return runAsInstance(*connection, *instance, argc, argv, arguments);
-        }
-        const std::vector<std::string> again(arguments.begin(), arguments.end());
-        switch (x11::Instance::handOver(*connection, again, patience)) {
-        case x11::Instance::HandOver::taken:
-            return EXIT_SUCCESS;
-        case x11::Instance::HandOver::unanswered:
-            return fail("it runs already on this display, and does not answer");
-        case x11::Instance::HandOver::gone:
-            break;
-        }
+    if (!start.command.startsProgram()) {
+        return report({.status = Status::notRunning, .text = "not running on this display"});
     }
+    return runInBackground(patienceWithStart, [&start](std::function<void()> ready) {
+        Start again = start;
+        again.launched = std::move(ready);
+        return runProgram(again);
+    });
 }
 
 } // namespace
 } // namespace vantrel
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    for (const auto& argument : arguments) {
-        if (argument == "--help") {
-            std::fputs(vantrel::usage, stdout);
-            return EXIT_SUCCESS;
-        }
-        if (argument == "--version") {
-            std::puts("vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")");
-            return EXIT_SUCCESS;
-        }
-        if (argument != vantrel::AppDelegate::settingsArgument) {
-            std::fprintf(stderr, "vantrel: unknown argument \"%s\", see vantrel --help\n",
-                         argument.c_str());
-            return 2;
-        }
+    const vantrel::CommandWords words(argv + std::min(argc, 1), argv + argc);
+    if (std::ranges::find(words, "--help") != words.end()) {
+        std::fputs(vantrel::usage, stdout);
+        return EXIT_SUCCESS;
     }
-    return vantrel::run(argc, argv, arguments);
+    if (words == vantrel::CommandWords{"--version"}) {
+        std::puts("vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")");
+        return EXIT_SUCCESS;
+    }
+    const auto command = vantrel::parseCommand(words);
+    if (!command) {
+        return vantrel::report(vantrel::misunderstood(words));
+    }
+    const vantrel::Start start{argc, argv, words, *command, [] {}};
+    return command->isStart() ? vantrel::runProgram(start) : vantrel::runCommand(start);
 }

@@ -9,18 +9,19 @@
 
 namespace vantrel {
 
-Program::Program(x11::Connection& connection, x11::Instance& instance,
-                 std::span<const std::string> arguments)
+Program::Program(x11::Connection& connection, CommandSocket& commands, const Command& command,
+                 std::function<void()> launched)
     : connection_(connection),
-      instance_(instance),
+      commands_(commands),
       x11_(connection),
       loginItem_(runningExecutable()),
       delegate_(appDesktop(), viewDesktop(), shellDesktop()) {
-    delegate_.applicationDidFinishLaunching(arguments);
+    delegate_.applicationDidFinishLaunching(command);
     observeDesktop();
-    // Starts that came in the meantime have their turn after the launch.
-    mainQueue_.async([this] {
-        instance_.setReopen([this](const std::vector<std::string>& again) { reopen(again); });
+    // Those that came in the meantime have their turn after the launch.
+    mainQueue_.async([this, launched = std::move(launched)] {
+        takeCommands();
+        launched();
     });
 }
 
@@ -77,9 +78,40 @@ void Program::observeDesktop() {
         [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
 }
 
-void Program::reopen(std::span<const std::string> arguments) {
-    delegate_.applicationShouldHandleReopen(!AppDelegate::asksForSettings(arguments) &&
-                                            delegate_.hasVisibleWindows());
+void Program::takeCommands() {
+    commands_.setHandler([this](const CommandWords& words) -> CommandAnswer {
+        if (const auto command = parseCommand(words)) {
+            return delegate_.carryOut(*command);
+        }
+        return {.status = CommandAnswer::Status::wrongUsage, .text = "it knows no such command"};
+    });
+    control_.emplace(remoteControl());
+    const auto announce = [this] { control_->announce(); };
+    subscriptions_.push_back(
+        delegate_.state().mode().observe([announce](CursorMode) { announce(); }));
+    subscriptions_.push_back(
+        delegate_.state().clickAvailable().observe([announce](bool) { announce(); }));
+    subscriptions_.push_back(delegate_.state().hotkeyError().observe(
+        [announce](const std::optional<std::string>&) { announce(); }));
+}
+
+RemoteControl Program::remoteControl() {
+    const auto carryOut = [this](Command::Action action, const std::string& name) {
+        const auto mode = caseNamed<CursorMode>(name);
+        const bool meant = mode && (action == Command::Action::setMode || *mode != CursorMode::off);
+        if (meant) {
+            delegate_.carryOut({.action = action, .mode = *mode});
+        }
+        return meant;
+    };
+    return {
+        .setMode =
+            [carryOut](const auto& mode) { return carryOut(Command::Action::setMode, mode); },
+        .toggle = [carryOut](const auto& mode) { return carryOut(Command::Action::toggle, mode); },
+        .openSettings = [this] { delegate_.open(AppWindow::settings); },
+        .quit = [this] { quit(); },
+        .status = [this] { return delegate_.status(); },
+    };
 }
 
 // Also from within an event loop that has not been started yet.
@@ -89,7 +121,7 @@ void Program::quit() {
 
 void Program::end() {
     if (!std::exchange(ended_, true)) {
-        instance_.setReopen({});
+        commands_.setHandler({});
         delegate_.applicationWillTerminate();
         defaults_.flush();
     }

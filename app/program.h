@@ -3,6 +3,8 @@
 #include "app/shell/app_delegate.h"
 #include "overlay/drawn_cursor.h"
 #include "platform/freedesktop/autostart_login_item.h"
+#include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/control_service.h"
 #include "platform/freedesktop/desktop_workspace.h"
 #include "platform/freedesktop/environment_locale.h"
 #include "platform/freedesktop/file_user_defaults.h"
@@ -11,10 +13,9 @@
 #include "platform/freedesktop/tray_status_item.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
-#include "platform/x11/instance.h"
 
-#include <span>
-#include <string>
+#include <functional>
+#include <optional>
 #include <vector>
 
 namespace vantrel {
@@ -23,9 +24,10 @@ namespace vantrel {
 // application object.
 class Program {
 public:
-    // The connection and the instance must outlive it.
-    Program(x11::Connection& connection, x11::Instance& instance,
-            std::span<const std::string> arguments);
+    // The connection and the socket, on which it takes commands, must outlive it. The callback
+    // comes once, when the command that it was started for was carried out.
+    Program(x11::Connection& connection, CommandSocket& commands, const Command& command,
+            std::function<void()> launched);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -37,12 +39,13 @@ private:
     [[nodiscard]] AppDesktop appDesktop();
     [[nodiscard]] ViewDesktop viewDesktop();
     [[nodiscard]] ShellDesktop shellDesktop();
-    void reopen(std::span<const std::string> arguments);
+    [[nodiscard]] RemoteControl remoteControl();
+    void takeCommands();
     void observeDesktop();
     void quit();
 
     x11::Connection& connection_;
-    x11::Instance& instance_;
+    CommandSocket& commands_;
     x11::X11Desktop x11_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;
@@ -54,6 +57,7 @@ private:
     x11::X11CursorImages cursors_{connection_, drawnCursor_};
     TrayStatusItem statusItem_{x11_.systemTray};
     AppDelegate delegate_;
+    std::optional<ControlService> control_;
     bool ended_ = false;
     std::vector<Subscription> subscriptions_;
 };

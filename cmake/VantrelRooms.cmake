@@ -7,6 +7,7 @@ include_guard(GLOBAL)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
 
@@ -22,14 +23,16 @@ target_compile_options(vantrel_options INTERFACE
     -Wimplicit-fallthrough -fno-strict-aliasing
     # Fields that an initializer leaves out are initialised where they are declared.
     -Wno-missing-field-initializers)
-target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
+# Without the tag, a program that calls nothing of Qt does not load it.
+target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII
+    QT_NO_VERSION_TAGGING)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 finds null dereferences in its own headers once it inlines them.
     # And overlaps in "literal" + std::to_string().
     target_compile_options(vantrel_options INTERFACE -Wno-null-dereference -Wno-restrict)
 endif()
-# What a distribution asks of the programs that it ships, besides position-independent code: Debian's
-# compilers make that by themselves, and Qt's targets bring the one kind of it that works with Qt.
+# What a distribution asks of the programs that it ships, besides position-independent code. No -fPIE
+# here: it would come after the -fPIC without which a program with Qt crashes at its start.
 target_compile_options(vantrel_options INTERFACE
     "$<$<CONFIG:Release>:-fstack-protector-strong;-D_FORTIFY_SOURCE=2;-Wformat;-Werror=format-security>")
 target_link_options(vantrel_options INTERFACE "$<$<CONFIG:Release>:-Wl,-z,relro;-Wl,-z,now>")

@@ -11,8 +11,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QElapsedTimer>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -150,27 +148,11 @@ TEST_F(LoginManagerEvents, AreSimplyAbsentWithoutABus) {
     EXPECT_TRUE(events.empty());
 }
 
-// Takes connections, as the kernel does for a process that hangs, and says nothing.
-class SilentBus {
-public:
-    SilentBus() {
-        std::filesystem::remove(privateBusSocket());
-        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-        privateBusSocket().string().copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-                  0);
-        EXPECT_EQ(listen(socket_.get(), 8), 0);
-    }
-
-private:
-    UniqueDescriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-};
-
 TEST_F(LoginManagerEvents, AreWaitedForWithoutHoldingTheProgramUp) {
     manager.reset();
     mock.reset();
     bus.reset();
-    std::optional<SilentBus> silent(std::in_place);
+    std::optional<desktop::SilentBus> silent(std::in_place, privateBusSocket());
     QElapsedTimer elapsed;
     elapsed.start();
     manager.emplace(std::chrono::milliseconds(20));

@@ -22,8 +22,8 @@ protected:
         desktop.userDefaults.setBoolean("welcomeDismissed", true);
         QCursor::setPos(400, 20);
     }
-    void launch(const std::vector<std::string>& arguments = {}) {
-        delegate.applicationDidFinishLaunching(arguments);
+    void launch(const Command& command = {}) {
+        delegate.applicationDidFinishLaunching(command);
         settle();
     }
     void settle() {
@@ -75,9 +75,10 @@ protected:
 };
 
 using Windows = std::vector<AppWindow>;
+using Action = Command::Action;
 
 struct Launch {
-    std::vector<std::string> arguments;
+    Command command;
     bool welcomed;
     Windows opened;
 };
@@ -86,16 +87,48 @@ class LaunchTest : public ShellTest, public testing::WithParamInterface<Launch> 
 
 TEST_P(LaunchTest, OpensTheSettingsWhenAskedToAndTheWelcomeUntilItWasDismissed) {
     desktop.userDefaults.setBoolean("welcomeDismissed", GetParam().welcomed);
-    launch(GetParam().arguments);
+    launch(GetParam().command);
     EXPECT_EQ(visibleWindows(), GetParam().opened);
     EXPECT_FALSE(delegate.popover().hasContent()) << "nobody has opened it";
 }
 
-INSTANTIATE_TEST_SUITE_P(All, LaunchTest,
-                         testing::Values(Launch{{}, false, {AppWindow::welcome}},
-                                         Launch{{"--settings"}, false, {AppWindow::settings}},
-                                         Launch{{"--settings"}, true, {AppWindow::settings}},
-                                         Launch{{}, true, {}}));
+INSTANTIATE_TEST_SUITE_P(
+    All, LaunchTest,
+    testing::Values(Launch{{}, false, {AppWindow::welcome}},
+                    Launch{{Action::startWithSettings}, false, {AppWindow::settings}},
+                    Launch{{Action::startWithSettings}, true, {AppWindow::settings}},
+                    Launch{{Action::openSettings}, true, {AppWindow::settings}},
+                    Launch{{Action::toggle, CursorMode::laser}, true, {}}, Launch{{}, true, {}}));
+
+TEST_F(ShellTest, ALaunchForAModeShowsItWhateverTheLastOneWas) {
+    for (const auto last : allCases<CursorMode>()) {
+        delegate.state().setMode(last);
+        launch({Action::toggle, CursorMode::laser});
+        EXPECT_EQ(delegate.state().mode().get(), CursorMode::laser);
+    }
+}
+
+TEST_F(ShellTest, CommandsDoWhatTheirUserCouldDo) {
+    launch();
+    const std::pair<Command, CursorMode> modes[] = {
+        {{Action::setMode, CursorMode::laser}, CursorMode::laser},
+        {{Action::setMode, CursorMode::laser}, CursorMode::laser},
+        {{Action::toggle, CursorMode::highlight}, CursorMode::highlight},
+        {{Action::toggle, CursorMode::highlight}, CursorMode::off},
+        {{Action::toggle, CursorMode::laser}, CursorMode::laser},
+        {{Action::setMode, CursorMode::off}, CursorMode::off}};
+    for (const auto& [command, mode] : modes) {
+        EXPECT_EQ(delegate.carryOut(command), CommandAnswer{});
+        EXPECT_EQ(delegate.state().mode().get(), mode);
+        EXPECT_EQ(delegate.carryOut({Action::reportStatus}).text, nameOf(mode));
+    }
+    EXPECT_EQ(visibleWindows(), Windows{});
+    delegate.carryOut({Action::openSettings});
+    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
+    EXPECT_EQ(terminations, 0);
+    delegate.carryOut({Action::quit});
+    EXPECT_EQ(terminations, 1);
+}
 
 TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
     launch();

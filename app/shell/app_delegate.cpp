@@ -29,29 +29,58 @@ AppDelegate::AppDelegate(const AppDesktop& app, const ViewDesktop& views, const 
       view_(state_, views),
       popover_(app.overlay.eventMonitors, app.overlay.clock) {}
 
-void AppDelegate::applicationDidFinishLaunching(std::span<const std::string> arguments) {
+void AppDelegate::applicationDidFinishLaunching(const Command& command) {
     shell_.statusItem.setAction([this] { togglePopover(); });
     listenForShortcuts(popover_);
     state_.openWindow = [this](AppWindow window) { open(window); };
     observeMode();
     view_.follow(this, [this] { updateMenu(); });
-    app_.mainQueue.async(
-        [this, copy = std::vector(arguments.begin(), arguments.end())] { launch(copy); });
+    app_.mainQueue.async([this, command] { launch(command); });
     subscriptions_.push_back(app_.workspace.onWillSleep([this] { sleep(); }));
     subscriptions_.push_back(app_.workspace.onDidWake([this] { wake(); }));
 }
 
-bool AppDelegate::asksForSettings(std::span<const std::string> arguments) {
-    return std::ranges::find(arguments, settingsArgument) != arguments.end();
-}
-
-void AppDelegate::launch(std::span<const std::string> arguments) {
+void AppDelegate::launch(const Command& command) {
+    if (command.setsMode()) {
+        // In place of the last one, which would be seen for a moment otherwise.
+        state_.setMode(command.mode);
+    }
     state_.startUp();
-    if (asksForSettings(arguments)) {
+    if (command.opensSettings()) {
         open(AppWindow::settings);
     } else if (!shell_.userDefaults.boolean(welcomeDismissedKey)) {
         open(AppWindow::welcome);
     }
+}
+
+CommandAnswer AppDelegate::carryOut(const Command& command) {
+    switch (command.action) {
+    case Command::Action::start:
+        applicationShouldHandleReopen(hasVisibleWindows());
+        break;
+    case Command::Action::startWithSettings:
+    case Command::Action::openSettings:
+        open(AppWindow::settings);
+        break;
+    case Command::Action::setMode:
+        state_.setMode(command.mode);
+        break;
+    case Command::Action::toggle:
+        state_.handleShortcut(command.mode);
+        break;
+    case Command::Action::reportStatus:
+        return {.text = status().mode};
+    case Command::Action::reportStatusAsJson:
+        return {.text = toJson(status())};
+    case Command::Action::quit:
+        view_.desktop().terminate();
+        break;
+    }
+    return {};
+}
+
+ProgramStatus AppDelegate::status() const {
+    return programStatus(state_, app_.bundle);
 }
 
 void AppDelegate::observeMode() {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "app/command.h"
+#include "app/program_status.h"
 #include "app/shell/popover.h"
+#include "platform/command_answer.h"
 #include "platform/status_item.h"
 #include "ui/components/view_context.h"
 
@@ -9,8 +12,6 @@
 
 #include <map>
 #include <memory>
-#include <span>
-#include <string>
 #include <string_view>
 
 namespace vantrel {
@@ -30,17 +31,14 @@ public:
     // The desktop must outlive the delegate.
     AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell);
 
-    // The argument that has the settings opened at launch.
-    static constexpr std::string_view settingsArgument = "--settings";
-
-    [[nodiscard]] static bool asksForSettings(std::span<const std::string> arguments);
-
-    // Once, with the arguments of the process without its name. What they open comes in a later
-    // turn of the main queue.
-    void applicationDidFinishLaunching(std::span<const std::string> arguments);
+    // Once, with the command that the program was started for. What it opens or switches on comes
+    // in a later turn of the main queue.
+    void applicationDidFinishLaunching(const Command& command);
     void applicationDidBecomeActive();
     // The program was started again while it runs.
     void applicationShouldHandleReopen(bool hasVisibleWindows);
+    // A command to the running program. A start is answered as a reopen.
+    CommandAnswer carryOut(const Command& command);
     void applicationWillTerminate();
     void wake();
     void sleep();
@@ -53,13 +51,14 @@ public:
     void resizePopover();
 
     [[nodiscard]] AppState& state() { return state_; }
+    [[nodiscard]] ProgramStatus status() const;
     [[nodiscard]] const Popover& popover() const { return popover_; }
     // Null while it was never opened.
     [[nodiscard]] QWidget* window(AppWindow window) const;
     [[nodiscard]] bool hasVisibleWindows() const;
 
 private:
-    void launch(std::span<const std::string> arguments);
+    void launch(const Command& command);
     void observeMode();
     void updateMenu();
     [[nodiscard]] std::vector<MenuEntry> menu();

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -39,10 +40,10 @@ std::optional<SocketAddress> toSocketAddress(const QByteArray& place, bool isPat
 }
 
 // The first address of the list that is tried. Nothing when it is no local socket.
-std::optional<SocketAddress> systemBusSocket() {
-    auto list = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+std::optional<SocketAddress> busSocket(const char* variable, const QByteArray& usual) {
+    auto list = qgetenv(variable);
     if (list.isEmpty()) {
-        list = "unix:path=/var/run/dbus/system_bus_socket";
+        list = usual;
     }
     const auto address = list.split(';').front();
     if (!address.startsWith("unix:")) {
@@ -73,7 +74,8 @@ UniqueDescriptor ask(const SocketAddress& bus) {
 } // namespace
 
 void askSystemBus(QObject* context, const std::function<void(bool answers)>& answer) {
-    const auto bus = systemBusSocket();
+    const auto bus =
+        busSocket("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/var/run/dbus/system_bus_socket");
     if (!bus) {
         answer(true);
         return;
@@ -91,6 +93,15 @@ void askSystemBus(QObject* context, const std::function<void(bool answers)>& ans
         reply->deleteLater();
         answer(count > 0);
     });
+}
+
+bool sessionBusIsSilent(std::chrono::milliseconds limit) {
+    const auto bus =
+        busSocket("DBUS_SESSION_BUS_ADDRESS",
+                  "unix:path=" + qgetenv("XDG_RUNTIME_DIR").toPercentEncoding("/") + "/bus");
+    const auto descriptor = bus ? ask(*bus) : UniqueDescriptor();
+    pollfd answer{descriptor.get(), POLLIN, 0};
+    return descriptor && poll(&answer, 1, static_cast<int>(limit.count())) == 0;
 }
 
 } // namespace vantrel

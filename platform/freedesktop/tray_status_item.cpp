@@ -27,6 +27,12 @@ TrayStatusItem::TrayStatusItem(SystemTray& tray)
         this, [this] { lookForHost(); }, Qt::QueuedConnection);
 }
 
+// While the item is there the toolkit takes the entries back from the desktop; it forgets them
+// later.
+TrayStatusItem::~TrayStatusItem() {
+    menu_.clear();
+}
+
 void TrayStatusItem::lookForHost() {
     const auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {

@@ -22,6 +22,8 @@ class TrayStatusItem final : public QObject, public StatusItem {
 public:
     // The tray must outlive the item.
     explicit TrayStatusItem(SystemTray& tray);
+    ~TrayStatusItem() override;
+    Q_DISABLE_COPY_MOVE(TrayStatusItem)
 
     void setAction(std::function<void()> action) override { action_ = std::move(action); }
     void setImage(const QIcon& image, const std::string& description) override;

@@ -150,7 +150,7 @@ void Connection::internAtoms() {
         "_NET_ACTIVE_WINDOW",
         "_NET_WM_DESKTOP",
         "_VANTREL_INSTANCE_" + std::to_string(getuid()),
-        "_VANTREL_ARGUMENTS",
+        "_VANTREL_ADDRESS",
     };
     std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
     std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {

@@ -57,7 +57,7 @@ enum class Atom : std::uint8_t {
     activeWindow,
     windowDesktop,
     instance, // of this program for this user
-    instanceArguments,
+    instanceAddress,
     count,
 };
 

@@ -1,7 +1,9 @@
-# check.bash <folder of the completions>: each shell, asked for itself, offers what fits the words.
+# check.bash <folder of the completions> <vantrel>: each shell, asked for itself, offers what fits the
+# words, and that is what the program takes.
 
 set -euo pipefail
 folder=$1
+program=$2
 here=$(dirname -- "${BASH_SOURCE[0]}")
 failures=0
 
@@ -21,6 +23,11 @@ offered() {
     esac
 }
 
+# The first words of the lines of its help.
+words_of_help() {
+    "$program" --help | sed -nE 's/^  ((--)?[a-z]+).*/\1/p' | sort -u | paste -s -d ' ' -
+}
+
 # expect <offered words, in alphabetic order> <word>...: the last word is the one to complete.
 expect() {
     local expected=$1 shell found
@@ -35,9 +42,15 @@ expect() {
 }
 
 export LC_ALL=C
-expect 'highlight laser off quit settings status toggle' vantrel ''
+options='--help --settings --version'
+commands='highlight laser off quit settings status toggle'
+[[ $(words_of_help) == "$options $commands" ]] || {
+    printf 'the program takes "%s", not "%s"\n' "$(words_of_help)" "$options $commands"
+    failures=1
+}
+expect "$commands" vantrel ''
 expect 'settings status' vantrel s
-expect '--help --settings --version' vantrel -
+expect "$options" vantrel -
 expect 'highlight laser' vantrel toggle ''
 expect 'laser' vantrel toggle l
 expect '--json' vantrel status -

@@ -28,7 +28,7 @@ TEST_F(ProgramTest, SaysInOneLineWhatItCannotDo) {
     fails({.environment = {{"DISPLAY", ":4321"}}}, 1,
           "vantrel: cannot connect to the X server \":4321\"\n");
     fails({.arguments = {"--nonsense"}}, 2,
-          "vantrel: unknown argument \"--nonsense\", see vantrel --help\n");
+          "vantrel: unknown command \"--nonsense\", see vantrel --help\n");
 }
 
 TEST_F(ProgramTest, EndsWithTheServer) {

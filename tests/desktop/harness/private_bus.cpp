@@ -5,6 +5,10 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 namespace vantrel::desktop {
 namespace {
 
@@ -49,5 +53,21 @@ ChildProcess startBus(const std::filesystem::path& socket, const std::string& ad
 
 PrivateBus::PrivateBus(const std::filesystem::path& socket)
     : address_("unix:path=" + socket.string()), process_(startBus(socket, address_)) {}
+
+SilentBus::SilentBus(const std::filesystem::path& socket)
+    : address_("unix:path=" + socket.string()),
+      socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    std::filesystem::remove(socket);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    socket.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        listen(socket_, 8) != 0) {
+        throw std::runtime_error("cannot listen at " + socket.string());
+    }
+}
+
+SilentBus::~SilentBus() {
+    close(socket_);
+}
 
 } // namespace vantrel::desktop

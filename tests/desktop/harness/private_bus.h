@@ -22,4 +22,20 @@ private:
     ChildProcess process_;
 };
 
+// A socket that takes connections, as the kernel does for a bus that hangs, and says nothing.
+class SilentBus {
+public:
+    // At that path, whatever is there. Throws when it cannot listen.
+    explicit SilentBus(const std::filesystem::path& socket);
+    ~SilentBus();
+    SilentBus(const SilentBus&) = delete;
+    SilentBus& operator=(const SilentBus&) = delete;
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+
+private:
+    std::string address_;
+    int socket_;
+};
+
 } // namespace vantrel::desktop

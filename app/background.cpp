@@ -1,0 +1,71 @@
+#include "app/background.h"
+
+#include "platform/freedesktop/unique_descriptor.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
+#include <memory>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace vantrel {
+
+namespace {
+
+void replaceByNothing(std::initializer_list<int> descriptors) {
+    const UniqueDescriptor nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
+    for (const int descriptor : descriptors) {
+        dup2(nothing.get(), descriptor);
+    }
+}
+
+// The other end is closed when the child ends.
+int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
+    pollfd descriptor{ready, POLLIN, 0};
+    if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
+        std::fputs("vantrel: it is taking very long to start\n", stderr);
+        return EXIT_FAILURE;
+    }
+    char word = 0;
+    if (recv(ready, &word, 1, 0) == 1) {
+        return EXIT_SUCCESS;
+    }
+    int status = 0;
+    const bool ended = waitpid(child, &status, 0) == child && WIFEXITED(status);
+    return ended ? WEXITSTATUS(status) : EXIT_FAILURE;
+}
+
+} // namespace
+
+int runInBackground(std::chrono::milliseconds patience,
+                    const std::function<int(std::function<void()> ready)>& program) {
+    std::array<int, 2> pair{-1, -1};
+    const bool paired = socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair.data()) == 0;
+    UniqueDescriptor waiting(pair[0]);
+    const auto telling = std::make_shared<UniqueDescriptor>(pair[1]);
+    const pid_t child = paired ? fork() : -1;
+    if (child < 0) {
+        std::perror("vantrel: it cannot be started");
+        return EXIT_FAILURE;
+    }
+    if (child > 0) {
+        telling->reset();
+        return awaitReady(child, waiting.get(), patience);
+    }
+    waiting.reset();
+    setsid();
+    replaceByNothing({STDIN_FILENO, STDOUT_FILENO});
+    return program([telling] {
+        replaceByNothing({STDERR_FILENO});
+        send(telling->get(), "", 1, MSG_NOSIGNAL);
+        telling->reset();
+    });
+}
+
+} // namespace vantrel

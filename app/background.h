@@ -1,0 +1,16 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace vantrel {
+
+// Runs a program in a process of its own, without a terminal and in a session of its own. That
+// process returns what the program returns, when it ends. The calling process returns 0 as soon as
+// the program says that it is ready, its exit status when it has ended before, and otherwise 1.
+//
+// Until it is ready, the program has the caller's standard error. No thread may run yet.
+int runInBackground(std::chrono::milliseconds patience,
+                    const std::function<int(std::function<void()> ready)>& program);
+
+} // namespace vantrel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "preferences/preferences.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace vantrel {
+
+// What the words of a command line ask of the program. A start makes the process the program, or
+// turns to the one that runs; everything else is for the one that runs.
+struct Command {
+    enum class Action : std::uint8_t {
+        start,
+        startWithSettings,
+        setMode,
+        toggle, // off when the mode is on already, as its shortcut does
+        reportStatus,
+        reportStatusAsJson,
+        openSettings,
+        quit,
+    };
+
+    Action action = Action::start;
+    CursorMode mode = CursorMode::off; // of setMode and toggle
+
+    [[nodiscard]] bool isStart() const {
+        return action == Action::start || action == Action::startWithSettings;
+    }
+    [[nodiscard]] bool opensSettings() const {
+        return action == Action::startWithSettings || action == Action::openSettings;
+    }
+    [[nodiscard]] bool setsMode() const {
+        return action == Action::setMode || action == Action::toggle;
+    }
+    // Whether it is worth starting the program for, when none runs.
+    [[nodiscard]] bool startsProgram() const {
+        return isStart() || opensSettings() || (setsMode() && mode != CursorMode::off);
+    }
+
+    bool operator==(const Command&) const = default;
+};
+
+// Nothing for words that are no command.
+[[nodiscard]] std::optional<Command> parseCommand(std::span<const std::string> words);
+
+} // namespace vantrel

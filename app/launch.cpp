@@ -1,0 +1,113 @@
+#include "app/program.h"
+#include "app/running_instance.h"
+#include "app/start.h"
+#include "platform/freedesktop/bus_probe.h"
+#include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/termination_signals.h"
+#include "platform/x11/instance.h"
+#include "ui/components/plain_style.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace vantrel {
+namespace {
+
+constexpr std::chrono::seconds patienceWithBus(1);
+
+void prepareToolkit() {
+    // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
+    if (sessionBusIsSilent(patienceWithBus)) {
+        std::fputs("vantrel: the session bus does not answer; going on without it\n", stderr);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+    }
+    // The overlays are on the X server, and so is everything else.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    QApplication::setApplicationName(QStringLiteral("vantrel"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
+    QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("vantrel"));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+// When the X server goes away, the toolkit ends the process at once, as a failure, and with all
+// that it has on its stack. The end of a session is none.
+class ServerLoss {
+public:
+    ServerLoss() {
+        current_ = this;
+        std::atexit([] {
+            if (current_ != nullptr) {
+                current_->endProgram();
+                std::_Exit(EXIT_SUCCESS);
+            }
+        });
+    }
+    ~ServerLoss() { current_ = nullptr; }
+    ServerLoss(const ServerLoss&) = delete;
+    ServerLoss& operator=(const ServerLoss&) = delete;
+
+    void setProgram(Program* program) { program_ = program; }
+
+private:
+    void endProgram() {
+        if (program_ != nullptr) {
+            program_->end();
+        }
+    }
+
+    static inline ServerLoss* current_ = nullptr;
+    Program* program_ = nullptr;
+};
+
+int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
+    TerminationSignals signals;
+    ServerLoss serverLoss;
+    prepareToolkit();
+    // The arguments are the program's; the toolkit would take some of its own out of them.
+    int toolkitArgc = std::min(start.argc, 1);
+    const QApplication application(toolkitArgc, start.argv);
+    vantrel::installPlainStyle();
+    Program program(connection, commands, start.command, start.launched);
+    serverLoss.setProgram(&program);
+    signals.deliverTo([] { QCoreApplication::exit(); });
+    const int status = QApplication::exec();
+    program.end();
+    serverLoss.setProgram(nullptr);
+    if (connection.isLost()) {
+        // The toolkit has nobody left to take leave of.
+        std::_Exit(EXIT_SUCCESS);
+    }
+    return status;
+}
+
+int runProgram(const Start& start) {
+    std::string error;
+    const auto connection = x11::Connection::open({}, error);
+    if (!connection) {
+        return report(failure(error));
+    }
+    while (true) {
+        CommandSocket commands;
+        if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
+            return runAsInstance(*connection, commands, start);
+        }
+        if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {
+            return report(*answer);
+        }
+    }
+}
+
+} // namespace
+} // namespace vantrel
+
+extern "C" __attribute__((visibility("default"))) int
+vantrelRunProgram(const vantrel::Start& start) {
+    return vantrel::runProgram(start);
+}

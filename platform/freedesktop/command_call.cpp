@@ -1,0 +1,49 @@
+#include "platform/freedesktop/command_call.h"
+
+#include "platform/freedesktop/command_packets.h"
+
+#include <algorithm>
+
+#include <poll.h>
+
+namespace vantrel {
+
+namespace {
+
+// Whether there is something to read, if only the end, before the deadline.
+bool awaitInput(int socket, CommandCall::Deadline deadline) {
+    using std::chrono::milliseconds;
+    const auto left = std::chrono::ceil<milliseconds>(deadline - std::chrono::steady_clock::now());
+    pollfd descriptor{socket, POLLIN, 0};
+    return poll(&descriptor, 1, static_cast<int>(std::max(left, milliseconds(0)).count())) == 1;
+}
+
+} // namespace
+
+std::optional<CommandCall> CommandCall::open(const std::string& address) {
+    UniqueDescriptor socket(::socket(AF_UNIX, commandSocketKind, 0));
+    auto name = toName(address);
+    if (!socket || !name || connect(socket.get(), name->data(), name->size) != 0 ||
+        !isOfSameUser(socket.get())) {
+        return std::nullopt;
+    }
+    return CommandCall(std::move(socket));
+}
+
+std::variant<CommandAnswer, CommandCall::Failure> CommandCall::ask(const CommandWords& words,
+                                                                   Deadline deadline) {
+    if (!sendPacket(socket_.get(), encoded(words))) {
+        return Failure::gone;
+    }
+    if (!awaitInput(socket_.get(), deadline)) {
+        return Failure::unanswered;
+    }
+    const auto packet = receivePacket(socket_.get());
+    return packet ? std::variant<CommandAnswer, Failure>(decodedAnswer(*packet)) : Failure::gone;
+}
+
+bool CommandCall::awaitEnd(Deadline deadline) {
+    return awaitInput(socket_.get(), deadline);
+}
+
+} // namespace vantrel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/command_answer.h"
+#include "platform/freedesktop/unique_descriptor.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace vantrel {
+
+using CommandWords = std::vector<std::string>;
+
+// One command to a running program.
+class CommandCall {
+public:
+    using Deadline = std::chrono::steady_clock::time_point;
+    enum class Failure : std::uint8_t {
+        unanswered, // in time
+        gone,       // the program has ended
+    };
+
+    // Nothing when nobody of the same user takes commands there.
+    static std::optional<CommandCall> open(const std::string& address);
+
+    [[nodiscard]] std::variant<CommandAnswer, Failure> ask(const CommandWords& words,
+                                                           Deadline deadline);
+    // Whether the program ends in time.
+    [[nodiscard]] bool awaitEnd(Deadline deadline);
+
+private:
+    explicit CommandCall(UniqueDescriptor socket) : socket_(std::move(socket)) {}
+
+    UniqueDescriptor socket_;
+};
+
+} // namespace vantrel

@@ -1,0 +1,67 @@
+#include "platform/freedesktop/command_socket.h"
+
+#include "platform/freedesktop/command_packets.h"
+
+#include <QSocketNotifier>
+
+#include <memory>
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int waitingCallers = 64;
+
+// The system chooses a name that is free.
+std::string listenSomewhere(int socket) {
+    CommandSocketName name;
+    const bool listens = bind(socket, name.data(), sizeof(sa_family_t)) == 0 &&
+                         listen(socket, waitingCallers) == 0 &&
+                         getsockname(socket, name.data(), &name.size) == 0;
+    return listens ? toAddress(name) : std::string();
+}
+
+} // namespace
+
+CommandSocket::CommandSocket() : listening_(socket(AF_UNIX, commandSocketKind, 0)) {
+    if (listening_) {
+        address_ = listenSomewhere(listening_.get());
+    }
+}
+
+CommandSocket::~CommandSocket() = default;
+
+void CommandSocket::setHandler(Handler handler) {
+    handler_ = std::move(handler);
+    callers_.reset();
+    if (handler_ && !address_.empty()) {
+        callers_ = std::make_unique<QSocketNotifier>(listening_.get(), QSocketNotifier::Read);
+        connect(callers_.get(), &QSocketNotifier::activated, this, [this] { acceptCaller(); });
+    }
+}
+
+void CommandSocket::acceptCaller() {
+    UniqueDescriptor caller(
+        accept4(listening_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (caller && isOfSameUser(caller.get())) {
+        listenTo(std::move(caller));
+    }
+}
+
+// Until the caller closes its end: one that asked the program to quit waits for this one to close.
+void CommandSocket::listenTo(UniqueDescriptor caller) {
+    const auto socket = std::make_shared<UniqueDescriptor>(std::move(caller));
+    auto* packets = new QSocketNotifier(socket->get(), QSocketNotifier::Read, this);
+    connect(packets, &QSocketNotifier::activated, this, [this, socket, packets] {
+        const auto packet = receivePacket(socket->get());
+        if (!packet) {
+            packets->setEnabled(false);
+            packets->deleteLater();
+        } else if (handler_) {
+            sendPacket(socket->get(), encoded(handler_(decodedWords(*packet))));
+        }
+    });
+}
+
+} // namespace vantrel

@@ -1,0 +1,303 @@
+#include "desktop/harness/private_bus.h"
+#include "desktop/shell_fixture.h"
+#include "freedesktop_event_loop.h"
+
+#include <array>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+struct Outcome {
+    std::optional<ExitStatus> status;
+    std::string output;
+    std::string errors;
+};
+
+// Commands to the program, as a shell gives them.
+class ControlTest : public ShellTest {
+protected:
+    ControlTest() { writePreferences(server.folder() / "config", preferencesShowing("off")); }
+    // What was started in the background ends with its server otherwise, without a word.
+    ~ControlTest() override { command({"quit"}); }
+
+    ChildProcess startCommand(std::vector<std::string> words, const std::string& log = "command") {
+        return start({.preferences = nullptr,
+                      .arguments = std::move(words),
+                      .environment = environment,
+                      .log = log});
+    }
+    Outcome command(std::vector<std::string> words) {
+        const auto status = startCommand(std::move(words)).wait(20s);
+        return {status, readFile(server.folder() / "command.out"),
+                readFile(server.folder() / "command.err")};
+    }
+    // Whether it was done and said nothing but that.
+    testing::AssertionResult says(std::vector<std::string> words, const std::string& text = "") {
+        const auto [status, output, errors] = command(std::move(words));
+        const auto expected = text.empty() ? text : text + "\n";
+        return status == ExitStatus{.code = 0} && output == expected && errors.empty()
+                   ? testing::AssertionSuccess()
+                   : testing::AssertionFailure()
+                         << output << errors << (status ? "" : "it did not return");
+    }
+    // Returns when it takes commands.
+    ChildProcess startProgram() {
+        auto program = start({.preferences = nullptr, .environment = environment});
+        EXPECT_TRUE(waitFor([this] { return command({"status"}).status->code == 0; }));
+        return program;
+    }
+
+    Environment environment;
+};
+
+TEST_F(ControlTest, CommandsReachTheRunningProgram) {
+    auto program = startProgram();
+    EXPECT_TRUE(says({"highlight"}));
+    EXPECT_TRUE(shown(overlay));
+    EXPECT_TRUE(says({"status"}, "highlight"));
+    EXPECT_TRUE(says({"toggle", "laser"}));
+    EXPECT_TRUE(says({"status"}, "laser"));
+    EXPECT_TRUE(says({"toggle", "laser"}));
+    EXPECT_TRUE(isGone(overlay));
+    EXPECT_TRUE(says({"laser"}));
+    EXPECT_TRUE(says({"settings"}));
+    EXPECT_TRUE(shown(settings));
+    const auto status = nlohmann::json::parse(command({"status", "--json"}).output);
+    EXPECT_EQ(status.at("mode"), "laser");
+    EXPECT_EQ(status.at("clickAvailable"), true);
+    EXPECT_EQ(status.at("hotkeyError"), nullptr);
+
+    // By then it has saved.
+    EXPECT_TRUE(says({"quit"}));
+    EXPECT_EQ(storedMode(), "laser");
+    EXPECT_EQ(program.wait(1s), (ExitStatus{.code = 0}));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(ControlTest, CommandsForSomethingToSeeStartTheProgramInTheBackground) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> commands{
+        {{"highlight"}, "highlight"},
+        {{"laser"}, "laser"},
+        {{"toggle", "laser"}, "laser"}, // which was the last one as well
+        {{"settings"}, "laser"}};
+    for (const auto& [words, mode] : commands) {
+        EXPECT_TRUE(says(words));
+        EXPECT_TRUE(says({"status"}, mode));
+        EXPECT_TRUE(shown(overlay));
+        EXPECT_EQ(shown(settings, 0ms).has_value(), words.front() == "settings");
+        EXPECT_TRUE(says({"quit"}));
+    }
+}
+
+TEST_F(ControlTest, CommandsAtTheSameMomentStartOneProgram) {
+    for (int round = 0; round < 3; ++round) {
+        std::vector<ChildProcess> commands;
+        for (const char* log : {"one", "two", "three"}) {
+            commands.push_back(startCommand({"laser"}, log));
+        }
+        for (ChildProcess& command : commands) {
+            EXPECT_EQ(command.wait(20s), (ExitStatus{.code = 0}));
+        }
+        EXPECT_TRUE(says({"status"}, "laser"));
+        EXPECT_TRUE(says({"quit"}));
+        EXPECT_EQ(command({"status"}).status, (ExitStatus{.code = 3})) << "there was another one";
+    }
+}
+
+TEST_F(ControlTest, WhatCannotBeDoneIsSaid) {
+    for (const char* word : {"off", "status", "quit"}) {
+        const auto [status, output, errors] = command({word});
+        EXPECT_EQ(status, (ExitStatus{.code = 3}));
+        EXPECT_EQ(output + errors, "vantrel: not running on this display\n");
+    }
+    const auto nonsense = command({"toggle", "everything"});
+    EXPECT_EQ(nonsense.status, (ExitStatus{.code = 2}));
+    EXPECT_THAT(nonsense.errors, HasSubstr("toggle everything"));
+    environment["DISPLAY"] = ":987654";
+    for (const char* word : {"off", "highlight"}) {
+        const auto unreachable = command({word});
+        EXPECT_EQ(unreachable.status, (ExitStatus{.code = 1}));
+        EXPECT_THAT(unreachable.errors, HasSubstr(":987654"));
+    }
+}
+
+TEST_F(ControlTest, AProgramOrAServerThatHangsIsNotWaitedForForEver) {
+    auto program = startProgram();
+    for (const auto& [hanging, message] :
+         {std::pair(program.pid(), "does not answer"), std::pair(server.pid(), "no answer")}) {
+        kill(hanging, SIGSTOP);
+        const auto outcome = command({"off"});
+        kill(hanging, SIGCONT);
+        EXPECT_EQ(outcome.status, (ExitStatus{.code = 1}));
+        EXPECT_THAT(outcome.errors, HasSubstr(message));
+    }
+    EXPECT_TRUE(says({"laser"}));
+}
+
+TEST_F(ControlTest, ABusThatSaysNothingHoldsNothingUp) {
+    const SilentBus bus(server.folder() / "runtime" / "bus");
+    environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    const Tray tray(server);
+    const auto program = startProgram();
+    EXPECT_TRUE(says({"highlight"}));
+    EXPECT_TRUE(shown(overlay));
+    typeShortcut('l');
+    EXPECT_TRUE(stores("laser"));
+    EXPECT_TRUE(says({"status"}, "laser"));
+    EXPECT_EQ(errors(), "vantrel: the session bus does not answer; going on without it\n");
+}
+
+// The same from the bus.
+class BusControlTest : public ControlTest {
+protected:
+    BusControlTest() { environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address(); }
+    ~BusControlTest() override { QDBusConnection::disconnectFromBus(client.name()); }
+
+    QDBusMessage call(const char* interface, const char* method, const QVariantList& arguments) {
+        auto message = QDBusMessage::createMethodCall(
+            QStringLiteral("org.vantrel.Vantrel"), QStringLiteral("/org/vantrel/Vantrel"),
+            QLatin1String(interface), QLatin1String(method));
+        message.setArguments(arguments);
+        return client.call(message);
+    }
+    // Empty when it was done.
+    std::string errorOf(const char* method, const QVariantList& arguments = {}) {
+        return call("org.vantrel.Vantrel1", method, arguments).errorName().toStdString();
+    }
+    QVariant property(const char* which) {
+        const auto reply =
+            call("org.freedesktop.DBus.Properties", "Get",
+                 {QStringLiteral("org.vantrel.Vantrel1"), QString(QLatin1String(which))});
+        return reply.type() == QDBusMessage::ReplyMessage
+                   ? reply.arguments().constFirst().value<QDBusVariant>().variant()
+                   : QVariant();
+    }
+    bool isOnBus() {
+        return waitUntil([this] { return property("Mode").isValid(); });
+    }
+
+private:
+    int argumentCount_ = 1;
+    std::string testName_ = "test";
+    std::array<char*, 2> arguments_{testName_.data(), nullptr};
+    QCoreApplication application_{argumentCount_, arguments_.data()};
+
+protected:
+    PrivateBus bus{server.folder() / "runtime" / "bus"};
+    QDBusConnection client = QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                                           QStringLiteral("control-test"));
+};
+
+// Keeps the modes that the bus was told of.
+class ModeListener : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ModeListener(QDBusConnection bus) {
+        bus.connect({}, QStringLiteral("/org/vantrel/Vantrel"),
+                    QStringLiteral("org.vantrel.Vantrel1"), QStringLiteral("ModeChanged"), this,
+                    SLOT(note(QString)));
+        bus.connect({}, QStringLiteral("/org/vantrel/Vantrel"),
+                    QStringLiteral("org.freedesktop.DBus.Properties"),
+                    QStringLiteral("PropertiesChanged"), this,
+                    SLOT(noteProperties(QString, QVariantMap, QStringList)));
+    }
+
+    std::vector<std::string> modes;
+    std::vector<std::string> properties;
+
+private:
+    Q_SLOT void note(const QString& mode) { modes.push_back(mode.toStdString()); }
+    Q_SLOT void noteProperties(const QString&, const QVariantMap& changes, const QStringList&) {
+        if (changes.contains(QStringLiteral("Mode"))) {
+            properties.push_back(changes[QStringLiteral("Mode")].toString().toStdString());
+        }
+    }
+};
+
+TEST_F(BusControlTest, TheModeIsSetReadAndAnnounced) {
+    auto program = startProgram();
+    ASSERT_TRUE(isOnBus());
+    ModeListener listener(client);
+    EXPECT_EQ(errorOf("SetMode", {QStringLiteral("highlight")}), "");
+    EXPECT_EQ(property("Mode"), QStringLiteral("highlight"));
+    EXPECT_TRUE(shown(overlay));
+    EXPECT_EQ(errorOf("SetMode", {QStringLiteral("highlight")}), "");
+    EXPECT_EQ(errorOf("Toggle", {QStringLiteral("laser")}), "");
+    typeShortcut('l');
+    const std::vector<std::string> modes{"highlight", "laser", "off"};
+    EXPECT_TRUE(waitUntil([&] { return listener.modes.size() >= 3; }));
+    EXPECT_EQ(listener.modes, modes);
+    EXPECT_EQ(listener.properties, modes);
+    EXPECT_EQ(errorOf("ShowSettings"), "");
+    EXPECT_TRUE(shown(settings));
+    EXPECT_EQ(errorOf("Quit"), "");
+    EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(BusControlTest, NonsenseIsRefusedAndChangesNothing) {
+    const auto program = startProgram();
+    ASSERT_TRUE(isOnBus());
+    ModeListener listener(client);
+    const auto invalid = "org.freedesktop.DBus.Error.InvalidArgs";
+    const auto unknown = "org.freedesktop.DBus.Error.UnknownMethod";
+    EXPECT_EQ(errorOf("SetMode", {QStringLiteral("everything")}), invalid);
+    EXPECT_EQ(errorOf("SetMode", {QStringLiteral("quit")}), invalid);
+    EXPECT_EQ(errorOf("SetMode", {QString()}), invalid);
+    EXPECT_EQ(errorOf("SetMode", {QString(100'000, QLatin1Char('x'))}), invalid);
+    EXPECT_EQ(errorOf("Toggle", {QStringLiteral("off")}), invalid);
+    EXPECT_EQ(errorOf("SetMode", {7}), unknown);
+    EXPECT_EQ(errorOf("SetMode"), unknown);
+    EXPECT_EQ(errorOf("deleteLater"), unknown);
+    EXPECT_NE(call("org.freedesktop.DBus.Properties", "Set",
+                   {QStringLiteral("org.vantrel.Vantrel1"), QStringLiteral("Mode"),
+                    QVariant::fromValue(QDBusVariant(QStringLiteral("laser")))})
+                  .errorName(),
+              QString());
+    EXPECT_EQ(property("Mode"), QStringLiteral("off"));
+    EXPECT_TRUE(listener.modes.empty());
+    EXPECT_TRUE(says({"status"}, "off"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(BusControlTest, TheInterfaceDescribesItself) {
+    const auto program = startProgram();
+    ASSERT_TRUE(isOnBus());
+    const auto reply = call("org.freedesktop.DBus.Introspectable", "Introspect", {});
+    const auto described = reply.arguments().constFirst().toString().toStdString();
+    for (const char* part :
+         {R"(<interface name="org.vantrel.Vantrel1">)", R"(<method name="SetMode">)",
+          R"(<method name="Toggle">)", R"(<method name="ShowSettings">)", R"(<method name="Quit">)",
+          R"(<signal name="ModeChanged">)", R"(<property name="Mode" type="s" access="read")"}) {
+        EXPECT_THAT(described, HasSubstr(part));
+    }
+}
+
+TEST_F(BusControlTest, ASecondDisplayIsNextWhenTheFirstHasGone) {
+    auto program = startProgram();
+    ASSERT_TRUE(isOnBus());
+    const auto other = PrivateServer::virtualScreen({800, 600});
+    writePreferences(other.folder() / "config", preferencesShowing("laser"));
+    auto second = startVantrel(other, programUnderTest(),
+                               {.preferences = nullptr, .environment = environment});
+    XConnection otherWatcher(other.display());
+    ASSERT_TRUE(waitForWindow(otherWatcher, overlay));
+    EXPECT_EQ(property("Mode"), QStringLiteral("off"));
+    EXPECT_TRUE(says({"quit"}));
+    EXPECT_TRUE(waitUntil([this] { return property("Mode") == QStringLiteral("laser"); }));
+    EXPECT_TRUE(second.running());
+}
+
+} // namespace
+} // namespace vantrel::desktop
+
+#include "control_desktop_test.moc"
