@@ -1,6 +1,9 @@
 #include "desktop/shell_fixture.h"
 #include "platform/freedesktop/desktop_entry.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace vantrel::desktop {
 namespace {
 
@@ -31,6 +34,10 @@ protected:
     [[nodiscard]] static bool ends(pid_t process) {
         return waitFor([&] { return !fs::exists("/proc/" + std::to_string(process)); });
     }
+    [[nodiscard]] static bool isPainted(const Picture& picture) {
+        return std::ranges::adjacent_find(picture.pixels, std::not_equal_to()) !=
+               picture.pixels.end();
+    }
     // In the settings, which are open.
     void clickLaunchAtLogin() {
         constexpr PixelPoint generalTab{386, 166};
@@ -39,9 +46,11 @@ protected:
         ASSERT_TRUE(opened);
         ASSERT_TRUE(getsFocus(*opened));
         const auto window = stateOf(watcher, opened->id);
+        // The left of the page, with its title and without the pointer.
         const auto page = [&, area = window->area] {
-            return captureScreen(watcher, {area.x, area.y + 220, area.width, area.height - 220});
+            return captureScreen(watcher, {area.x, area.y + 220, 200, area.height - 220});
         };
+        ASSERT_TRUE(waitFor([&] { return isPainted(page()); }));
         const Picture before = page();
         clickIn(input, *window, generalTab);
         ASSERT_TRUE(waitFor([&] { return page() != before; }));
