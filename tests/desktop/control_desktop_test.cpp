@@ -234,7 +234,8 @@ TEST_F(BusControlTest, TheModeIsSetReadAndAnnounced) {
     EXPECT_EQ(errorOf("Toggle", {QStringLiteral("laser")}), "");
     typeShortcut('l');
     const std::vector<std::string> modes{"highlight", "laser", "off"};
-    EXPECT_TRUE(waitUntil([&] { return listener.modes.size() >= 3; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return listener.modes.size() >= 3 && listener.properties.size() >= 3; }));
     EXPECT_EQ(listener.modes, modes);
     EXPECT_EQ(listener.properties, modes);
     EXPECT_EQ(errorOf("ShowSettings"), "");
