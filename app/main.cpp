@@ -59,7 +59,7 @@ int runProgram(const Start& start) {
     std::error_code error;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
     const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
-    void* program = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* program = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* function = program != nullptr ? dlsym(program, runProgramName) : nullptr;
     if (function == nullptr) {
         return report(failure(dlerror()));

@@ -24,14 +24,14 @@ struct Part {
     Report (*measure)(const Contenders&, const Effort&);
 };
 
-constexpr std::array parts{Part{"latency", measureLatency},    Part{"motion", measureMotion},
-                           Part{"rest", measureRest},          Part{"clicks", measureClicks},
-                           Part{"shortcut", measureShortcut},  Part{"switch", measureSwitch},
-                           Part{"change", measureChange},      Part{"slider", measureSlider},
-                           Part{"save", measureSave},          Part{"memory", measureMemory},
-                           Part{"start", measureStart},        Part{"popup", measurePopup},
-                           Part{"settings", measureSettings},  Part{"drag", measureDrag},
-                           Part{"reopening", measureReopening}};
+constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", measureMotion},
+                           Part{"rest", measureRest},         Part{"clicks", measureClicks},
+                           Part{"shortcut", measureShortcut}, Part{"switch", measureSwitch},
+                           Part{"change", measureChange},     Part{"slider", measureSlider},
+                           Part{"save", measureSave},         Part{"memory", measureMemory},
+                           Part{"start", measureStart},       Part{"command", measureCommand},
+                           Part{"popup", measurePopup},       Part{"settings", measureSettings},
+                           Part{"drag", measureDrag},         Part{"reopening", measureReopening}};
 
 QString namesOfParts() {
     QStringList names;

@@ -13,6 +13,7 @@ struct Effort {
     int starts = 15;
     int openings = 5; // of a window after each start
     int reopenings = 100;
+    int commands = 100;
 
     static Effort smoke() {
         return {.turns = 1,
@@ -20,7 +21,8 @@ struct Effort {
                 .secondsInTurn = 0.3,
                 .starts = 1,
                 .openings = 1,
-                .reopenings = 5};
+                .reopenings = 5,
+                .commands = 3};
     }
 };
 
@@ -46,6 +48,8 @@ struct Effort {
 // Beside an empty application in the tray, with nothing opened yet.
 [[nodiscard]] Report measureMemory(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureStart(const Contenders& contenders, const Effort& effort);
+// From the start of a command to its end, beside a program that makes an empty call on the bus.
+[[nodiscard]] Report measureCommand(const Contenders& contenders, const Effort& effort);
 // From the click on the icon, or the keys, until everything is painted; beside an empty popup and
 // an empty window of the same sizes.
 [[nodiscard]] Report measurePopup(const Contenders& contenders, const Effort& effort);

@@ -29,15 +29,13 @@ public:
     [[nodiscard]] QString hotkeyError() const;
     [[nodiscard]] QString version() const;
 
-public Q_SLOTS:
     // Anything that is no mode is an invalid argument.
-    void SetMode(const QString& mode, const QDBusMessage& message);
-    void Toggle(const QString& mode, const QDBusMessage& message);
-    void ShowSettings();
-    void Quit();
+    Q_SLOT void SetMode(const QString& mode, const QDBusMessage& message);
+    Q_SLOT void Toggle(const QString& mode, const QDBusMessage& message);
+    Q_SLOT void ShowSettings();
+    Q_SLOT void Quit();
 
-Q_SIGNALS:
-    void ModeChanged(const QString& mode);
+    Q_SIGNAL void ModeChanged(const QString& mode);
 
 private:
     RemoteControl control_;
