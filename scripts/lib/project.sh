@@ -12,6 +12,8 @@ build_packages=(
     libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev
     libplist-dev nlohmann-json3-dev
 )
+# Besides those of the build.
+package_packages=(dpkg-dev file)
 # Whether a display answers is asked with xdpyinfo.
 display_packages=(x11-utils)
 # The private desktop of the tests, the demo and the screenshots.
@@ -21,9 +23,11 @@ desktop_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}"
-    dbus-daemon dmz-cursor-theme libgmock-dev libgtest-dev sway trayer x11-xkb-utils
-    x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland
+    dbus-daemon dmz-cursor-theme fish libgmock-dev libgtest-dev sway trayer x11-xkb-utils
+    x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland zsh
 )
+# What starts programs by their desktop entries, and the manual; besides those of the tests.
+package_test_packages=(libglib2.0-bin man-db)
 demo_packages=(
     "${desktop_packages[@]}"
     dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
@@ -33,8 +37,8 @@ screenshot_packages=(
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
 )
 check_packages=(
-    clang clang-format clang-tidy desktop-file-utils libbenchmark-dev libclang-rt-14-dev python3
-    shellcheck
+    appstream clang clang-format clang-tidy desktop-file-utils libbenchmark-dev
+    libclang-rt-14-dev lintian mandoc python3 shellcheck
 )
 
 say() {
@@ -58,9 +62,23 @@ missing_packages() {
     done
 }
 
+# as_administrator <command> <argument>...
+as_administrator() {
+    if ((EUID == 0)); then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# run_apt <argument>...: without questions.
+run_apt() {
+    as_administrator env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes "$@"
+}
+
 # ensure_packages <purpose> <package>...: installs what is missing.
 ensure_packages() {
-    local purpose=$1 missing administrator=()
+    local purpose=$1 missing
     shift
     { command -v apt-get && command -v dpkg-query; } >/dev/null ||
         fail 'this needs Debian or a relative of it (apt-get and dpkg); README.md says what to install elsewhere'
@@ -68,14 +86,10 @@ ensure_packages() {
     ((${#missing[@]})) || return 0
 
     say "Installing with apt-get, to $purpose: ${missing[*]}"
-    if ((EUID != 0)); then
-        command -v sudo >/dev/null ||
-            fail "not root and no sudo; let an administrator run: apt-get install ${missing[*]}"
-        administrator=(sudo)
-    fi
-    local apt=("${administrator[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet --yes)
-    "${apt[@]}" update || say 'The package lists could not be refreshed; trying with those at hand.'
-    "${apt[@]}" install --no-install-recommends "${missing[@]}" ||
+    ((EUID == 0)) || command -v sudo >/dev/null ||
+        fail "not root and no sudo; let an administrator run: apt-get install ${missing[*]}"
+    run_apt update || say 'The package lists could not be refreshed; trying with those at hand.'
+    run_apt install --no-install-recommends "${missing[@]}" ||
         fail 'apt-get could not install the packages'
 }
 

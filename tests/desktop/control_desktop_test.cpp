@@ -229,7 +229,8 @@ TEST_F(BusControlTest, TheModeIsSetReadAndAnnounced) {
     EXPECT_EQ(errorOf("Toggle", {QStringLiteral("laser")}), "");
     typeShortcut('l');
     const std::vector<std::string> modes{"highlight", "laser", "off"};
-    EXPECT_TRUE(waitUntil([&] { return listener.modes.size() >= 3; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return listener.modes.size() >= 3 && listener.properties.size() >= 3; }));
     EXPECT_EQ(listener.modes, modes);
     EXPECT_EQ(listener.properties, modes);
     EXPECT_EQ(errorOf("ShowSettings"), "");
@@ -282,8 +283,8 @@ TEST_F(BusControlTest, ASecondDisplayIsNextWhenTheFirstHasGone) {
     ASSERT_TRUE(isOnBus());
     const auto other = PrivateServer::virtualScreen({800, 600});
     writePreferences(other.folder() / "config", preferencesShowing("laser"));
-    auto second =
-        startVantrel(other, VANTREL_PROGRAM, {.preferences = nullptr, .environment = environment});
+    auto second = startVantrel(other, programUnderTest(),
+                               {.preferences = nullptr, .environment = environment});
     XConnection otherWatcher(other.display());
     ASSERT_TRUE(waitForWindow(otherWatcher, overlay));
     EXPECT_EQ(property("Mode"), QStringLiteral("off"));

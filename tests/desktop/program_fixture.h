@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,14 +20,20 @@
 
 namespace vantrel::desktop {
 
-// The built program on a private server.
+// The built program, or another one that the environment names, such as an installed one.
+inline std::filesystem::path programUnderTest() {
+    const char* named = std::getenv("VANTREL_PROGRAM");
+    return named != nullptr ? named : VANTREL_PROGRAM;
+}
+
+// The program under test on a private server.
 class ProgramTest : public testing::Test {
 protected:
     explicit ProgramTest(PrivateServer privateServer = PrivateServer::virtualScreen({800, 600}))
         : server(std::move(privateServer)) {}
 
     ChildProcess start(const VantrelOptions& options = {}) {
-        return startVantrel(server, VANTREL_PROGRAM, options);
+        return startVantrel(server, programUnderTest(), options);
     }
     // With whatever is stored.
     ChildProcess startAgain() { return start({.preferences = nullptr}); }
