@@ -3,6 +3,7 @@
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
@@ -25,6 +26,16 @@ void replaceByNothing(std::initializer_list<int> descriptors) {
     }
 }
 
+// What the caller has open, and the folder in which it is, are in use no longer than by the caller.
+void leaveCaller(int descriptorToKeep) {
+    setsid();
+    replaceByNothing({STDIN_FILENO, STDOUT_FILENO});
+    const auto kept = static_cast<unsigned>(descriptorToKeep);
+    close_range(STDERR_FILENO + 1, kept - 1, 0);
+    close_range(kept + 1, ~0U, 0);
+    [[maybe_unused]] const int left = chdir("/");
+}
+
 // The other end is closed when the child ends.
 int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     pollfd descriptor{ready, POLLIN, 0};
@@ -45,6 +56,7 @@ int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
 
 int runInBackground(std::chrono::milliseconds patience,
                     const std::function<int(std::function<void()> ready)>& program) {
+    std::signal(SIGCHLD, SIG_DFL); // a caller that ignored it would leave no exit status
     std::array<int, 2> pair{-1, -1};
     const bool paired = socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair.data()) == 0;
     UniqueDescriptor waiting(pair[0]);
@@ -59,8 +71,7 @@ int runInBackground(std::chrono::milliseconds patience,
         return awaitReady(child, waiting.get(), patience);
     }
     waiting.reset();
-    setsid();
-    replaceByNothing({STDIN_FILENO, STDOUT_FILENO});
+    leaveCaller(telling->get());
     return program([telling] {
         replaceByNothing({STDERR_FILENO});
         send(telling->get(), "", 1, MSG_NOSIGNAL);

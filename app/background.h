@@ -9,7 +9,8 @@ namespace vantrel {
 // process returns what the program returns, when it ends. The calling process returns 0 as soon as
 // the program says that it is ready, its exit status when it has ended before, and otherwise 1.
 //
-// Until it is ready, the program has the caller's standard error. No thread may run yet.
+// Until it is ready, the program has the caller's standard error, and of what else the caller has
+// open nothing. No thread may run yet, and the three standard descriptors must be open.
 int runInBackground(std::chrono::milliseconds patience,
                     const std::function<int(std::function<void()> ready)>& program);
 

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace vantrel {
 namespace {
@@ -100,6 +101,7 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
 }
 
 int runProgram(const Start& start) {
+    std::optional<ServerPatience> serverPatience(std::in_place);
     std::string error;
     const auto connection = x11::Connection::open({}, error);
     if (!connection) {
@@ -108,6 +110,7 @@ int runProgram(const Start& start) {
     while (true) {
         CommandSocket commands;
         if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
+            serverPatience.reset();
             return runAsInstance(*connection, commands, start);
         }
         if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {

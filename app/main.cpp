@@ -5,13 +5,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string_view>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace vantrel {
@@ -38,9 +37,8 @@ constexpr auto usage =
     "  status [--json]    print the mode: off, highlight or laser; or that and more, as JSON\n"
     "  quit               end Vantrel\n"
     "\n"
-    "Exit status: 0 done, 1 failed, 2 not understood, 3 Vantrel does not run on this display.\n";
+    "Exit status: 0 done, 1 failed, 2 not understood, 3 Vantrel does not run on this display.";
 
-constexpr std::chrono::seconds patienceWithServer(7); // and with the program, whose limit is lower
 constexpr std::chrono::seconds patienceWithStart(30);
 
 using Status = CommandAnswer::Status;
@@ -54,10 +52,22 @@ CommandAnswer misunderstood(const CommandWords& words) {
             .text = "unknown command \"" + text + "\", see vantrel --help"};
 }
 
+// What is opened later would be taken for one of them where the caller has closed it.
+void openStandardDescriptors() {
+    int descriptor = 0;
+    while (descriptor <= STDERR_FILENO && descriptor >= 0) {
+        descriptor = open("/dev/null", O_RDWR);
+    }
+    close(descriptor);
+}
+
 // The program itself is a module: a command is answered before its libraries would be loaded.
 int runProgram(const Start& start) {
     std::error_code error;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return report(failure("it does not find itself: " + error.message()));
+    }
     const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
     void* program = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* function = program != nullptr ? dlsym(program, runProgramName) : nullptr;
@@ -67,29 +77,9 @@ int runProgram(const Start& start) {
     return reinterpret_cast<RunProgram*>(function)(start);
 }
 
-// An X server that hangs is waited for at every turn, without an end.
-class ServerPatience {
-public:
-    explicit ServerPatience(std::chrono::seconds limit) {
-        std::signal(SIGALRM, [](int) {
-            constexpr std::string_view message("vantrel: no answer from the X server\n");
-            [[maybe_unused]] const auto written =
-                write(STDERR_FILENO, message.data(), message.size());
-            _exit(EXIT_FAILURE);
-        });
-        alarm(static_cast<unsigned>(limit.count()));
-    }
-    ~ServerPatience() {
-        alarm(0);
-        std::signal(SIGALRM, SIG_DFL);
-    }
-    ServerPatience(const ServerPatience&) = delete;
-    ServerPatience& operator=(const ServerPatience&) = delete;
-};
-
 // Nothing when no instance runs.
 std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
-    const ServerPatience serverPatience(patienceWithServer);
+    const ServerPatience serverPatience;
     std::string error;
     const auto connection = x11::Connection::open({}, error);
     return connection ? askRunningInstance(*connection, words, command) : failure(error);
@@ -113,14 +103,13 @@ int runCommand(const Start& start) {
 } // namespace vantrel
 
 int main(int argc, char** argv) {
+    vantrel::openStandardDescriptors();
     const vantrel::CommandWords words(argv + std::min(argc, 1), argv + argc);
     if (std::ranges::find(words, "--help") != words.end()) {
-        std::fputs(vantrel::usage, stdout);
-        return EXIT_SUCCESS;
+        return vantrel::report({.text = vantrel::usage});
     }
     if (words == vantrel::CommandWords{"--version"}) {
-        std::puts("vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")");
-        return EXIT_SUCCESS;
+        return vantrel::report({.text = "vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")"});
     }
     const auto command = vantrel::parseCommand(words);
     if (!command) {

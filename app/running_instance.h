@@ -9,6 +9,16 @@
 
 namespace vantrel {
 
+// Ends the process, with a word, when the X server hangs: it is waited for at every turn, without
+// an end. Until this is destroyed.
+class ServerPatience {
+public:
+    ServerPatience();
+    ~ServerPatience();
+    ServerPatience(const ServerPatience&) = delete;
+    ServerPatience& operator=(const ServerPatience&) = delete;
+};
+
 // Gives a command to the instance that runs on this display. Nothing when none runs, or when it was
 // ending. A command to quit is answered when the instance has gone.
 [[nodiscard]] std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,

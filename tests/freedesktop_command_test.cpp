@@ -15,7 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
-using Outcome = std::variant<CommandAnswer, CommandCall::Failure>;
+using Outcome = CommandCall::Outcome<CommandAnswer>;
+using Failure = CommandCall::Failure;
 
 constexpr uid_t somebodyElse = 65534;
 
@@ -23,9 +24,10 @@ constexpr uid_t somebodyElse = 65534;
 std::future<Outcome> ask(const std::string& address, const CommandWords& words,
                          std::chrono::milliseconds patience = 10s) {
     return std::async(std::launch::async, [=] {
-        auto call = CommandCall::open(address);
-        return call ? call->ask(words, std::chrono::steady_clock::now() + patience)
-                    : Outcome(CommandCall::Failure::gone);
+        auto opened = CommandCall::open(address);
+        auto* call = std::get_if<CommandCall>(&opened);
+        return call != nullptr ? call->ask(words, std::chrono::steady_clock::now() + patience)
+                               : std::get<Failure>(opened);
     });
 }
 
@@ -80,16 +82,16 @@ TEST_F(CommandSocketTest, HearsNothingOfTooMuchAndGoesOn) {
 
 TEST_F(CommandSocketTest, TellsAProgramThatIsSilentFromOneThatHasGone) {
     auto silent = ask(socket->address(), {"off"}, 50ms);
-    EXPECT_EQ(answerOf(silent), Outcome(CommandCall::Failure::unanswered));
-    auto call = CommandCall::open(socket->address());
-    ASSERT_TRUE(call);
+    EXPECT_EQ(answerOf(silent), Outcome(Failure::unanswered));
     const std::string address = socket->address();
+    auto call = CommandCall::open(address);
+    ASSERT_TRUE(std::holds_alternative<CommandCall>(call));
     socket.reset();
-    EXPECT_EQ(call->ask({"off"}, std::chrono::steady_clock::now() + 10s),
-              Outcome(CommandCall::Failure::gone));
-    EXPECT_FALSE(CommandCall::open(address));
-    EXPECT_FALSE(CommandCall::open(""));
-    EXPECT_FALSE(CommandCall::open(std::string(1000, 'x')));
+    EXPECT_EQ(std::get<CommandCall>(call).ask({"off"}, std::chrono::steady_clock::now() + 10s),
+              Outcome(Failure::gone));
+    for (const auto& nobody : {address, std::string(), std::string(1000, 'x')}) {
+        EXPECT_EQ(std::get<Failure>(CommandCall::open(nobody)), Failure::gone);
+    }
 }
 
 // How a process of another user ends that runs this.
@@ -110,7 +112,12 @@ TEST_F(CommandSocketTest, HearsNobodyElseAndIsNotTakenInByThem) {
     }
     listen();
     const auto address = socket->address();
-    EXPECT_EQ(asSomebodyElse([&] { return CommandCall::open(address) ? 1 : 0; }), 0)
+    EXPECT_EQ(asSomebodyElse([&] {
+                  const auto opened = CommandCall::open(address);
+                  const auto* failure = std::get_if<Failure>(&opened);
+                  return failure != nullptr && *failure == Failure::stranger ? 0 : 1;
+              }),
+              0)
         << "the caller speaks to another user's program";
     EXPECT_EQ(asSomebodyElse([&] {
                   const auto caller = connectedTo(address);

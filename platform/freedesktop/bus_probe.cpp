@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QSocketNotifier>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -60,15 +61,22 @@ std::optional<SocketAddress> busSocket(const char* variable, const QByteArray& u
     return std::nullopt;
 }
 
+struct Asked {
+    UniqueDescriptor socket; // none when the question could not be put
+    bool queued = false;     // when too many wait to be let in already
+};
+
 // Asks which ways of authentication there are, to which a bus replies before it knows anybody.
-UniqueDescriptor ask(const SocketAddress& bus) {
+Asked ask(const SocketAddress& bus) {
     constexpr std::string_view question("\0AUTH\r\n", 7);
     UniqueDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    const bool asked = connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&bus.address),
-                               bus.length) == 0 &&
-                       send(descriptor.get(), question.data(), question.size(), MSG_NOSIGNAL) ==
-                           static_cast<ssize_t>(question.size());
-    return asked ? std::move(descriptor) : UniqueDescriptor();
+    if (connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&bus.address), bus.length) !=
+        0) {
+        return {.queued = errno == EAGAIN};
+    }
+    const bool asked = send(descriptor.get(), question.data(), question.size(), MSG_NOSIGNAL) ==
+                       static_cast<ssize_t>(question.size());
+    return {.socket = asked ? std::move(descriptor) : UniqueDescriptor()};
 }
 
 } // namespace
@@ -80,7 +88,7 @@ void askSystemBus(QObject* context, const std::function<void(bool answers)>& ans
         answer(true);
         return;
     }
-    const auto descriptor = std::make_shared<UniqueDescriptor>(ask(*bus));
+    const auto descriptor = std::make_shared<UniqueDescriptor>(ask(*bus).socket);
     if (!*descriptor) {
         answer(false);
         return;
@@ -99,9 +107,9 @@ bool sessionBusIsSilent(std::chrono::milliseconds limit) {
     const auto bus =
         busSocket("DBUS_SESSION_BUS_ADDRESS",
                   "unix:path=" + qgetenv("XDG_RUNTIME_DIR").toPercentEncoding("/") + "/bus");
-    const auto descriptor = bus ? ask(*bus) : UniqueDescriptor();
-    pollfd answer{descriptor.get(), POLLIN, 0};
-    return descriptor && poll(&answer, 1, static_cast<int>(limit.count())) == 0;
+    const auto asked = bus ? ask(*bus) : Asked();
+    pollfd answer{asked.socket.get(), POLLIN, 0};
+    return asked.queued || (asked.socket && poll(&answer, 1, static_cast<int>(limit.count())) == 0);
 }
 
 } // namespace vantrel

@@ -15,8 +15,9 @@ namespace vantrel {
 // Buses that are not at a local socket are not asked: true.
 void askSystemBus(QObject* context, const std::function<void(bool answers)>& answer);
 
-// Whether the session bus takes connections and says no first word within the time, by waiting for
-// it. Likewise only of buses at a local socket; one that is not there is not silent.
+// Whether the session bus takes connections, or lets them wait to be taken, and says no first word
+// within the time. Waits for it. Likewise only of buses at a local socket; one that is not there is
+// not silent.
 [[nodiscard]] bool sessionBusIsSilent(std::chrono::milliseconds limit);
 
 } // namespace vantrel

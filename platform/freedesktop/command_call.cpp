@@ -20,26 +20,29 @@ bool awaitInput(int socket, CommandCall::Deadline deadline) {
 
 } // namespace
 
-std::optional<CommandCall> CommandCall::open(const std::string& address) {
+CommandCall::Outcome<CommandCall> CommandCall::open(const std::string& address) {
     UniqueDescriptor socket(::socket(AF_UNIX, commandSocketKind, 0));
     auto name = toName(address);
-    if (!socket || !name || connect(socket.get(), name->data(), name->size) != 0 ||
-        !isOfSameUser(socket.get())) {
-        return std::nullopt;
+    if (!socket || !name || connect(socket.get(), name->data(), name->size) != 0) {
+        return Failure::gone;
+    }
+    if (!isOfSameUser(socket.get())) {
+        return Failure::stranger;
     }
     return CommandCall(std::move(socket));
 }
 
-std::variant<CommandAnswer, CommandCall::Failure> CommandCall::ask(const CommandWords& words,
-                                                                   Deadline deadline) {
+CommandCall::Outcome<CommandAnswer> CommandCall::ask(const CommandWords& words, Deadline deadline) {
     if (!sendPacket(socket_.get(), encoded(words))) {
         return Failure::gone;
     }
     if (!awaitInput(socket_.get(), deadline)) {
         return Failure::unanswered;
     }
-    const auto packet = receivePacket(socket_.get());
-    return packet ? std::variant<CommandAnswer, Failure>(decodedAnswer(*packet)) : Failure::gone;
+    if (const auto packet = receivePacket(socket_.get())) {
+        return decodedAnswer(*packet);
+    }
+    return Failure::gone;
 }
 
 bool CommandCall::awaitEnd(Deadline deadline) {

@@ -4,7 +4,6 @@
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -20,14 +19,15 @@ public:
     using Deadline = std::chrono::steady_clock::time_point;
     enum class Failure : std::uint8_t {
         unanswered, // in time
-        gone,       // the program has ended
+        gone,       // the program has ended, or takes no commands there
+        stranger,   // a process of another user takes them
     };
+    template <typename T>
+    using Outcome = std::variant<T, Failure>;
 
-    // Nothing when nobody of the same user takes commands there.
-    static std::optional<CommandCall> open(const std::string& address);
+    static Outcome<CommandCall> open(const std::string& address);
 
-    [[nodiscard]] std::variant<CommandAnswer, Failure> ask(const CommandWords& words,
-                                                           Deadline deadline);
+    [[nodiscard]] Outcome<CommandAnswer> ask(const CommandWords& words, Deadline deadline);
     // Whether the program ends in time.
     [[nodiscard]] bool awaitEnd(Deadline deadline);
 

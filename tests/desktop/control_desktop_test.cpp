@@ -49,7 +49,8 @@ protected:
     // Returns when it takes commands.
     ChildProcess startProgram() {
         auto program = start({.preferences = nullptr, .environment = environment});
-        EXPECT_TRUE(waitFor([this] { return command({"status"}).status->code == 0; }));
+        EXPECT_TRUE(
+            waitFor([this] { return command({"status"}).status == ExitStatus{.code = 0}; }));
         return program;
     }
 
@@ -127,6 +128,35 @@ TEST_F(ControlTest, WhatCannotBeDoneIsSaid) {
     }
 }
 
+// Of a caller that has closed these descriptors, has more of them open, or listens to none.
+TEST_F(ControlTest, CommandsTakeNothingFromTheirCallerForGranted) {
+    const auto shell = [this](const std::string& script) {
+        return ChildProcess({.arguments = {"sh", "-c", script, "sh", programUnderTest()},
+                             .environment = server.environment(),
+                             .output = server.folder() / "shell.out"})
+            .wait(20s);
+    };
+    EXPECT_EQ(shell(R"("$1" laser <&- >&- 2>&-)"), (ExitStatus{.code = 0}));
+    EXPECT_TRUE(says({"status"}, "laser"));
+    EXPECT_EQ(shell(R"("$1" status >/dev/full)"), (ExitStatus{.code = 1}));
+    EXPECT_TRUE(says({"quit"}));
+
+    // The lock goes with the last who has its file open.
+    const std::string lock = server.folder() / "lock";
+    EXPECT_EQ(shell("trap '' CHLD; exec 9>" + lock + R"(; flock 9 && "$1" laser)"),
+              (ExitStatus{.code = 0}));
+    EXPECT_EQ(shell("flock --nonblock " + lock + " true"), (ExitStatus{.code = 0}));
+    EXPECT_TRUE(says({"status"}, "laser"));
+}
+
+TEST_F(ControlTest, AProgramThatCannotStartInTheBackgroundSaysSo) {
+    environment["QT_QPA_PLATFORM"] = "no-such-platform";
+    const auto outcome = command({"laser"});
+    ASSERT_TRUE(outcome.status);
+    EXPECT_NE(outcome.status->code, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("no-such-platform"));
+}
+
 TEST_F(ControlTest, AProgramOrAServerThatHangsIsNotWaitedForForEver) {
     auto program = startProgram();
     for (const auto& [hanging, message] :
@@ -141,16 +171,22 @@ TEST_F(ControlTest, AProgramOrAServerThatHangsIsNotWaitedForForEver) {
 }
 
 TEST_F(ControlTest, ABusThatSaysNothingHoldsNothingUp) {
-    const SilentBus bus(server.folder() / "runtime" / "bus");
-    environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     const Tray tray(server);
-    const auto program = startProgram();
-    EXPECT_TRUE(says({"highlight"}));
-    EXPECT_TRUE(shown(overlay));
-    typeShortcut('l');
-    EXPECT_TRUE(stores("laser"));
-    EXPECT_TRUE(says({"status"}, "laser"));
-    EXPECT_EQ(errors(), "vantrel: the session bus does not answer; going on without it\n");
+    for (const bool full : {false, true}) {
+        SilentBus bus(server.folder() / "runtime" / "bus");
+        if (full) {
+            bus.fillQueue();
+        }
+        environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+        const auto program = startProgram();
+        EXPECT_TRUE(says({"highlight"}));
+        EXPECT_TRUE(shown(overlay));
+        typeShortcut('l');
+        EXPECT_TRUE(stores("laser"));
+        EXPECT_TRUE(says({"status"}, "laser"));
+        EXPECT_EQ(errors(), "vantrel: the session bus does not answer; going on without it\n");
+        EXPECT_TRUE(says({"quit"}));
+    }
 }
 
 // The same from the bus.

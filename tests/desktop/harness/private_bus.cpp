@@ -49,6 +49,12 @@ ChildProcess startBus(const std::filesystem::path& socket, const std::string& ad
     return process;
 }
 
+sockaddr_un nameOf(const std::string& address) {
+    sockaddr_un name{.sun_family = AF_UNIX, .sun_path = {}};
+    address.substr(address.find('/')).copy(name.sun_path, sizeof name.sun_path - 1);
+    return name;
+}
+
 } // namespace
 
 PrivateBus::PrivateBus(const std::filesystem::path& socket)
@@ -58,16 +64,25 @@ SilentBus::SilentBus(const std::filesystem::path& socket)
     : address_("unix:path=" + socket.string()),
       socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     std::filesystem::remove(socket);
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    socket.string().copy(address.sun_path, sizeof address.sun_path - 1);
-    if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+    const auto name = nameOf(address_);
+    if (bind(socket_, reinterpret_cast<const sockaddr*>(&name), sizeof name) != 0 ||
         listen(socket_, 8) != 0) {
         throw std::runtime_error("cannot listen at " + socket.string());
     }
 }
 
 SilentBus::~SilentBus() {
+    for (const int caller : callers_) {
+        close(caller);
+    }
     close(socket_);
+}
+
+void SilentBus::fillQueue() {
+    const auto name = nameOf(address_);
+    do {
+        callers_.push_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    } while (connect(callers_.back(), reinterpret_cast<const sockaddr*>(&name), sizeof name) == 0);
 }
 
 } // namespace vantrel::desktop

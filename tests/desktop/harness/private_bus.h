@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vantrel::desktop {
 
@@ -32,10 +33,13 @@ public:
     SilentBus& operator=(const SilentBus&) = delete;
 
     [[nodiscard]] const std::string& address() const { return address_; }
+    // From now on connections wait to be taken.
+    void fillQueue();
 
 private:
     std::string address_;
     int socket_;
+    std::vector<int> callers_;
 };
 
 } // namespace vantrel::desktop
