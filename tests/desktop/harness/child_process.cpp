@@ -46,6 +46,10 @@ int openForWriting(const std::filesystem::path& path) {
 [[noreturn]] void becomeProgram(const Command& command, char** arguments, char** environment,
                                 int output, int errors, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, command.signalOnParentDeath);
+    // Whoever started the tests, in the background for instance, may ignore some of them.
+    for (const int number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGCHLD}) {
+        std::signal(number, SIG_DFL);
+    }
     if (getppid() != parent) {
         _exit(127);
     }
