@@ -1,5 +1,6 @@
 #include "app/background.h"
 
+#include "app/running_instance.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <array>
@@ -40,8 +41,7 @@ void leaveCaller(int descriptorToKeep) {
 int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     pollfd descriptor{ready, POLLIN, 0};
     if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
-        std::fputs("vantrel: it is taking very long to start\n", stderr);
-        return EXIT_FAILURE;
+        return report(failure("it is taking very long to start"));
     }
     char word = 0;
     if (recv(ready, &word, 1, 0) == 1) {

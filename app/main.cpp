@@ -1,13 +1,13 @@
 #include "app/background.h"
 #include "app/running_instance.h"
 #include "app/start.h"
+#include "platform/freedesktop/installed_bundle.h"
 #include "platform/x11/connection.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -63,10 +63,9 @@ void openStandardDescriptors() {
 
 // The program itself is a module: a command is answered before its libraries would be loaded.
 int runProgram(const Start& start) {
-    std::error_code error;
-    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) {
-        return report(failure("it does not find itself: " + error.message()));
+    const auto executable = runningExecutable();
+    if (executable.empty()) {
+        return report(failure("it does not find itself in /proc"));
     }
     const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
     void* program = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);

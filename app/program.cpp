@@ -97,20 +97,24 @@ void Program::takeCommands() {
 }
 
 RemoteControl Program::remoteControl() {
-    const auto carryOut = [this](Command::Action action, const std::string& name) {
-        const auto mode = caseNamed<CursorMode>(name);
-        const bool meant = mode && (action == Command::Action::setMode || *mode != CursorMode::off);
+    using Action = Command::Action;
+    // What a command line could not ask for, the bus cannot either.
+    const auto carryOut = [this](Action action, const CommandWords& words) {
+        const auto command = parseCommand(words);
+        const bool meant = command && command->action == action;
         if (meant) {
-            delegate_.carryOut({.action = action, .mode = *mode});
+            delegate_.carryOut(*command);
         }
         return meant;
     };
     return {
-        .setMode =
-            [carryOut](const auto& mode) { return carryOut(Command::Action::setMode, mode); },
-        .toggle = [carryOut](const auto& mode) { return carryOut(Command::Action::toggle, mode); },
-        .openSettings = [this] { delegate_.open(AppWindow::settings); },
-        .quit = [this] { quit(); },
+        .setMode = [=](const auto& mode) { return carryOut(Action::setMode, {mode}); },
+        .toggle =
+            [=](const auto& mode) {
+                return carryOut(Action::toggle, {"toggle", mode});
+            },
+        .openSettings = [this] { delegate_.carryOut({Action::openSettings}); },
+        .quit = [this] { delegate_.carryOut({Action::quit}); },
         .status = [this] { return delegate_.status(); },
     };
 }

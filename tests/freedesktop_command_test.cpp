@@ -2,6 +2,7 @@
 
 #include "platform/freedesktop/command_packets.h"
 #include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/local_socket_address.h"
 
 #include <gmock/gmock.h>
 
@@ -38,7 +39,7 @@ Outcome answerOf(std::future<Outcome>& call) {
 
 UniqueDescriptor connectedTo(const std::string& address) {
     UniqueDescriptor caller(socket(AF_UNIX, commandSocketKind, 0));
-    auto name = toName(address);
+    const auto name = LocalSocketAddress::ofName(address);
     EXPECT_EQ(connect(caller.get(), name->data(), name->size), 0);
     return caller;
 }

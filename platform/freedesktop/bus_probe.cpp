@@ -1,47 +1,25 @@
 #include "platform/freedesktop/bus_probe.h"
 
+#include "platform/freedesktop/local_socket_address.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <QByteArray>
 #include <QSocketNotifier>
 
 #include <cerrno>
-#include <cstddef>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 
 namespace vantrel {
 
 namespace {
 
-struct SocketAddress {
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    socklen_t length = sizeof(sockaddr_un);
-};
-
-// Of a path, or of a name that is in no folder.
-std::optional<SocketAddress> toSocketAddress(const QByteArray& place, bool isPath) {
-    SocketAddress socket;
-    const auto prefix = isPath ? std::size_t{0} : std::size_t{1};
-    const auto size = static_cast<std::size_t>(place.size());
-    if (size + 1 > sizeof socket.address.sun_path) {
-        return std::nullopt;
-    }
-    std::memcpy(socket.address.sun_path + prefix, place.data(), size);
-    if (!isPath) {
-        socket.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + prefix + size);
-    }
-    return socket;
-}
-
 // The first address of the list that is tried. Nothing when it is no local socket.
-std::optional<SocketAddress> busSocket(const char* variable, const QByteArray& usual) {
+std::optional<LocalSocketAddress> busSocket(const char* variable, const QByteArray& usual) {
     auto list = qgetenv(variable);
     if (list.isEmpty()) {
         list = usual;
@@ -54,8 +32,9 @@ std::optional<SocketAddress> busSocket(const char* variable, const QByteArray& u
         const auto equals = entry.indexOf('=');
         const auto key = entry.left(equals);
         if (key == "path" || key == "abstract") {
-            return toSocketAddress(QByteArray::fromPercentEncoding(entry.mid(equals + 1)),
-                                   key == "path");
+            const auto place = QByteArray::fromPercentEncoding(entry.mid(equals + 1)).toStdString();
+            return key == "path" ? LocalSocketAddress::ofPath(place)
+                                 : LocalSocketAddress::ofName(place);
         }
     }
     return std::nullopt;
@@ -67,11 +46,10 @@ struct Asked {
 };
 
 // Asks which ways of authentication there are, to which a bus replies before it knows anybody.
-Asked ask(const SocketAddress& bus) {
+Asked ask(const LocalSocketAddress& bus) {
     constexpr std::string_view question("\0AUTH\r\n", 7);
     UniqueDescriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&bus.address), bus.length) !=
-        0) {
+    if (connect(descriptor.get(), bus.data(), bus.size) != 0) {
         return {.queued = errno == EAGAIN};
     }
     const bool asked = send(descriptor.get(), question.data(), question.size(), MSG_NOSIGNAL) ==

@@ -1,6 +1,7 @@
 #include "platform/freedesktop/command_call.h"
 
 #include "platform/freedesktop/command_packets.h"
+#include "platform/freedesktop/local_socket_address.h"
 
 #include <algorithm>
 
@@ -22,7 +23,7 @@ bool awaitInput(int socket, CommandCall::Deadline deadline) {
 
 CommandCall::Outcome<CommandCall> CommandCall::open(const std::string& address) {
     UniqueDescriptor socket(::socket(AF_UNIX, commandSocketKind, 0));
-    auto name = toName(address);
+    const auto name = LocalSocketAddress::ofName(address);
     if (!socket || !name || connect(socket.get(), name->data(), name->size) != 0) {
         return Failure::gone;
     }

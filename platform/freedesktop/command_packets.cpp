@@ -1,7 +1,7 @@
 #include "platform/freedesktop/command_packets.h"
 
 #include <array>
-#include <cstring>
+#include <cstddef>
 
 #include <unistd.h>
 
@@ -10,23 +10,8 @@ namespace vantrel {
 namespace {
 
 constexpr std::size_t largestPacket = 4096;
-constexpr auto nameOffset = offsetof(sockaddr_un, sun_path) + 1; // after the zero of no file
 
 } // namespace
-
-std::string toAddress(const CommandSocketName& name) {
-    return {name.address.sun_path + 1, name.size - nameOffset};
-}
-
-std::optional<CommandSocketName> toName(const std::string& address) {
-    CommandSocketName name;
-    if (address.empty() || nameOffset + address.size() > sizeof name.address) {
-        return std::nullopt;
-    }
-    std::memcpy(name.address.sun_path + 1, address.data(), address.size());
-    name.size = static_cast<socklen_t>(nameOffset + address.size());
-    return name;
-}
 
 bool isOfSameUser(int socket) {
     ucred peer{};

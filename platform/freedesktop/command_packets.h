@@ -3,31 +3,17 @@
 #include "platform/command_answer.h"
 #include "platform/freedesktop/command_call.h"
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include <sys/socket.h>
-#include <sys/un.h>
 
 namespace vantrel {
 
 // What both ends of a command's socket must agree about.
 
 inline constexpr int commandSocketKind = SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK;
-
-// Of a socket without a file.
-struct CommandSocketName {
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    socklen_t size = sizeof(sockaddr_un);
-
-    [[nodiscard]] sockaddr* data() { return reinterpret_cast<sockaddr*>(&address); }
-};
-
-[[nodiscard]] std::string toAddress(const CommandSocketName& name);
-// Nothing when it can be none.
-[[nodiscard]] std::optional<CommandSocketName> toName(const std::string& address);
 
 // Whether the process at the other end is of the same user as this one.
 [[nodiscard]] bool isOfSameUser(int socket);

@@ -1,6 +1,7 @@
 #include "platform/freedesktop/command_socket.h"
 
 #include "platform/freedesktop/command_packets.h"
+#include "platform/freedesktop/local_socket_address.h"
 
 #include <QSocketNotifier>
 
@@ -15,11 +16,11 @@ constexpr int waitingCallers = 64;
 
 // The system chooses a name that is free.
 std::string listenSomewhere(int socket) {
-    CommandSocketName name;
-    const bool listens = bind(socket, name.data(), sizeof(sa_family_t)) == 0 &&
+    LocalSocketAddress address;
+    const bool listens = bind(socket, address.data(), sizeof(sa_family_t)) == 0 &&
                          listen(socket, waitingCallers) == 0 &&
-                         getsockname(socket, name.data(), &name.size) == 0;
-    return listens ? toAddress(name) : std::string();
+                         getsockname(socket, address.data(), &address.size) == 0;
+    return listens ? std::string(address.name()) : std::string();
 }
 
 } // namespace

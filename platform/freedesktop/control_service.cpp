@@ -1,5 +1,7 @@
 #include "platform/freedesktop/control_service.h"
 
+#include "platform/freedesktop/bus_call.h"
+
 #include <QDBusConnection>
 #include <QDBusPendingCall>
 
@@ -18,22 +20,6 @@ void refuse(const QDBusMessage& message, const QString& mode) {
     message.setDelayedReply(true);
     QDBusConnection::sessionBus().send(message.createErrorReply(
         QDBusError::InvalidArgs, QStringLiteral("there is no mode \"%1\" here").arg(mode)));
-}
-
-// Without waiting for the answer; the bus calls a queued one up when its turn comes.
-void requestName(const QDBusConnection& bus) {
-    auto request = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
-    request << QString(serviceName) << 0U;
-    bus.asyncCall(request);
-}
-
-// The properties that are not the same for the whole run.
-QVariantMap changing(const ControlAdaptor& adaptor) {
-    return {{modeProperty, adaptor.mode()},
-            {QStringLiteral("ClickAvailable"), adaptor.clickAvailable()},
-            {QStringLiteral("HotkeyError"), adaptor.hotkeyError()}};
 }
 
 } // namespace
@@ -57,6 +43,14 @@ QString ControlAdaptor::version() const {
     return QString::fromStdString(control_.status().version);
 }
 
+QVariantMap ControlAdaptor::changingProperties() const {
+    const auto status = control_.status();
+    return {
+        {modeProperty, QString::fromStdString(status.mode)},
+        {QStringLiteral("ClickAvailable"), status.clickAvailable},
+        {QStringLiteral("HotkeyError"), QString::fromStdString(status.hotkeyError.value_or(""))}};
+}
+
 void ControlAdaptor::SetMode(const QString& mode, const QDBusMessage& message) {
     if (!control_.setMode(mode.toStdString())) {
         refuse(message, mode);
@@ -78,10 +72,12 @@ void ControlAdaptor::Quit() {
 }
 
 ControlService::ControlService(RemoteControl control)
-    : adaptor_(new ControlAdaptor(this, std::move(control))), announced_(changing(*adaptor_)) {
+    : adaptor_(new ControlAdaptor(this, std::move(control))),
+      announced_(adaptor_->changingProperties()) {
     auto bus = QDBusConnection::sessionBus();
     if (bus.isConnected() && bus.registerObject(objectPath, this)) {
-        requestName(bus);
+        // Nobody waits for the answer; the bus calls a queued one up when its turn comes.
+        bus.asyncCall(busCall(QStringLiteral("RequestName"), {QString(serviceName), 0U}));
     }
 }
 
@@ -98,7 +94,7 @@ void ControlService::announce() {
 
 void ControlService::announceNow() {
     pending_ = false;
-    const auto now = changing(*adaptor_);
+    const auto now = adaptor_->changingProperties();
     QVariantMap changes;
     for (auto property = now.cbegin(); property != now.cend(); ++property) {
         if (announced_.value(property.key()) != property.value()) {
@@ -110,7 +106,7 @@ void ControlService::announceNow() {
         return;
     }
     if (changes.contains(modeProperty)) {
-        Q_EMIT adaptor_->ModeChanged(adaptor_->mode());
+        Q_EMIT adaptor_->ModeChanged(changes[modeProperty].toString());
     }
     auto message =
         QDBusMessage::createSignal(objectPath, QStringLiteral("org.freedesktop.DBus.Properties"),

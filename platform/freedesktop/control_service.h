@@ -28,6 +28,8 @@ public:
     [[nodiscard]] bool clickAvailable() const;
     [[nodiscard]] QString hotkeyError() const;
     [[nodiscard]] QString version() const;
+    // Those that are not the same for the whole run.
+    [[nodiscard]] QVariantMap changingProperties() const;
 
     // Anything that is no mode is an invalid argument.
     Q_SLOT void SetMode(const QString& mode, const QDBusMessage& message);

@@ -1,5 +1,6 @@
 #include "platform/freedesktop/login_manager.h"
 
+#include "platform/freedesktop/bus_call.h"
 #include "platform/freedesktop/bus_probe.h"
 
 #include <QDBusConnection>
@@ -15,8 +16,6 @@ constexpr QLatin1String connectionName("vantrel-login-manager");
 constexpr QLatin1String managerService("org.freedesktop.login1");
 constexpr QLatin1String managerPath("/org/freedesktop/login1");
 constexpr QLatin1String managerInterface("org.freedesktop.login1.Manager");
-constexpr QLatin1String busService("org.freedesktop.DBus");
-constexpr QLatin1String busPath("/org/freedesktop/DBus");
 constexpr QLatin1String localPath("/org/freedesktop/DBus/Local");
 constexpr QLatin1String localInterface("org.freedesktop.DBus.Local");
 
@@ -112,9 +111,7 @@ void LoginManager::reachBus(bool answers) {
 }
 
 void LoginManager::askForOwner() {
-    auto message = QDBusMessage::createMethodCall(busService, busPath, busService,
-                                                  QStringLiteral("GetNameOwner"));
-    message << QString(managerService);
+    const auto message = busCall(QStringLiteral("GetNameOwner"), {QString(managerService)});
     call<QString>(this, message, [this](const QDBusPendingReply<QString>& reply) {
         if (reply.isValid()) {
             setOwner(reply.value());

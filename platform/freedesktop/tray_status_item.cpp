@@ -1,5 +1,7 @@
 #include "platform/freedesktop/tray_status_item.h"
 
+#include "platform/freedesktop/bus_call.h"
+
 #include <algorithm>
 
 #include <QDBusConnection>
@@ -42,10 +44,7 @@ void TrayStatusItem::lookForHost() {
     auto* appearance =
         new QDBusServiceWatcher(hostService, bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(appearance, &QDBusServiceWatcher::serviceRegistered, this, [this] { setHost(true); });
-    auto message = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    message << QString(hostService);
+    const auto message = busCall(QStringLiteral("NameHasOwner"), {QString(hostService)});
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
