@@ -41,7 +41,7 @@ void leaveCaller(int descriptorToKeep) {
 int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     pollfd descriptor{ready, POLLIN, 0};
     if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
-        return report(failure("it is taking very long to start"));
+        return report(failure("it does not start in time"));
     }
     char word = 0;
     if (recv(ready, &word, 1, 0) == 1) {
