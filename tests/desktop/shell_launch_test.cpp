@@ -1,5 +1,7 @@
 #include "desktop/shell_fixture.h"
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 
 namespace vantrel::desktop {
@@ -77,8 +79,11 @@ TEST_F(LaunchTest, AnotherStartReachesTheRunningProgramWithoutATray) {
 TEST_F(LaunchTest, AnotherStartBringsAWindowFromAnotherWorkspace) {
     const auto program = start({.arguments = {"--settings"}});
     ASSERT_TRUE(shown(settings));
-    requestWorkspace(watcher, 1);
-    ASSERT_TRUE(isGone(settings));
+    // What is left of the start's own activation takes the window along once.
+    ASSERT_TRUE(std::ranges::any_of(std::array{1U, 2U}, [this](std::uint32_t workspace) {
+        requestWorkspace(watcher, workspace);
+        return isGone(settings);
+    }));
     EXPECT_EQ(startSecond().wait(5s), (ExitStatus{.code = 0}));
     const auto window = shown(settings);
     ASSERT_TRUE(window);
