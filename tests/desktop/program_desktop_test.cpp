@@ -87,6 +87,11 @@ TEST_F(ProgramInUseTest, PlaysClicksInHighlightModeOnly) {
     preferences["click"]["style"] = "pulse";
     const auto program = start({.preferences = preferences});
     ASSERT_TRUE(shows("highlight"));
+    // The mark may show a moment before the program listens to clicks.
+    ASSERT_TRUE(waitFor([&] {
+        input.click();
+        return ringAppears(1s);
+    }));
     for (const auto button : {Button::left, Button::right}) {
         input.click(button);
         EXPECT_TRUE(ringAppears(10s));
