@@ -31,9 +31,12 @@ namespace vantrel::desktop {
 namespace {
 
 TEST_F(OverlayDesktopTest, TakesNoMemoryToFollowThePointer) {
+    paintDesktop();
     startCompositing();
     start();
     input.moveTo({100, 100});
+    // The compositing manager's own windows are there by then.
+    ASSERT_TRUE(becomes({100, 100}, blended(yellow, 0.35)));
     runFor(std::chrono::milliseconds(200));
     std::uint64_t taken = 0;
     // Without the toolkit's event loop, which is not the program's.
