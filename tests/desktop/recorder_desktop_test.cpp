@@ -284,9 +284,13 @@ TEST_F(RecorderDesktopTest, RecordsFromItsFocusWhileAnotherProgramHasTheKeyboard
 }
 
 TEST_F(RecorderDesktopTest, LeavesTheKeyboardFreeWhenItsProgramIsKilled) {
-    ChildProcess program(
-        {.arguments = {VANTREL_RECORDING_PROGRAM}, .environment = server.environment()});
-    ASSERT_TRUE(waitFor([this] { return !keyboardIsFree(); }));
+    const auto output = server.folder() / "recording.out";
+    ChildProcess program({.arguments = {VANTREL_RECORDING_PROGRAM},
+                          .environment = server.environment(),
+                          .output = output});
+    // A look at the keyboard before that could take it from the program.
+    ASSERT_TRUE(waitFor([&] { return readFile(output) == "recording\n"; }));
+    ASSERT_FALSE(keyboardIsFree());
     ASSERT_TRUE(other.grabKey(keyJ, controlAlt));
     input.typeChord({XK_Control_L, XK_Alt_L, 'a'});
     EXPECT_FALSE(keyboardIsFree());

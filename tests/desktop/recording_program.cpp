@@ -1,8 +1,12 @@
 #include "input/shortcut_button.h"
 
 #include <QApplication>
+#include <QTimer>
 
-// Shows a button that records a shortcut, for whoever ends it.
+#include <chrono>
+#include <cstdio>
+
+// Shows a button that records a shortcut, for whoever ends it, and says when it has the keyboard.
 int main(int argc, char** argv) {
     struct SilentAlert final : vantrel::AlertSound {
         void beep() override {}
@@ -20,5 +24,14 @@ int main(int argc, char** argv) {
     vantrel::ShortcutButton button(keyboard, alert);
     button.show();
     button.record();
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &button, [&] {
+        if (QWidget::keyboardGrabber() == &button) {
+            std::puts("recording");
+            std::fflush(stdout);
+            look.stop();
+        }
+    });
+    look.start(std::chrono::milliseconds(10));
     return QApplication::exec();
 }
