@@ -39,6 +39,19 @@ Label* Label::centered() {
     return this;
 }
 
+// Fonts for Chinese leave much room above and below what they draw.
+QSize Label::ofOneLine(QSize hint) const {
+    return wordWrap() ? hint : hint.boundedTo({QWIDGETSIZE_MAX, fontMetrics().height()});
+}
+
+QSize Label::sizeHint() const {
+    return ofOneLine(QLabel::sizeHint());
+}
+
+QSize Label::minimumSizeHint() const {
+    return ofOneLine(QLabel::minimumSizeHint());
+}
+
 int Label::heightForWidth(int width) const {
     constexpr qsizetype mostHeights = 16;
     if (heights_.size() >= mostHeights) {

@@ -8,7 +8,8 @@
 
 namespace vantrel {
 
-// A text in a style, which follows the language and the palette.
+// A text in a style, which follows the language and the palette. A single line is as high as one of
+// its own font, whatever font the desktop has for the letters that this one lacks.
 class Label : public QLabel {
 public:
     Label(ViewContext& view, const Wording& wording, const TextStyle& style = bodyText);
@@ -18,6 +19,8 @@ public:
     Label* wrapping();
     Label* centered();
 
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
@@ -25,6 +28,7 @@ protected:
 
 private:
     void tint();
+    [[nodiscard]] QSize ofOneLine(QSize hint) const;
 
     TextStyle style_;
     // Of the text as it is: nested layouts ask for the same few again and again, and each answer
