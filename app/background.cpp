@@ -27,17 +27,16 @@ void replaceByNothing(std::initializer_list<int> descriptors) {
     }
 }
 
-// What the caller has open, and the folder in which it is, are in use no longer than by the caller.
+// What the caller has open is in use no longer than by the caller.
 void leaveCaller(int descriptorToKeep) {
     setsid();
     replaceByNothing({STDIN_FILENO, STDOUT_FILENO});
     const auto kept = static_cast<unsigned>(descriptorToKeep);
     close_range(STDERR_FILENO + 1, kept - 1, 0);
     close_range(kept + 1, ~0U, 0);
-    [[maybe_unused]] const int left = chdir("/");
 }
 
-// The other end is closed when the child ends.
+// The other end is closed when the child ends. One that ends as a failure has said why.
 int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     pollfd descriptor{ready, POLLIN, 0};
     if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
@@ -49,7 +48,9 @@ int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     }
     int status = 0;
     const bool ended = waitpid(child, &status, 0) == child && WIFEXITED(status);
-    return ended ? WEXITSTATUS(status) : EXIT_FAILURE;
+    return ended && WEXITSTATUS(status) != EXIT_SUCCESS
+               ? WEXITSTATUS(status)
+               : report(failure("it has ended during its start"));
 }
 
 } // namespace
@@ -73,6 +74,8 @@ int runInBackground(std::chrono::milliseconds patience,
     waiting.reset();
     leaveCaller(telling->get());
     return program([telling] {
+        // Nor is the folder in which the caller is, once nothing more is looked for from there.
+        [[maybe_unused]] const int left = chdir("/");
         replaceByNothing({STDERR_FILENO});
         send(telling->get(), "", 1, MSG_NOSIGNAL);
         telling->reset();

@@ -114,6 +114,9 @@ int runProgram(const Start& start) {
             return runAsInstance(*connection, commands, start);
         }
         if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {
+            if (answer->status == CommandAnswer::Status::done) {
+                start.launched();
+            }
             return report(*answer);
         }
     }

@@ -13,7 +13,8 @@ struct Start {
     char** argv;
     CommandWords words;
     Command command;
-    // Called when the command was carried out, if this process has become the program.
+    // Called when the command was carried out, by this process, which has become the program, or by
+    // one that was quicker.
     std::function<void()> launched;
 };
 

@@ -81,6 +81,15 @@ TEST_F(CommandSocketTest, HearsNothingOfTooMuchAndGoesOn) {
     EXPECT_THAT(heard, ElementsAre(CommandWords{"off"}));
 }
 
+TEST_F(CommandSocketTest, DoesNothingForACallerThatHasGivenUp) {
+    auto impatient = ask(socket->address(), {"quit"}, 50ms);
+    EXPECT_EQ(answerOf(impatient), Outcome(Failure::unanswered));
+    listen();
+    auto call = ask(socket->address(), {"off"});
+    EXPECT_TRUE(std::holds_alternative<CommandAnswer>(answerOf(call)));
+    EXPECT_THAT(heard, ElementsAre(CommandWords{"off"}));
+}
+
 TEST_F(CommandSocketTest, TellsAProgramThatIsSilentFromOneThatHasGone) {
     auto silent = ask(socket->address(), {"off"}, 50ms);
     EXPECT_EQ(answerOf(silent), Outcome(Failure::unanswered));

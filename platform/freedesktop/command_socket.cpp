@@ -8,6 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include <poll.h>
+
 namespace vantrel {
 
 namespace {
@@ -21,6 +23,11 @@ std::string listenSomewhere(int socket) {
                          listen(socket, waitingCallers) == 0 &&
                          getsockname(socket, address.data(), &address.size) == 0;
     return listens ? std::string(address.name()) : std::string();
+}
+
+bool hasGone(int caller) {
+    pollfd descriptor{caller, POLLRDHUP, 0};
+    return poll(&descriptor, 1, 0) == 1;
 }
 
 } // namespace
@@ -51,6 +58,7 @@ void CommandSocket::acceptCaller() {
 }
 
 // Until the caller closes its end: one that asked the program to quit waits for this one to close.
+// Nothing is done for one that did not wait for its answer, and has told its user so.
 void CommandSocket::listenTo(UniqueDescriptor caller) {
     const auto socket = std::make_shared<UniqueDescriptor>(std::move(caller));
     auto* packets = new QSocketNotifier(socket->get(), QSocketNotifier::Read, this);
@@ -59,7 +67,7 @@ void CommandSocket::listenTo(UniqueDescriptor caller) {
         if (!packet) {
             packets->setEnabled(false);
             packets->deleteLater();
-        } else if (handler_) {
+        } else if (handler_ && !hasGone(socket->get())) {
             sendPacket(socket->get(), encoded(handler_(decodedWords(*packet))));
         }
     });
