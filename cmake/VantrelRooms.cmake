@@ -1,6 +1,6 @@
 # A room is one library and one folder of headers. Its headers are reached as "room/header.h" through
-# a folder of links that holds no other room's headers, so an include that a room may not use is not
-# found by the compiler.
+# a folder of links that holds no other room's headers, so that the compiler finds those of the rooms
+# that are linked, directly or by one of them, and of no others.
 
 include_guard(GLOBAL)
 

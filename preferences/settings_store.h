@@ -13,7 +13,7 @@ public:
     // The defaults must outlive the store.
     SettingsStore(UserDefaults& defaults, std::string key);
 
-    // The default preferences when nothing usable is stored, which then stays as it is.
+    // The default preferences when nothing usable is stored. Loading changes nothing.
     [[nodiscard]] AppPreferences load() const;
     // Exactly the given values; nothing is written when one of them is no finite number.
     void save(const AppPreferences& preferences);
