@@ -74,7 +74,8 @@ PropertyList parse(std::string_view bytes) {
     const auto size = static_cast<std::uint32_t>(bytes.size());
     const bool binary = plist_is_binary(bytes.data(), size) != 0;
     if (bytes.size() <= maximumFileSize && (!binary || isFlat(bytes))) {
-        plist_from_memory(bytes.data(), size, &root);
+        // By its kind: plist_from_memory takes other arguments from one version to the next.
+        (binary ? &plist_from_bin : &plist_from_xml)(bytes.data(), size, &root);
     }
     return {root, &plist_free};
 }

@@ -35,7 +35,7 @@ TEST_F(ColorChoicesTest, OnlyTheColourInUseIsSelected) {
 
 TEST_F(ColorChoicesTest, TheLaserOffersThreeColours) {
     show(colorChoices(view, laserColor(), Palette::laser));
-    EXPECT_EQ(window->findChildren<ChoiceButton*>().size(), 3);
+    EXPECT_EQ(parts<ChoiceButton>().size(), 3U);
     EXPECT_EQ(checked(), std::vector<std::string>{"Red"});
     const auto yellow = EffectColor::fromRgb(0xFACC15);
     change([&](auto& preferences) { preferences.laser.color = yellow; });

@@ -42,10 +42,21 @@ protected:
         action();
         return count;
     }
+    // Those of a type that need not be one of the toolkit's.
+    template <typename Part>
+    std::vector<Part*> parts() {
+        std::vector<Part*> found;
+        for (auto* widget : window->findChildren<QWidget*>()) {
+            if (auto* part = dynamic_cast<Part*>(widget)) {
+                found.push_back(part);
+            }
+        }
+        return found;
+    }
     // The part with that name.
     template <typename Part = QWidget>
     Part* named(const char* name) {
-        for (auto* part : window->findChildren<Part*>()) {
+        for (auto* part : parts<Part>()) {
             if (part->accessibleName() == QString::fromUtf8(name)) {
                 return part;
             }

@@ -97,7 +97,7 @@ TEST_F(ComponentsTest, EachChoiceWritesThePreferencesOnce) {
     EXPECT_EQ(click("Green"), 1);
     EXPECT_EQ(preferences().highlight.color, EffectColor::fromRgb(0x34C759));
     EXPECT_EQ(assignments([&] {
-                  QTest::mouseClick(window->findChild<SwitchToggle*>(), Qt::LeftButton);
+                  QTest::mouseClick(parts<SwitchToggle>().at(0), Qt::LeftButton);
                   update();
               }),
               1);
@@ -195,7 +195,7 @@ TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
         EXPECT_EQ(told->role(), role) << name;
         EXPECT_EQ(told->state().checked, checked) << name;
     }
-    auto* toggle = interface(window->findChild<SwitchToggle*>());
+    auto* toggle = interface(parts<SwitchToggle>().at(0));
     EXPECT_EQ(toggle->role(), QAccessible::CheckBox);
     EXPECT_EQ(toggle->text(QAccessible::Name), QStringLiteral("Hide when idle"));
     EXPECT_EQ(interface(named("Privacy"))->text(QAccessible::Description),

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <vector>
 
@@ -27,7 +28,7 @@ std::string binary(plist_t list) {
     std::uint32_t size = 0;
     plist_to_bin(list, &bytes, &size);
     std::string result(bytes, size);
-    plist_to_bin_free(bytes);
+    std::free(bytes);
     plist_free(list);
     return result;
 }
