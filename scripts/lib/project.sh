@@ -23,7 +23,8 @@ desktop_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}"
-    dbus-daemon dmz-cursor-theme fish libgmock-dev libgtest-dev sway trayer x11-xkb-utils
+    dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
+    libgmock-dev libgtest-dev sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland zsh
 )
 # What starts programs by their desktop entries, and the manual; besides those of the tests.
