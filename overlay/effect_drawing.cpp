@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <span>
 
 namespace vantrel {
@@ -73,29 +72,6 @@ QColor toQColor(const EffectColor& color) {
 QColor withAlpha(QColor color, double alpha) {
     color.setAlphaF(static_cast<float>(std::clamp(alpha, 0.0, 1.0)));
     return color;
-}
-
-std::optional<QImage> EffectDrawing::makeImage(double size, double scale, const Draw& draw) {
-    const auto usable = [](double value) { return std::isfinite(value) && value > 0; };
-    if (!usable(size) || !usable(scale)) {
-        return std::nullopt;
-    }
-    const double side = std::ceil(size * scale);
-    if (side > maximumImageSide) {
-        return std::nullopt;
-    }
-    const int pixels = static_cast<int>(side);
-    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull()) {
-        return std::nullopt;
-    }
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(pixels / size, pixels / size);
-    draw(painter, QRectF(0, 0, size, size));
-    painter.end();
-    return image;
 }
 
 void EffectDrawing::drawGlow(QPainter& painter, const QColor& color, const QRectF& rect) {

@@ -4,12 +4,8 @@
 #include "preferences/preferences.h"
 
 #include <QColor>
-#include <QImage>
 #include <QPointF>
 #include <QRectF>
-
-#include <functional>
-#include <optional>
 
 class QPainter;
 
@@ -23,17 +19,6 @@ namespace vantrel {
 // which way their y goes makes no difference.
 class EffectDrawing {
 public:
-    // No picture has a longer side, in pixels.
-    static constexpr double maximumImageSide = 2048;
-
-    using Draw = std::function<void(QPainter& painter, const QRectF& rect)>;
-
-    // A square picture of size points at scale pixels for each point, drawn by a routine that is
-    // given the rectangle (0, 0, size, size) in points. None unless both are finite and above zero,
-    // and the picture can be made.
-    [[nodiscard]] static std::optional<QImage> makeImage(double size, double scale,
-                                                         const Draw& draw);
-
     // A soft radial glow inside the ellipse inscribed in a rectangle.
     static void drawGlow(QPainter& painter, const QColor& color, const QRectF& rect);
     // The laser's dot inside the ellipse inscribed in a rectangle.

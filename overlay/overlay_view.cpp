@@ -42,19 +42,18 @@ OverlayView::OverlayView(const Rect& frame) {
 OverlayView::~OverlayView() = default;
 
 void OverlayView::configure(CursorMode mode, const AppPreferences& preferences) {
-    const double scale = window_ != nullptr ? window_->backingScale() : 1;
     if (mode == CursorMode::laser) {
         const auto& laser = preferences.laser;
         const double side = laser.diameter * glowFactor(laser.glow);
-        prepare(side, scale);
-        configureLaser(laser, side, scale);
+        prepare(side);
+        configureLaser(laser, side);
     } else {
-        prepare(preferences.highlight.diameter, scale);
-        configureHighlight(preferences.highlight, scale);
+        prepare(preferences.highlight.diameter);
+        configureHighlight(preferences.highlight);
     }
 }
 
-void OverlayView::prepare(double side, double scale) {
+void OverlayView::prepare(double side) {
     cursorLayer_.setBounds(box(side));
     shapeLayer_.setFrame(box(side));
     shapeLayer_.setFillColor({});
@@ -62,30 +61,23 @@ void OverlayView::prepare(double side, double scale) {
     for (auto* layer : {&glowLayer_, &middleGlowLayer_, static_cast<Layer*>(&innerRingLayer_)}) {
         layer->setHidden(true);
     }
-    for (auto* layer : {&cursorLayer_, static_cast<Layer*>(&shapeLayer_), &glowLayer_,
-                        &middleGlowLayer_, static_cast<Layer*>(&innerRingLayer_)}) {
-        layer->setContentsScale(scale);
-    }
 }
 
-void OverlayView::configureLaser(const LaserSettings& laser, double side, double scale) {
+void OverlayView::configureLaser(const LaserSettings& laser, double side) {
     const QColor color = toQColor(laser.color);
-    showGlow(withAlpha(color, haloOpacity), side, scale);
+    showGlow(withAlpha(color, haloOpacity), side);
 
     middleGlowLayer_.setHidden(false);
     middleGlowLayer_.setFrame(centeredIn(side, laser.diameter));
-    middleGlowLayer_.setContents(
-        EffectDrawing::makeImage(laser.diameter, scale,
-                                 [&color](QPainter& painter, const QRectF& r) {
-                                     EffectDrawing::drawLaserDot(painter, color, r);
-                                 })
-            .value_or(QImage()));
+    middleGlowLayer_.setContents([color](QPainter& painter, const QRectF& rect) {
+        EffectDrawing::drawLaserDot(painter, color, rect);
+    });
 
     shapeLayer_.setPath(centeredIn(side, coreFactor * laser.diameter));
     shapeLayer_.setFillColor(withAlpha(Qt::white, coreOpacity));
 }
 
-void OverlayView::configureHighlight(const HighlightSettings& highlight, double scale) {
+void OverlayView::configureHighlight(const HighlightSettings& highlight) {
     const QColor color = withAlpha(toQColor(highlight.color), highlight.opacity);
     switch (highlight.style) {
     case HighlightStyle::filled:
@@ -97,7 +89,7 @@ void OverlayView::configureHighlight(const HighlightSettings& highlight, double 
         break;
     case HighlightStyle::glow:
         shapeLayer_.setPath(std::nullopt);
-        showGlow(color, highlight.diameter, scale);
+        showGlow(color, highlight.diameter);
         break;
     }
 }
@@ -116,13 +108,12 @@ void OverlayView::showRing(const QColor& color, double diameter) {
     innerRingLayer_.setLineWidth(ring.innerLineWidth);
 }
 
-void OverlayView::showGlow(const QColor& color, double side, double scale) {
+void OverlayView::showGlow(const QColor& color, double side) {
     glowLayer_.setHidden(false);
     glowLayer_.setFrame(box(side));
-    glowLayer_.setContents(
-        EffectDrawing::makeImage(side, scale, [&color](QPainter& painter, const QRectF& rect) {
-            EffectDrawing::drawGlow(painter, color, rect);
-        }).value_or(QImage()));
+    glowLayer_.setContents([color](QPainter& painter, const QRectF& rect) {
+        EffectDrawing::drawGlow(painter, color, rect);
+    });
 }
 
 bool OverlayView::shows(const ClickAnimation& click, double now) const {
@@ -147,7 +138,6 @@ void OverlayView::addClick(const ClickAnimation& click, double now, double media
     auto layer = std::make_unique<ShapeLayer>();
     layer->setBounds(box(clickBoxSide));
     layer->setPosition(toLocal(click.point, window_->frame().origin()));
-    layer->setContentsScale(window_->backingScale());
     layer->setStrokeColor(click.color);
     layer->setLineWidth(ClickGeometry::of(click.style).lineWidth);
     layer->setPath(animation.to.ellipse);

@@ -45,11 +45,11 @@ public:
     CursorMode renderedMode = CursorMode::off;
 
 private:
-    void prepare(double side, double scale);
-    void configureLaser(const LaserSettings& laser, double side, double scale);
-    void configureHighlight(const HighlightSettings& highlight, double scale);
+    void prepare(double side);
+    void configureLaser(const LaserSettings& laser, double side);
+    void configureHighlight(const HighlightSettings& highlight);
     void showRing(const QColor& color, double diameter);
-    void showGlow(const QColor& color, double side, double scale);
+    void showGlow(const QColor& color, double side);
     [[nodiscard]] bool shows(const ClickAnimation& click, double now) const;
     void addClick(const ClickAnimation& click, double now, double mediaTime);
 

@@ -17,7 +17,6 @@ public:
     virtual ~OverlayWindow() = default;
 
     [[nodiscard]] virtual GlobalRect frame() const = 0;
-    [[nodiscard]] virtual double backingScale() const = 0;
     // The layer's coordinates start at the bottom-left corner of frame(). It must outlive the
     // window.
     virtual void setRootLayer(Layer& layer) = 0;

@@ -143,9 +143,12 @@ TEST_F(EffectPixelsTest, SpritesShowWhatTheTreeMeans) {
             }
         }
         mode = CursorMode::laser;
-        build(scale);
-        EXPECT_LE(difference(window().screenshot(), window().picture(desktop.clock.mediaTime())),
-                  2);
+        for (const double diameter : {7.0, 12.0}) {
+            preferences.laser.diameter = diameter;
+            build(scale);
+            const auto tree = window().picture(desktop.clock.mediaTime());
+            EXPECT_LE(difference(window().screenshot(), tree), 2);
+        }
         mode = CursorMode::highlight;
     }
 }
@@ -205,15 +208,58 @@ TEST_F(EffectPixelsTest, AClickAcrossABorderIsWhole) {
     EXPECT_GT(left.pixelColor(76, 100).alpha(), 60);
 }
 
-TEST(EffectDrawingTest, RefusesSizesThatNoPictureCanHave) {
-    const auto nothing = [](QPainter&, const QRectF&) { FAIL() << "nothing to draw on"; };
-    for (const double bad : {0.0, -1.0, std::nan(""), 1e12, HUGE_VAL}) {
-        EXPECT_FALSE(EffectDrawing::makeImage(bad, 1, nothing)) << bad;
-        EXPECT_FALSE(EffectDrawing::makeImage(10, bad, nothing)) << bad;
+// Whatever was shown before, and whichever one setting changed.
+TEST_F(EffectPixelsTest, AChangeLooksLikeAFreshStart) {
+    std::vector<std::pair<CursorMode, AppPreferences>> looks;
+    const auto add = [&](CursorMode shown, auto change) {
+        looks.emplace_back(shown, AppPreferences());
+        change(looks.back().second);
+    };
+    for (const auto style : allCases<HighlightStyle>()) {
+        add(CursorMode::highlight, [&](auto& p) { p.highlight.style = style; });
     }
-    const auto image = EffectDrawing::makeImage(
-        10.2, 2, [](QPainter&, const QRectF& rect) { EXPECT_EQ(rect, QRectF(0, 0, 10.2, 10.2)); });
-    EXPECT_EQ(image->size(), QSize(21, 21));
+    add(CursorMode::highlight, [](auto& p) { p.highlight.diameter = 100; });
+    add(CursorMode::highlight, [](auto& p) { p.highlight.color = EffectColor::presets()[2]; });
+    add(CursorMode::laser, [](auto&) {});
+    add(CursorMode::laser, [](auto& p) { p.laser.glow = GlowStrength::high; });
+    add(CursorMode::laser, [](auto& p) { p.laser.color = EffectColor::presets()[1]; });
+    std::vector<QImage> fresh;
+    for (const auto& look : looks) {
+        std::tie(mode, preferences) = look;
+        build(1);
+        fresh.push_back(window().screenshot());
+    }
+    for (const auto& before : looks) {
+        for (std::size_t i = 0; i < looks.size(); ++i) {
+            manager->apply(before.first, before.second);
+            manager->apply(looks[i].first, looks[i].second);
+            EXPECT_EQ(difference(window().screenshot(), fresh[i]), 0) << i;
+        }
+    }
+}
+
+// The dot's stops, and a white core up to 0.09 of its diameter.
+TEST_F(EffectPixelsTest, TheLasersDotFallsTowardsItsEdge) {
+    mode = CursorMode::laser;
+    preferences.laser.diameter = 24;
+    build(4);
+    EXPECT_GT(at(0.08 * 24).green(), 200);
+    EXPECT_LT(at(0.11 * 24).green(), 190);
+    EXPECT_EQ(at(0.63 * 12).alpha(), 255);
+    const auto dotOverHalo = [](double dot, double halo) { return dot + (1 - dot) * halo; };
+    EXPECT_NEAR(at(0.775 * 12).alpha(), 255 * dotOverHalo(0.725, 0.35 * (1 - 0.65 * 0.194 / 0.45)),
+                4);
+    EXPECT_NEAR(at(0.9 * 12).alpha(), 255 * dotOverHalo(0.45, 0.35 * (1 - 0.65 * 0.225 / 0.45)), 8);
+}
+
+TEST_F(EffectPixelsTest, AClickGoesOnInWindowsThatAreMadeMeanwhileAndLiesAboveTheDisc) {
+    preferences.highlight.diameter = 24;
+    build(1);
+    manager->addClick({100, 100}, false);
+    desktop.frame(0.15);
+    const auto before = window().screenshot();
+    manager->rebuild();
+    EXPECT_EQ(difference(window().screenshot(), before), 0);
 }
 
 } // namespace

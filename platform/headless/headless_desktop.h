@@ -112,7 +112,6 @@ public:
     OverlayWindow& operator=(const OverlayWindow&) = delete;
 
     [[nodiscard]] GlobalRect frame() const override { return screen_.frame; }
-    [[nodiscard]] double backingScale() const override { return screen_.backingScale; }
     void setRootLayer(Layer& layer) override { root_ = &layer; }
     void orderFront() override { front_ = true; }
 

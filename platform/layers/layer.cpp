@@ -62,13 +62,9 @@ void Layer::setHidden(bool hidden) {
     }
 }
 
-void Layer::setContents(QImage contents) {
+void Layer::setContents(Contents contents) {
     contents_ = std::move(contents);
     changed();
-}
-
-void Layer::setContentsScale(double scale) {
-    assign(contentsScale_, scale);
 }
 
 void Layer::setOpacity(double opacity) {

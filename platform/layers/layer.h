@@ -3,11 +3,14 @@
 #include "platform/geometry.h"
 
 #include <QColor>
-#include <QImage>
+#include <QRectF>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
+
+class QPainter;
 
 namespace vantrel {
 
@@ -36,11 +39,12 @@ public:
     [[nodiscard]] bool hidden() const { return hidden_; }
     void setHidden(bool hidden);
 
-    // Stretched over the bounds; a null image shows nothing.
-    [[nodiscard]] const QImage& contents() const { return contents_; }
-    void setContents(QImage contents);
-    [[nodiscard]] double contentsScale() const { return contentsScale_; }
-    void setContentsScale(double scale);
+    // Draws into a rectangle of the layer's coordinates, its bounds.
+    using Contents = std::function<void(QPainter& painter, const QRectF& bounds)>;
+    // Drawn below what else the layer shows, at every place that a picture of it is made for; an
+    // empty one shows nothing.
+    [[nodiscard]] const Contents& contents() const { return contents_; }
+    void setContents(Contents contents);
     [[nodiscard]] double opacity() const { return opacity_; }
     void setOpacity(double opacity);
     [[nodiscard]] bool masksToBounds() const { return masksToBounds_; }
@@ -70,8 +74,7 @@ private:
     Rect bounds_;
     Point position_;
     bool hidden_ = false;
-    QImage contents_;
-    double contentsScale_ = 1;
+    Contents contents_;
     double opacity_ = 1;
     bool masksToBounds_ = false;
 };

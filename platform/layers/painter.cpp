@@ -33,14 +33,13 @@ void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& st
     }
 }
 
-// Images have their first row on top, layers their first row at the bottom.
-void paintContents(QPainter& painter, const Layer& layer) {
+// An area that contents are drawn in; none when there is nothing to draw or no room for it.
+std::optional<Rect> contentsArea(const Layer& layer) {
     const auto& bounds = layer.bounds();
-    painter.save();
-    painter.translate(0, bounds.height);
-    painter.scale(1, -1);
-    painter.drawImage(QRectF(0, 0, bounds.width, bounds.height), layer.contents());
-    painter.restore();
+    if (!layer.contents() || !isFinite(bounds) || !(bounds.width > 0) || !(bounds.height > 0)) {
+        return std::nullopt;
+    }
+    return Rect{0, 0, bounds.width, bounds.height};
 }
 
 Rect united(const Rect& a, const Rect& b) {
@@ -88,8 +87,8 @@ void paintLayer(QPainter& painter, const Layer& layer, double mediaTime) {
     const auto* shape = dynamic_cast<const ShapeLayer*>(&layer);
     const auto state = shape != nullptr ? shape->stateAt(mediaTime) : std::nullopt;
     painter.setOpacity(painter.opacity() * (state ? state->opacity : layer.opacity()));
-    if (!layer.contents().isNull()) {
-        paintContents(painter, layer);
+    if (const auto area = contentsArea(layer)) {
+        layer.contents()(painter, toQt(*area));
     }
     if (state) {
         paintShape(painter, *shape, *state);
@@ -110,7 +109,7 @@ QImage paintLayer(const Layer& layer, QSize pixels, double scale, double mediaTi
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(0, pixels.height());
     painter.scale(scale, -scale);
     paintLayer(painter, layer, mediaTime);
@@ -119,8 +118,8 @@ QImage paintLayer(const Layer& layer, QSize pixels, double scale, double mediaTi
 
 Rect paintedBounds(const Layer& layer, double mediaTime) {
     Rect all;
-    if (!layer.contents().isNull()) {
-        all = {0, 0, layer.bounds().width, layer.bounds().height};
+    if (const auto area = contentsArea(layer)) {
+        all = *area;
     }
     if (const auto* shape = dynamic_cast<const ShapeLayer*>(&layer)) {
         all = united(all, paintedShape(*shape, mediaTime));

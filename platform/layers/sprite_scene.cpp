@@ -134,7 +134,7 @@ void SpriteScene::render(Sprite& sprite, const Layer& layer, double mediaTime,
     QImage picture(sprite.box.size(), QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-sprite.box.topLeft());
     painter.scale(scale_, -scale_);
     painter.translate(-layer.bounds().width / 2, -layer.bounds().height / 2);

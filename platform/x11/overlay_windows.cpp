@@ -19,7 +19,6 @@ public:
     X11OverlayWindow& operator=(const X11OverlayWindow&) = delete;
 
     [[nodiscard]] GlobalRect frame() const override { return screen_.frame; }
-    [[nodiscard]] double backingScale() const override { return screen_.backingScale; }
     void setRootLayer(Layer& layer) override { root_ = &layer; }
     void orderFront() override { owner_.stack_.raise(); }
 
