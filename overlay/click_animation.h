@@ -24,4 +24,9 @@ struct ClickAnimation {
     [[nodiscard]] GlobalRect box() const;
 };
 
+// Whether the settings want an effect for a click with the right button, or with the left.
+[[nodiscard]] constexpr bool wantsClick(const ClickSettings& settings, bool isRight) {
+    return settings.style != ClickStyle::none && (isRight ? settings.right : settings.left);
+}
+
 } // namespace vantrel

@@ -146,15 +146,10 @@ void OverlayWindowManager::removeMonitor(std::optional<EventMonitors::Token>& mo
     }
 }
 
-bool OverlayWindowManager::playsClick(bool isRight) const {
-    return mode_ == CursorMode::highlight && preferences_.click.style != ClickStyle::none &&
-           (isRight ? preferences_.click.right : preferences_.click.left);
-}
-
 void OverlayWindowManager::addClick(GlobalPoint point, bool isRight) {
     const double now = desktop_.clock.uptime();
     lastActivity_ = now;
-    if (playsClick(isRight)) {
+    if (mode_ == CursorMode::highlight && wantsClick(preferences_.click, isRight)) {
         if (clicks_.size() >= maximumClicks) {
             clicks_.erase(clicks_.begin());
         }

@@ -66,7 +66,6 @@ private:
     void startDisplayLink();
     void startMotionMonitors();
     void removeMonitor(std::optional<EventMonitors::Token>& monitor);
-    [[nodiscard]] bool playsClick(bool isRight) const;
     [[nodiscard]] bool isIdle(double now) const;
     void redraw(OverlayView& view, const GlobalRect& frame, double now, double mediaTime);
 

@@ -12,7 +12,7 @@ namespace vantrel {
 namespace {
 
 constexpr double cornerRadius = 12;
-constexpr int frameInterval = 1000 / 60; // milliseconds
+constexpr int frameInterval = 17; // milliseconds: the timer counts in whole ones
 
 } // namespace
 
@@ -45,8 +45,7 @@ void PreviewCanvas::updateFocusPolicy() {
 
 void PreviewCanvas::playClick(QPointF point, bool isRight) {
     const auto& settings = preferences_.click;
-    if (laser_ || settings.style == ClickStyle::none ||
-        !(isRight ? settings.right : settings.left)) {
+    if (laser_ || !wantsClick(settings, isRight)) {
         return;
     }
     click_ = ClickAnimation{.id = QUuid::createUuid(),

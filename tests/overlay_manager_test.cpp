@@ -156,6 +156,8 @@ TEST_F(OverlayManagerTest, HidesTheRestingHighlightUntilSomethingHappens) {
     show(CursorMode::laser);
     desktop.frame(100);
     EXPECT_FALSE(cursorHidden());
+    show(CursorMode::highlight);
+    EXPECT_FALSE(cursorHidden());
 }
 
 TEST_F(OverlayManagerTest, HidesEitherMarkWhileThePointerIsNotKnown) {
@@ -237,10 +239,11 @@ TEST_F(OverlayManagerTest, PlaysOnlyTheClicksThatWereAskedFor) {
 TEST_F(OverlayManagerTest, KeepsEightClicksAndForgetsThemWithTheMode) {
     show(CursorMode::highlight);
     for (int i = 0; i < 9; ++i) {
-        click({110.0 * i, 300});
+        click({i == 0 ? 1000 : 80.0 * i, 300});
         desktop.clock.advance(0.001);
     }
-    EXPECT_EQ(clickLayers(0), 7U); // the first was dropped, the last is on the other screen
+    EXPECT_EQ(clickLayers(0), 8U);
+    EXPECT_EQ(clickLayers(1), 0U); // the first, on the other screen, was dropped
     show(CursorMode::laser);
     EXPECT_EQ(clickLayers(0), 0U);
 }
