@@ -24,18 +24,6 @@ desktop::PrivateServer prepareServer() {
     return server;
 }
 
-// With the window manager's frame.
-desktop::PixelRect framed(const desktop::XConnection& connection,
-                          const desktop::WindowState& window) {
-    const auto extents = connection.property(window.id, "_NET_FRAME_EXTENTS");
-    if (extents.size() != 4) {
-        return window.area;
-    }
-    const auto edge = [&extents](std::size_t side) { return static_cast<int>(extents[side]); };
-    const auto& [x, y, width, height] = window.area;
-    return {x - edge(0), y - edge(2), width + edge(0) + edge(1), height + edge(2) + edge(3)};
-}
-
 } // namespace
 
 Desk::Desk(std::filesystem::path program, std::filesystem::path folder)

@@ -40,6 +40,23 @@ std::string programOf(const XConnection& connection, xcb_window_t window) {
     return names.substr(0, names.find('\0'));
 }
 
+// A message about a window, to it or to the window manager, which listens at the root.
+void send(const XConnection& connection, xcb_window_t destination, xcb_window_t window,
+          const std::string& type, std::uint32_t value) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = connection.atom(type);
+    message.data.data32[0] = value;
+    const std::uint32_t mask =
+        destination != connection.root()
+            ? XCB_EVENT_MASK_NO_EVENT
+            : XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_send_event(connection.get(), 0, destination, mask, reinterpret_cast<const char*>(&message));
+    connection.sync();
+}
+
 } // namespace
 
 bool WindowQuery::matches(const WindowState& window) const {
@@ -111,6 +128,16 @@ bool hasFocus(const XConnection& connection, xcb_window_t window) {
            std::ranges::count(windowsWithin(connection, window), xcb_window_t{reply->focus}) > 0;
 }
 
+PixelRect framed(const XConnection& connection, const WindowState& window) {
+    const auto extents = connection.property(window.id, "_NET_FRAME_EXTENTS");
+    if (extents.size() != 4) {
+        return window.area;
+    }
+    const auto edge = [&extents](std::size_t side) { return static_cast<int>(extents[side]); };
+    const auto& [x, y, width, height] = window.area;
+    return {x - edge(0), y - edge(2), width + edge(0) + edge(1), height + edge(2) + edge(3)};
+}
+
 PixelPoint centerOf(const PixelRect& area) {
     return {area.x + area.width / 2, area.y + area.height / 2};
 }
@@ -130,28 +157,16 @@ bool typeIn(SyntheticInput& input, const XConnection& connection, const WindowSt
 }
 
 void requestClose(const XConnection& connection, const WindowState& window) {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window.id;
-    message.type = connection.atom("WM_PROTOCOLS");
-    message.data.data32[0] = connection.atom("WM_DELETE_WINDOW");
-    xcb_send_event(connection.get(), 0, window.id, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&message));
-    connection.sync();
+    send(connection, window.id, window.id, "WM_PROTOCOLS", connection.atom("WM_DELETE_WINDOW"));
+}
+
+void requestMinimized(const XConnection& connection, const WindowState& window) {
+    constexpr std::uint32_t iconic = 3;
+    send(connection, connection.root(), window.id, "WM_CHANGE_STATE", iconic);
 }
 
 void requestWorkspace(const XConnection& connection, std::uint32_t number) {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = connection.root();
-    message.type = connection.atom("_NET_CURRENT_DESKTOP");
-    message.data.data32[0] = number;
-    xcb_send_event(connection.get(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&message));
-    connection.sync();
+    send(connection, connection.root(), connection.root(), "_NET_CURRENT_DESKTOP", number);
 }
 
 } // namespace vantrel::desktop

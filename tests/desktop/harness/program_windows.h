@@ -52,6 +52,8 @@ waitForWindow(const XConnection& connection, const WindowQuery& query,
 // Where the keys go: the window, or one below it, has the focus.
 [[nodiscard]] bool hasFocus(const XConnection& connection, xcb_window_t window);
 
+// A window's area with the frame that the window manager has put around it.
+[[nodiscard]] PixelRect framed(const XConnection& connection, const WindowState& window);
 [[nodiscard]] PixelPoint centerOf(const PixelRect& area);
 // The place is relative to the window's top-left corner.
 void clickIn(SyntheticInput& input, const WindowState& window, PixelPoint place,
@@ -61,6 +63,8 @@ bool typeIn(SyntheticInput& input, const XConnection& connection, const WindowSt
             const std::vector<std::uint32_t>& keysyms);
 // Asks for what a click on the close button of a title bar asks for.
 void requestClose(const XConnection& connection, const WindowState& window);
+// Asks the window manager to take it off the screen for now.
+void requestMinimized(const XConnection& connection, const WindowState& window);
 // Asks the window manager to show another workspace, by its number from 0.
 void requestWorkspace(const XConnection& connection, std::uint32_t number);
 
