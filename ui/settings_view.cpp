@@ -130,6 +130,7 @@ QMessageBox* makeResetAlert(ViewContext& view, QWidget* parent) {
     alert->setIconPixmap(pictogram("exclamationmark.triangle", 40,
                                    toneColor(Tone::orange, parent->palette()),
                                    parent->devicePixelRatio()));
+    alert->setWindowTitle(QStringLiteral("Vantrel"));
     alert->setFont(bodyText.weighted(QFont::DemiBold).font());
     auto* reset = pushButton(
         view, Text{"Reset", "重置"}, [&state = view.state()] { state.resetPreferences(); },
@@ -140,9 +141,7 @@ QMessageBox* makeResetAlert(ViewContext& view, QWidget* parent) {
     alert->setDefaultButton(cancel);
     alert->setEscapeButton(cancel);
     view.follow(alert, [alert, &view] {
-        const auto title = view.say(Text{"Reset all preferences?", "重置全部偏好设置？"});
-        alert->setWindowTitle(title);
-        alert->setText(title);
+        alert->setText(view.say(Text{"Reset all preferences?", "重置全部偏好设置？"}));
     });
     return alert;
 }
