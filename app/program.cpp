@@ -3,6 +3,7 @@
 #include "platform/x11/activation.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QSessionManager>
 
 #include <utility>
@@ -19,9 +20,11 @@ Program::Program(x11::Connection& connection, CommandSocket& commands, const Com
     delegate_.applicationDidFinishLaunching(command);
     observeDesktop();
     // Those that came in the meantime have their turn after the launch.
-    mainQueue_.async([this, launched = std::move(launched)] {
-        takeCommands();
-        launched();
+    mainQueue_.async([this, delegate = QPointer(&delegate_), launched = std::move(launched)] {
+        if (delegate) {
+            takeCommands();
+            launched();
+        }
     });
 }
 

@@ -4,7 +4,6 @@
 #include "headless_fixture.h"
 #include "offscreen_application.h"
 #include "overlay/drawn_cursor.h"
-#include "ui/settings_view.h"
 
 #include <QCursor>
 #include <QtTest/QTest>
@@ -75,59 +74,12 @@ protected:
 };
 
 using Windows = std::vector<AppWindow>;
-using Action = Command::Action;
-
-struct Launch {
-    Command command;
-    bool welcomed;
-    Windows opened;
-};
-
-class LaunchTest : public ShellTest, public testing::WithParamInterface<Launch> {};
-
-TEST_P(LaunchTest, OpensTheSettingsWhenAskedToAndTheWelcomeUntilItWasDismissed) {
-    desktop.userDefaults.setBoolean("welcomeDismissed", GetParam().welcomed);
-    launch(GetParam().command);
-    EXPECT_EQ(visibleWindows(), GetParam().opened);
-    EXPECT_FALSE(delegate.popover().hasContent()) << "nobody has opened it";
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, LaunchTest,
-    testing::Values(Launch{{}, false, {AppWindow::welcome}},
-                    Launch{{Action::startWithSettings}, false, {AppWindow::settings}},
-                    Launch{{Action::startWithSettings}, true, {AppWindow::settings}},
-                    Launch{{Action::openSettings}, true, {AppWindow::settings}},
-                    Launch{{Action::toggle, CursorMode::laser}, true, {}}, Launch{{}, true, {}}));
-
 TEST_F(ShellTest, ALaunchForAModeShowsItWhateverTheLastOneWas) {
     for (const auto last : allCases<CursorMode>()) {
         delegate.state().setMode(last);
-        launch({Action::toggle, CursorMode::laser});
+        launch({Command::Action::toggle, CursorMode::laser});
         EXPECT_EQ(delegate.state().mode().get(), CursorMode::laser);
     }
-}
-
-TEST_F(ShellTest, CommandsDoWhatTheirUserCouldDo) {
-    launch();
-    const std::pair<Command, CursorMode> modes[] = {
-        {{Action::setMode, CursorMode::laser}, CursorMode::laser},
-        {{Action::setMode, CursorMode::laser}, CursorMode::laser},
-        {{Action::toggle, CursorMode::highlight}, CursorMode::highlight},
-        {{Action::toggle, CursorMode::highlight}, CursorMode::off},
-        {{Action::toggle, CursorMode::laser}, CursorMode::laser},
-        {{Action::setMode, CursorMode::off}, CursorMode::off}};
-    for (const auto& [command, mode] : modes) {
-        EXPECT_EQ(delegate.carryOut(command), CommandAnswer{});
-        EXPECT_EQ(delegate.state().mode().get(), mode);
-        EXPECT_EQ(delegate.carryOut({Action::reportStatus}).text, nameOf(mode));
-    }
-    EXPECT_EQ(visibleWindows(), Windows{});
-    delegate.carryOut({Action::openSettings});
-    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
-    EXPECT_EQ(terminations, 0);
-    delegate.carryOut({Action::quit});
-    EXPECT_EQ(terminations, 1);
 }
 
 TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
@@ -139,49 +91,20 @@ TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
         delegate.open(name);
         auto* window = delegate.window(name);
         EXPECT_EQ(window->size(), size);
+        settle();
+        EXPECT_LE((window->frameGeometry().center() - QPoint(399, 399)).manhattanLength(), 1);
         EXPECT_EQ(window->windowTitle(), QStringLiteral("Vantrel"));
-        window->resize(700, 700);
+        window->setGeometry(10, 30, 700, 700);
         EXPECT_EQ(window->minimumSize(), minimumContentSize);
         window->close();
         EXPECT_FALSE(window->isVisible());
         delegate.open(name);
         EXPECT_EQ(delegate.window(name), window);
         EXPECT_TRUE(window->isVisible());
-        EXPECT_EQ(window->size(), QSize(700, 700));
+        EXPECT_EQ(window->geometry(), QRect(10, 30, 700, 700));
         settle();
         ASSERT_FALSE(activated.empty());
         EXPECT_EQ(activated.back(), window->winId());
-    }
-}
-
-TEST_F(ShellTest, AboutLeadsToItsTabOfTheOneSettingsWindow) {
-    launch();
-    chooseFromMenu("Settings…");
-    auto* settings = delegate.window(AppWindow::settings);
-    chooseFromMenu("About Vantrel");
-    EXPECT_EQ(delegate.window(AppWindow::settings), settings);
-    EXPECT_EQ(delegate.state().selectedTab().get(), SettingsTab::about);
-    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
-}
-
-TEST_F(ShellTest, TheItemTellsTheMode) {
-    launch();
-    const std::pair<CursorMode, std::string> descriptions[] = {
-        {CursorMode::off, "Vantrel off"},
-        {CursorMode::highlight, "Vantrel highlight"},
-        {CursorMode::laser, "Vantrel laser"}};
-    QList<QImage> pictures;
-    for (const auto& [mode, description] : descriptions) {
-        delegate.state().setMode(mode);
-        settle();
-        EXPECT_EQ(desktop.statusItem.description, description);
-        const QImage picture = desktop.statusItem.image.pixmap(22).toImage();
-        EXPECT_FALSE(pictures.contains(picture));
-        pictures.append(picture);
-        const auto checked =
-            std::ranges::find(desktop.statusItem.menu, std::optional(true), &MenuEntry::checked);
-        ASSERT_NE(checked, desktop.statusItem.menu.end());
-        EXPECT_EQ(checked->title, delegate.state().title(mode));
     }
 }
 
@@ -235,21 +158,6 @@ TEST_F(ShellTest, ThePopoverOpensAndClosesWithTheItemAndFitsItsPanel) {
     EXPECT_FALSE(popoverShown());
 }
 
-TEST_F(ShellTest, ThePopoverClosesOnAPressElsewhereAndOnEscape) {
-    launch();
-    click();
-    press({10, 500});
-    EXPECT_FALSE(popoverShown());
-    QCursor::setPos(400, 20);
-    click();
-    ASSERT_TRUE(popoverShown()) << "a press far away has nothing to do with this click";
-    press(delegate.popover().geometry().center());
-    EXPECT_TRUE(popoverShown());
-    QTest::keyClick(const_cast<Popover*>(&delegate.popover()), Qt::Key_Escape);
-    EXPECT_FALSE(popoverShown());
-    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
-}
-
 TEST_F(ShellTest, AClickOnTheItemThatHasClosedThePopoverDoesNotOpenItAgain) {
     launch();
     click();
@@ -266,35 +174,52 @@ TEST_F(ShellTest, AClickOnTheItemThatHasClosedThePopoverDoesNotOpenItAgain) {
     EXPECT_TRUE(popoverShown()) << "another click";
 }
 
-TEST_F(ShellTest, ThePopoverClosesWhenItLosesTheKeyboard) {
+TEST_F(ShellTest, TheMenuShowsThePopoverWhateverClosedItAndNeverClosesIt) {
     launch();
     click();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(const_cast<Popover*>(&delegate.popover())));
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    settle();
+    press({400, 20});
     EXPECT_FALSE(popoverShown());
+    for (int i = 0; i < 2; ++i) {
+        chooseFromMenu("Show Panel");
+        EXPECT_TRUE(popoverShown());
+    }
 }
 
-TEST_F(ShellTest, StartingAgainBringsTheWindowsBackOrOpensTheSettings) {
+TEST_F(ShellTest, ThePopoverClosesWithoutTheKeyboardUnlessThePointerIsOnItsWayThere) {
+    desktop.statusItem.where = QRect(600, 0, 24, 24);
     launch();
-    delegate.applicationShouldHandleReopen(delegate.hasVisibleWindows());
-    EXPECT_EQ(visibleWindows(), Windows{AppWindow::settings});
-    delegate.window(AppWindow::settings)->close();
-    delegate.open(AppWindow::help);
-    delegate.applicationShouldHandleReopen(delegate.hasVisibleWindows());
-    EXPECT_EQ(visibleWindows(), Windows{AppWindow::help});
+    struct Case {
+        const char* what;
+        QPoint pointer;
+        bool closes;
+    };
+    for (const auto& [what, pointer, closes] :
+         {Case{"elsewhere", {100, 700}, true},
+          {"at the item", {620, 3}, false},
+          {"between the two", {610, 26}, false},
+          {"in it, and the keyboard stays away", {610, 90}, true}}) {
+        QWidget other;
+        chooseFromMenu("Show Panel");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(const_cast<Popover*>(&delegate.popover())));
+        QCursor::setPos(pointer);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        EXPECT_EQ(QTest::qWaitFor([&] { return !popoverShown(); }, closes ? 5000 : 400), closes)
+            << what;
+    }
 }
 
-TEST_F(ShellTest, ControlAndCommaOpenTheSettingsFromAnyWindow) {
+TEST_F(ShellTest, StartingAgainGivesTheKeyboardToTheWindowUsedLast) {
     launch();
-    delegate.open(AppWindow::help);
-    auto* help = delegate.window(AppWindow::help);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(help));
-    QTest::keyClick(help, Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(delegate.window(AppWindow::settings) != nullptr);
+    for (const auto window : {AppWindow::welcome, AppWindow::settings, AppWindow::help}) {
+        delegate.open(window);
+    }
+    auto* used = delegate.window(AppWindow::settings);
+    used->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(used));
+    delegate.applicationShouldHandleReopen(true);
+    EXPECT_EQ(activated.back(), used->winId());
 }
 
 TEST_F(ShellTest, BecomingActiveTakesOverWhatTheDesktopDidToTheLoginItem) {
@@ -304,17 +229,30 @@ TEST_F(ShellTest, BecomingActiveTakesOverWhatTheDesktopDidToTheLoginItem) {
     EXPECT_TRUE(delegate.state().preferences().get().launchAtLogin);
 }
 
-TEST_F(ShellTest, SleepTakesTheOverlaysAwayAndWakingBringsThemBack) {
+TEST_F(ShellTest, GoingBackToSleepAtOnceLeavesNoOverlay) {
     launch();
     delegate.state().setMode(CursorMode::laser);
     desktop.workspace.sleep();
+    desktop.workspace.wake();
+    desktop.workspace.sleep();
+    settle();
     EXPECT_TRUE(desktop.overlayWindows.windows().empty());
-    EXPECT_TRUE(desktop.userDefaults.data("Vantrel.preferences.v1").has_value());
     desktop.workspace.wake();
     settle();
     EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
-    delegate.applicationWillTerminate();
-    EXPECT_TRUE(desktop.overlayWindows.windows().empty());
+}
+
+TEST(WindowPlacement, IsInTheMiddleWithTheFrameAndNeverLargerThanTheScreen) {
+    const QMargins frame(2, 20, 2, 6);
+    struct Case {
+        QRect available;
+        QRect expected;
+    };
+    for (const auto& [available, expected] : {Case{{0, 0, 1280, 900}, {360, 137, 560, 640}},
+                                              {{1280, 30, 800, 450}, {1400, 50, 560, 424}},
+                                              {{0, 0, 500, 900}, {2, 137, 496, 640}}}) {
+        EXPECT_EQ(windowPlacement({560, 640}, frame, available), expected);
+    }
 }
 
 TEST(PopoverPlacement, IsBesideTheItemAndWhollyOnTheScreen) {

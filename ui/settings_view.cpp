@@ -152,9 +152,7 @@ SettingsView::SettingsView(ViewContext& view)
     : VantrelBackground(
           column(0, {header(view), row(0, {modeChoices(view, true)})->padded({20, 0, 20, 14}),
                      tabBar(view), divider(), pages(view, [this] { confirmReset(); })})),
-      view_(view) {
-    setMinimumSize(minimumContentSize);
-}
+      view_(view) {}
 
 QMessageBox* SettingsView::resetAlert() const {
     return alert_;

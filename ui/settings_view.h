@@ -4,14 +4,10 @@
 #include "ui/components/view_context.h"
 
 #include <QPointer>
-#include <QSize>
 
 class QMessageBox;
 
 namespace vantrel {
-
-// Of every window of the program, in points.
-inline constexpr QSize minimumContentSize(520, 560);
 
 // Every preference, in five tabs.
 class SettingsView : public VantrelBackground {

@@ -8,9 +8,12 @@
 #include "ui/settings_view.h"
 #include "ui/welcome_view.h"
 
+#include <QGuiApplication>
+#include <QPointer>
 #include <QShortcut>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -35,9 +38,18 @@ void AppDelegate::applicationDidFinishLaunching(const Command& command) {
     state_.openWindow = [this](AppWindow window) { open(window); };
     observeMode();
     view_.follow(this, [this] { updateMenu(); });
-    app_.mainQueue.async([this, command] { launch(command); });
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::noteUse);
+    later([this, command] { launch(command); });
     subscriptions_.push_back(app_.workspace.onWillSleep([this] { sleep(); }));
     subscriptions_.push_back(app_.workspace.onDidWake([this] { wake(); }));
+}
+
+void AppDelegate::later(std::function<void()> task) {
+    app_.mainQueue.async([self = QPointer(this), task = std::move(task)] {
+        if (self) {
+            task();
+        }
+    });
 }
 
 void AppDelegate::launch(const Command& command) {
@@ -86,7 +98,7 @@ ProgramStatus AppDelegate::status() const {
 void AppDelegate::observeMode() {
     subscriptions_.push_back(state_.mode().observe([this](CursorMode mode) {
         shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
-        app_.mainQueue.async([this] { resizePopover(); });
+        later([this] { resizePopover(); });
     }));
 }
 
@@ -104,7 +116,7 @@ void AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
     for (const auto& [key, window] : windows_) {
         if (window->isVisible()) {
             window->raise();
-            front = window.get() == lastOpened_ || front == nullptr ? window.get() : front;
+            front = window.get() == lastUsed_ || front == nullptr ? window.get() : front;
         }
     }
     if (front != nullptr) {
@@ -117,23 +129,44 @@ void AppDelegate::applicationWillTerminate() {
 }
 
 void AppDelegate::sleep() {
+    asleep_ = true;
     state_.suspend();
 }
 
 void AppDelegate::wake() {
-    app_.mainQueue.async([this] { state_.wake(); });
+    asleep_ = false;
+    later([this] {
+        if (!asleep_) {
+            state_.wake();
+        }
+    });
 }
 
 void AppDelegate::open(AppWindow window) {
     popover_.performClose();
     const auto [key, size] = planOf(window);
     auto& place = windows_[key];
-    if (!place) {
-        place = makeWindow(size, makeContent(window).release());
-        listenForShortcuts(*place);
+    if (place) {
+        showActive(*place, shell_.activate);
+        return;
     }
-    lastOpened_ = place.get();
-    showActive(*place, shell_.activate);
+    place = makeWindow(size, makeContent(window).release());
+    listenForShortcuts(*place);
+    showActive(*place, [this, made = place.get(), size = size](WId id) {
+        placeWithFrame(*made, size);
+        shell_.activate(id);
+    });
+}
+
+void AppDelegate::noteUse(const QWindow* focused) {
+    while (focused != nullptr && focused->transientParent() != nullptr) {
+        focused = focused->transientParent();
+    }
+    for (const auto& [key, window] : windows_) {
+        if (focused != nullptr && window->windowHandle() == focused) {
+            lastUsed_ = window.get();
+        }
+    }
 }
 
 void AppDelegate::openAbout() {
@@ -178,13 +211,21 @@ void AppDelegate::togglePopover() {
     }
     if (popover_.isVisible()) {
         popover_.performClose();
-        return;
+    } else {
+        showPopover();
     }
+}
+
+void AppDelegate::showPopover() {
+    provideWindowIcon();
     if (!popover_.hasContent()) {
         popover_.setContent(new MenuPanel(view_));
     }
     popover_.placeAt(shell_.statusItem.place());
-    showActive(popover_, shell_.activate);
+    showActive(popover_, [this](WId id) {
+        popover_.place();
+        shell_.activate(id);
+    });
 }
 
 void AppDelegate::resizePopover() {
@@ -202,7 +243,7 @@ std::vector<MenuEntry> AppDelegate::menu() {
     }
     entries.push_back({});
     entries.push_back(
-        {.title = say({"Show Panel", "显示面板"}), .action = [this] { togglePopover(); }});
+        {.title = say({"Show Panel", "显示面板"}), .action = [this] { showPopover(); }});
     entries.push_back({.title = say({"Settings…", "设置…"}),
                        .action = [this] { open(AppWindow::settings); },
                        .shortcut = settingsShortcut});

@@ -9,6 +9,7 @@
 #include "ui/components/view_context.h"
 
 #include <QObject>
+#include <QWindow>
 
 #include <map>
 #include <memory>
@@ -46,7 +47,9 @@ public:
     // Shows a window, which is made when it is asked for the first time and kept from then on.
     void open(AppWindow window);
     void openAbout();
+    // A click on the status item.
     void togglePopover();
+    void showPopover();
     // Fits the popover to the panel in it.
     void resizePopover();
 
@@ -58,12 +61,15 @@ public:
     [[nodiscard]] bool hasVisibleWindows() const;
 
 private:
+    // In a later turn of the main queue, unless the delegate is gone by then.
+    void later(std::function<void()> task);
     void launch(const Command& command);
     void observeMode();
     void updateMenu();
     [[nodiscard]] std::vector<MenuEntry> menu();
     [[nodiscard]] std::unique_ptr<QWidget> makeContent(AppWindow window);
     void listenForShortcuts(QWidget& window);
+    void noteUse(const QWindow* focused);
 
     AppDesktop app_;
     ShellDesktop shell_;
@@ -72,7 +78,8 @@ private:
     ViewContext view_;
     Popover popover_;
     std::map<std::string_view, std::unique_ptr<QWidget>> windows_;
-    const QWidget* lastOpened_ = nullptr; // of the windows
+    const QWidget* lastUsed_ = nullptr; // of the windows
+    bool asleep_ = false;
     std::vector<MenuEntry> shownMenu_;
     std::vector<Subscription> subscriptions_;
 };

@@ -12,6 +12,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <utility>
 
 namespace vantrel {
@@ -25,6 +26,9 @@ constexpr int clickRadius = 6;   // points
 
 constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown) |
                               maskOf(EventType::otherMouseDown);
+
+// In which a keyboard that follows the pointer comes back to where that is.
+constexpr std::chrono::milliseconds keyboardDelay(300);
 
 constexpr int frameWidth = 1; // points
 
@@ -54,6 +58,13 @@ Popover::Popover(EventMonitors& monitors, const Clock& clock)
     const auto close = [this] { performClose(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, close);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, close);
+    keyboardReturn_.setSingleShot(true);
+    keyboardReturn_.setInterval(keyboardDelay);
+    connect(&keyboardReturn_, &QTimer::timeout, this, [this] {
+        if (!hasKeyboard()) {
+            dismiss();
+        }
+    });
 }
 
 Popover::~Popover() {
@@ -82,8 +93,9 @@ void Popover::fitContent() {
 
 void Popover::placeAt(const std::optional<QRect>& item) {
     item_ = item.value_or(QRect(QCursor::pos(), QSize(1, 1)));
-    connect(&screenOf(item_), &QScreen::availableGeometryChanged, this, &Popover::performClose,
-            Qt::UniqueConnection);
+    disconnect(screenChanges_);
+    screenChanges_ =
+        connect(&screenOf(item_), &QScreen::availableGeometryChanged, this, &Popover::performClose);
     fitContent();
     place();
 }
@@ -121,6 +133,22 @@ void Popover::dismiss() {
     }
 }
 
+bool Popover::hasKeyboard() const {
+    return belongsTo(QApplication::activeWindow(), *this);
+}
+
+void Popover::loseKeyboard() {
+    if (hasKeyboard()) {
+        return;
+    }
+    const QPoint pointer = QCursor::pos();
+    if (geometry().contains(pointer)) {
+        keyboardReturn_.start();
+    } else if (!isOnTheWay(pointer, item_, geometry())) {
+        dismiss();
+    }
+}
+
 bool Popover::closedByThisPress() {
     const auto dismissal = std::exchange(dismissal_, std::nullopt);
     return dismissal && clock_.uptime() - dismissal->uptime < clickDelay &&
@@ -130,14 +158,7 @@ bool Popover::closedByThisPress() {
 bool Popover::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate) {
         // Which window has become active instead is known afterwards.
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                if (!belongsTo(QApplication::activeWindow(), *this)) {
-                    dismiss();
-                }
-            },
-            Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &Popover::loseKeyboard, Qt::QueuedConnection);
     }
     const bool handled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest && isVisible()) {
@@ -166,9 +187,10 @@ void Popover::hideEvent(QHideEvent* event) {
 
 void Popover::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
+    const QRect inside = rect().adjusted(frameWidth, frameWidth, -frameWidth, -frameWidth);
     painter.fillRect(rect(), palette().window());
-    painter.setPen(toneColor(Tone::primary, palette(), 0.2));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(rect(), toneColor(Tone::primary, palette(), 0.2));
+    painter.fillRect(inside, palette().window());
 }
 
 } // namespace vantrel

@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/event_monitors.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -11,8 +12,9 @@
 namespace vantrel {
 
 // A window that hangs at an item of the desktop and closes by itself: when a press goes elsewhere,
-// when it loses the keyboard, on Escape, and when the displays change. It grabs nothing, so
-// shortcuts work and clicks reach what they were meant for. It is as large as its content wants.
+// when it loses the keyboard, on Escape, and when the displays change. Where the keyboard follows
+// the pointer it may go to other windows on the way from the item. It grabs nothing, so shortcuts
+// work and clicks reach what they were meant for. It is as large as its content wants.
 class Popover : public QWidget {
 public:
     // The desktop must outlive it.
@@ -28,6 +30,8 @@ public:
 
     // Where it opens: at an item, or near the pointer when the place of that is not known.
     void placeAt(const std::optional<QRect>& item);
+    // Goes there again, where the desktop has put it elsewhere.
+    void place();
     void performClose();
     // Whether the press that the pointer is at closed it a moment ago: the first half of a click
     // that means to close it. Tells of each press once.
@@ -48,12 +52,15 @@ private:
 
     void watchPresses();
     void dismiss();
-    void place();
+    void loseKeyboard();
+    [[nodiscard]] bool hasKeyboard() const;
 
     EventMonitors& monitors_;
     const Clock& clock_;
     QWidget* content_ = nullptr;
     QRect item_;
+    QMetaObject::Connection screenChanges_;
+    QTimer keyboardReturn_;
     std::optional<EventMonitors::Token> presses_;
     std::optional<Dismissal> dismissal_;
 };

@@ -1,5 +1,7 @@
 #include "app/shell/popover_placement.h"
 
+#include <QMargins>
+
 #include <algorithm>
 
 namespace vantrel {
@@ -7,6 +9,7 @@ namespace vantrel {
 namespace {
 
 constexpr int gap = 4;
+constexpr int itemReach = 12;
 
 // The start of a range of that length that lies in the other one, and is cut where it cannot.
 int within(int start, int length, int low, int high) {
@@ -28,6 +31,11 @@ QRect popoverPlacement(const QRect& item, QSize size, const QRect& available) {
                available.left(), available.left() + available.width()),
         within(opensBelow ? below : above, fitting.height(), available.top(), bottom));
     return {corner, fitting};
+}
+
+bool isOnTheWay(QPoint pointer, const QRect& item, const QRect& popover) {
+    constexpr QMargins around(itemReach, itemReach, itemReach, itemReach);
+    return item.marginsAdded(around).united(popover).contains(pointer);
 }
 
 } // namespace vantrel

@@ -9,4 +9,8 @@ namespace vantrel {
 // windows. An item that is no larger than a point is a place near an item.
 [[nodiscard]] QRect popoverPlacement(const QRect& item, QSize size, const QRect& available);
 
+// What the pointer passes on its way between an item and its popover: both, what is between them,
+// and a little around the item, as the place of one may be known by a point only.
+[[nodiscard]] bool isOnTheWay(QPoint pointer, const QRect& item, const QRect& popover);
+
 } // namespace vantrel

@@ -1,19 +1,26 @@
 #include "app/shell/window_plan.h"
 
-#include "ui/settings_view.h"
-
 #include <QCursor>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace vantrel {
 
 namespace {
 
-// A window may open lower than it can be made later.
+const QScreen& screenOfPointer() {
+    const auto* screen = QGuiApplication::screenAt(QCursor::pos());
+    return screen != nullptr ? *screen : *QGuiApplication::primaryScreen();
+}
+
+// What a window's frame takes on most desktops, until this one tells.
+constexpr QMargins usualFrame(1, 24, 1, 1);
+
+// A window may open smaller than it can be made later.
 class ContentWindow final : public QWidget {
 public:
     ContentWindow(QSize contentSize, QWidget* content) {
@@ -22,14 +29,18 @@ public:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSizeConstraint(QLayout::SetNoConstraint);
         layout->addWidget(content);
-        setMinimumSize(minimumContentSize.boundedTo(contentSize));
-        resize(contentSize);
+        place(windowPlacement(contentSize, usualFrame, screenOfPointer().availableGeometry()));
+    }
+
+    void place(const QRect& place) {
+        setMinimumSize(minimumContentSize.boundedTo(place.size()));
+        setGeometry(place);
     }
 
 protected:
     void resizeEvent(QResizeEvent* event) override {
         QWidget::resizeEvent(event);
-        if (event->size().height() >= minimumContentSize.height()) {
+        if (minimumContentSize.boundedTo(event->size()) == minimumContentSize) {
             setMinimumSize(minimumContentSize);
         }
     }
@@ -49,18 +60,33 @@ WindowPlan planOf(AppWindow window) {
     return {};
 }
 
+QRect windowPlacement(QSize contentSize, QMargins frame, const QRect& available) {
+    const QRect room = available.marginsRemoved(frame);
+    const QSize size = contentSize.boundedTo(room.size());
+    return {room.topLeft() +
+                QPoint((room.width() - size.width()) / 2, (room.height() - size.height()) / 2),
+            size};
+}
+
 std::unique_ptr<QWidget> makeWindow(QSize contentSize, QWidget* content) {
+    provideWindowIcon();
+    return std::make_unique<ContentWindow>(contentSize, content);
+}
+
+void placeWithFrame(QWidget& window, QSize contentSize) {
+    const auto placed = [&](QMargins frame) {
+        return windowPlacement(contentSize, frame, window.screen()->availableGeometry());
+    };
+    if (window.size() == placed(usualFrame).size()) {
+        static_cast<ContentWindow&>(window).place(placed(window.windowHandle()->frameMargins()));
+    }
+}
+
+void provideWindowIcon() {
     if (QGuiApplication::windowIcon().isNull()) {
         QGuiApplication::setWindowIcon(
             QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
     }
-    auto window = std::make_unique<ContentWindow>(contentSize, content);
-    const auto* screen = QGuiApplication::screenAt(QCursor::pos());
-    const QRect available =
-        (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
-    window->resize(contentSize.boundedTo(available.size()));
-    window->move(available.center() - window->rect().center());
-    return window;
 }
 
 } // namespace vantrel

@@ -35,11 +35,13 @@ protected:
     [[nodiscard]] bool stores(std::string_view mode) const {
         return waitFor([&] { return storedMode() == mode; });
     }
-    [[nodiscard]] std::string storedMode() const {
-        const auto stored = nlohmann::json::parse(
+    [[nodiscard]] std::string storedMode() const { return stored().value("lastMode", ""); }
+    // An empty object where there is nothing that can be read.
+    [[nodiscard]] nlohmann::json stored() const {
+        auto stored = nlohmann::json::parse(
             readFile(server.folder() / "config" / "vantrel" / "Vantrel.preferences.v1"), nullptr,
             false);
-        return stored.is_object() ? stored.value("lastMode", "") : "";
+        return stored.is_object() ? stored : nlohmann::json::object();
     }
 
     const std::string name = "vantrel";

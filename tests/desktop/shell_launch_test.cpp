@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 namespace vantrel::desktop {
 namespace {
@@ -57,13 +59,23 @@ TEST_F(LaunchTest, AnotherStartReachesTheRunningProgramWithoutATray) {
     ASSERT_TRUE(window);
     EXPECT_TRUE(getsFocus(*window));
 
-    // A window that was closed comes back, one that lies behind comes to the front.
+    // A window that was closed comes back where it was left, one that lies behind or is minimised
+    // comes to the front.
+    const std::uint32_t moved[] = {30, 50};
+    xcb_configure_window(watcher.get(), window->id, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                         moved);
+    ASSERT_TRUE(waitFor([&] { return stateOf(watcher, window->id)->area.x < 50; }));
+    const PixelRect left = stateOf(watcher, window->id)->area;
     requestClose(watcher, *window);
     ASSERT_TRUE(isGone(settings));
     EXPECT_EQ(startSecond({"--settings"}).wait(5s), (ExitStatus{.code = 0}));
     const auto again = shown(settings);
     ASSERT_TRUE(again);
-    EXPECT_EQ(again->area, window->area);
+    EXPECT_TRUE(waitFor([&] { return stateOf(watcher, again->id)->area == left; }));
+    requestMinimized(watcher, *again);
+    ASSERT_TRUE(isGone(settings));
+    EXPECT_EQ(startSecond().wait(5s), (ExitStatus{.code = 0}));
+    ASSERT_TRUE(shown(settings));
     {
         const ClientWindow other(server.display(),
                                  {.area = {0, 0, 1280, 900}, .overrideRedirect = false});
@@ -111,15 +123,60 @@ TEST_F(LaunchTest, StartsAtTheSameMomentLeaveOneProgram) {
     }
 }
 
-TEST_F(LaunchTest, IsNotPreventedByARunThatWasKilled) {
-    auto killed = start();
-    ASSERT_TRUE(shown(overlay));
-    killed.signal(SIGKILL);
-    killed.wait(5s);
-    auto program = start();
-    EXPECT_TRUE(shown(overlay));
-    EXPECT_TRUE(program.running());
+// A change in the desktop's own settings, for one.
+TEST_F(LaunchTest, ComingBackToTheProgramTakesOverWhatHappenedToTheLoginItem) {
+    const auto program = start({.arguments = {"--settings"}});
+    const auto window = shown(settings);
+    ASSERT_TRUE(window && getsFocus(*window));
+    const ClientWindow other(server.display(),
+                             {.area = {0, 0, 100, 100}, .overrideRedirect = false});
+    const auto focus = [&](xcb_window_t id) {
+        xcb_set_input_focus(watcher.get(), XCB_INPUT_FOCUS_NONE, id, XCB_CURRENT_TIME);
+        watcher.sync();
+    };
+    focus(other.id());
+    ASSERT_TRUE(waitFor([&] { return hasFocus(watcher, other.id()); }));
+    const auto autostart = server.folder() / "config" / "autostart";
+    std::filesystem::create_directories(autostart);
+    std::ofstream(autostart / "vantrel.desktop")
+        << "[Desktop Entry]\nType=Application\nExec=" << programUnderTest().string() << '\n';
+    focus(window->id);
+    EXPECT_TRUE(waitFor([&] { return stored().value("launchAtLogin", false); }));
 }
+
+// What a window's frame takes as well, at 1 and at 2 pixels for each point.
+struct Screen {
+    PixelSize size;
+    std::string resources;
+};
+
+class ScreenTest : public ShellTest, public testing::WithParamInterface<Screen> {
+protected:
+    ScreenTest() : ShellTest(PrivateServer::virtualScreen(GetParam().size)) {
+        const auto& resources = GetParam().resources;
+        xcb_change_property(watcher.get(), XCB_PROP_MODE_REPLACE, watcher.root(),
+                            XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
+                            static_cast<std::uint32_t>(resources.size()), resources.data());
+        watcher.sync();
+    }
+};
+
+TEST_P(ScreenTest, ShowsWindowsInItsMiddleAndWhole) {
+    const auto program = start({.preferences = nullptr});
+    const auto [width, height] = GetParam().size;
+    ASSERT_TRUE(shown(anyWindow));
+    EXPECT_TRUE(waitFor([&, width = width, height = height] {
+        const auto window = shown(anyWindow);
+        const PixelRect area = window ? framed(watcher, *window) : PixelRect{};
+        const PixelPoint center = centerOf(area);
+        return contains({0, 0, width, height}, area) && std::abs(center.x - width / 2) <= 2 &&
+               std::abs(center.y - height / 2) <= 2;
+    }));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ScreenTest,
+                         testing::Values(Screen{{1280, 900}, ""}, Screen{{800, 480}, ""},
+                                         Screen{{1920, 1080}, "Xft.dpi: 192\n"}));
 
 } // namespace
 } // namespace vantrel::desktop
