@@ -154,20 +154,31 @@ TEST(ScreensTest, TakesTheRateFromTheMode) {
     EXPECT_EQ(refreshRate(0, 0, 0, 0), 0);
 }
 
-TEST(PaceCheckTest, TellsThePaceOfTheDisplayFromAnother) {
+TEST(PaceCheckTest, TellsThePaceOfTheDisplayFromAnotherAndFromNone) {
+    using Verdict = PaceCheck::Verdict;
     const auto judge = [](double promised, std::uint64_t period, std::uint64_t step) {
         PaceCheck check(promised);
-        std::optional<bool> verdict;
-        for (std::uint64_t i = 0; i < 100 && !verdict; ++i) {
+        auto verdict = Verdict::blank;
+        for (std::uint64_t i = 0; i < 100; ++i) {
             verdict = check.add(1000 + i * step, 5'000'000 + i * step * period);
         }
         return verdict;
     };
-    EXPECT_EQ(judge(60, 16'667, 1), true);
-    EXPECT_EQ(judge(120, 16'667, 1), false);
-    EXPECT_EQ(judge(120, 8'333, 1), true);
-    EXPECT_EQ(judge(120, 8'333, 2), true); // blanks that were slept through still count
-    EXPECT_EQ(judge(60, 0, 1), std::nullopt);
+    EXPECT_EQ(judge(60, 16'667, 1), Verdict::blank);
+    EXPECT_EQ(judge(120, 16'667, 1), Verdict::useless);
+    EXPECT_EQ(judge(120, 8'333, 1), Verdict::blank);
+    EXPECT_EQ(judge(120, 8'333, 2), Verdict::blank); // blanks that were slept through still count
+    EXPECT_EQ(judge(60, 0, 1), Verdict::useless);
+    EXPECT_EQ(judge(60, 16'667, 0), Verdict::useless);
+}
+
+TEST(PaceCheckTest, ForgivesACounterThatStartsAnew) {
+    using Verdict = PaceCheck::Verdict;
+    PaceCheck check(60);
+    for (std::uint64_t i = 1; i < 200; ++i) {
+        const bool again = i % 20 == 0;
+        EXPECT_EQ(check.add(i % 20, i * 16'667), again ? Verdict::none : Verdict::blank) << i;
+    }
 }
 
 TEST(RaisePolicyTest, YieldsToAWindowThatAnswersEveryTime) {

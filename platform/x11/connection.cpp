@@ -264,11 +264,8 @@ void Connection::dispatch() {
         return;
     }
     dispatching_ = true;
-    while (deliverGulp()) {
+    if (deliverGulp()) {
         forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });
-        if (!hasQueuedEvents()) {
-            break;
-        }
     }
     xcb_flush(connection_);
     dispatching_ = false;

@@ -95,7 +95,8 @@ public:
     // Adds to what the root window reports, whoever else wants something of it.
     void selectRootEvents(std::uint32_t mask);
 
-    // Handles what has arrived, in gulps, until nothing is left, and sends what that led to.
+    // Handles what has arrived, in one gulp, and sends what that led to. What arrives meanwhile is
+    // for the next time: a server that always has something to say must not hold up the rest.
     void dispatch();
     // Whether events wait in memory, where the descriptor does not tell of them.
     [[nodiscard]] bool hasQueuedEvents();

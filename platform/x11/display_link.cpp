@@ -42,9 +42,8 @@ private:
     WindowHandle window_; // never mapped; its place says which display is meant
     std::uint32_t presentEvents_ = 0;
     PaceCheck pace_;
-    bool judged_ = false;
-    bool paceDiffers_ = false; // from the display's, for good
     bool blank_ = false;
+    bool asksAgain_ = false;
     bool alive_ = true; // since the last look
     std::unique_ptr<FrameTimer> timer_;
     QTimer lifeCheck_;
@@ -106,19 +105,22 @@ void X11DisplayLink::handleEvent(const xcb_generic_event_t& event) {
         return;
     }
     alive_ = true;
-    blank_ = true;
-    if (!judged_) {
-        const auto fits = pace_.add(complete.msc, complete.ust);
-        judged_ = fits.has_value();
-        paceDiffers_ = fits == false;
-        if (paceDiffers_) {
-            useTimer();
-        }
+    switch (pace_.add(complete.msc, complete.ust)) {
+    case PaceCheck::Verdict::blank:
+        blank_ = true;
+        break;
+    case PaceCheck::Verdict::none:
+        asksAgain_ = true;
+        useTimer();
+        break;
+    case PaceCheck::Verdict::useless:
+        useTimer();
+        break;
     }
 }
 
 void X11DisplayLink::eventsDrained() {
-    if (!std::exchange(blank_, false) || paceDiffers_) {
+    if (!std::exchange(blank_, false)) {
         return;
     }
     if (timer_) {
@@ -134,7 +136,14 @@ void X11DisplayLink::eventsDrained() {
 
 void X11DisplayLink::useTimer() {
     lifeCheck_.stop();
-    timer_ = std::make_unique<FrameTimer>(rate_, [target = target_] { (*target)(); });
+    if (!timer_) {
+        timer_ = std::make_unique<FrameTimer>(rate_, [this, target = target_] {
+            if (std::exchange(asksAgain_, false)) {
+                requestBlank();
+            }
+            (*target)();
+        });
+    }
 }
 
 // The request for the next blank stays with the server, which answers when there is one again.
@@ -146,18 +155,34 @@ void X11DisplayLink::checkLife() {
 
 } // namespace
 
-std::optional<bool> PaceCheck::add(std::uint64_t count, std::uint64_t microseconds) {
+// Xwayland from 24.1 on answers at once for a window that shows nothing, with the same blank each
+// time. A counter that starts anew, as some do when a display comes back, looks so once.
+PaceCheck::Verdict PaceCheck::add(std::uint64_t count, std::uint64_t microseconds) {
+    constexpr int enough = 3;
+    const Blank blank{count, microseconds};
+    const auto last = std::exchange(last_, blank);
+    const bool grew = !last || (count > last->count && microseconds > last->microseconds);
+    withoutBlank_ = grew ? 0 : withoutBlank_ + 1;
+    if (!first_ || !grew) {
+        first_ = blank;
+    }
+    useless_ = useless_ || withoutBlank_ >= enough || !keepsRate(blank);
+    if (useless_) {
+        return Verdict::useless;
+    }
+    return grew ? Verdict::blank : Verdict::none;
+}
+
+// As far as is known by now.
+bool PaceCheck::keepsRate(const Blank& blank) {
     constexpr std::uint64_t wanted = 30;
-    if (!first_) {
-        first_ = Blank{count, microseconds};
-        return std::nullopt;
+    const std::uint64_t blanks = blank.count - first_->count;
+    if (rateSeen_ || blanks < wanted) {
+        return true;
     }
-    const std::uint64_t blanks = count - first_->count;
-    if (blanks < wanted || microseconds <= first_->microseconds) {
-        return std::nullopt;
-    }
+    rateSeen_ = true;
     const double measured = static_cast<double>(blanks) * 1e6 /
-                            static_cast<double>(microseconds - first_->microseconds);
+                            static_cast<double>(blank.microseconds - first_->microseconds);
     return std::abs(measured / rate_ - 1) < 0.1;
 }
 

@@ -10,7 +10,7 @@
 namespace vantrel::x11 {
 
 // Frames as the display shows them, from the vertical blanks that the server reports; where these
-// keep another pace than the display does, or stop, as they do on virtual displays and displays
+// keep another pace than the display does, stop, or never come, as on virtual displays and displays
 // that are switched off, from a timer.
 class X11DisplayLinks final : public DisplayLinks {
 public:
@@ -24,15 +24,20 @@ private:
     const X11Screens& screens_;
 };
 
-// Judges the pace of a display's vertical blanks from reports of their count and time.
+// Judges a display's vertical blanks from the server's reports of them.
 class PaceCheck {
 public:
+    enum class Verdict : std::uint8_t {
+        blank,   // one more
+        none,    // no blank since the last report: the next one would come at once as well
+        useless, // for good: they keep another pace than the display does, or there are none
+    };
+
     // The rate that the display promises, in frames for each second.
     explicit PaceCheck(double rate) : rate_(rate) {}
 
-    // A vertical blank, by its running number and its time in microseconds. Tells, once enough were
-    // seen, whether they come at the promised rate.
-    std::optional<bool> add(std::uint64_t count, std::uint64_t microseconds);
+    // A report, by the running number of the blank and its time in microseconds.
+    Verdict add(std::uint64_t count, std::uint64_t microseconds);
 
 private:
     struct Blank {
@@ -40,8 +45,14 @@ private:
         std::uint64_t microseconds = 0;
     };
 
+    [[nodiscard]] bool keepsRate(const Blank& blank);
+
     double rate_;
     std::optional<Blank> first_;
+    std::optional<Blank> last_;
+    int withoutBlank_ = 0; // reports running
+    bool rateSeen_ = false;
+    bool useless_ = false;
 };
 
 } // namespace vantrel::x11

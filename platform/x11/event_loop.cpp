@@ -14,13 +14,16 @@ EventLoop::EventLoop(Connection& connection)
     });
     // A reply that somebody waited for may have brought events along, and then the descriptor is
     // silent about them.
-    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-            [this] {
-                if (connection_.hasQueuedEvents()) {
-                    connection_.dispatch();
-                }
-                xcb_flush(connection_.xcb());
-            });
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this, dispatcher] {
+        if (connection_.hasQueuedEvents()) {
+            connection_.dispatch();
+        }
+        xcb_flush(connection_.xcb());
+        if (connection_.hasQueuedEvents()) {
+            dispatcher->wakeUp();
+        }
+    });
 }
 
 } // namespace vantrel::x11

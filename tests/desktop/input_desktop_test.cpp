@@ -5,8 +5,11 @@
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
 #include "platform/x11/desktop.h"
+#include "platform/x11/handles.h"
 #include "platform/x11/key_table.h"
 
+#include <QEventLoop>
+#include <QTimer>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -257,6 +260,67 @@ TEST_F(HotKeysDesktopTest, AreRefusedWhereThereIsNoSuchKeyOrModifier) {
     EXPECT_EQ(x11->hotKeys.register_(4, modifier::control | 1, {}), std::nullopt);
     EXPECT_NE(x11->hotKeys.register_(0x5A, modifier::shift, {}), std::nullopt);
     EXPECT_EQ(x11->hotKeys.register_(0x5A, modifier::shift, {}), std::nullopt);
+}
+
+// Has the server answer, each time, before it lets the connection go on.
+class Echo final : x11::EventHandler {
+public:
+    explicit Echo(x11::Connection& connection)
+        : connection_(connection),
+          window_(connection.xcb()),
+          events_(connection.addHandler(*this)) {
+        xcb_create_window(connection.xcb(), XCB_COPY_FROM_PARENT, window_.id(), connection.root(),
+                          0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0,
+                          nullptr);
+        shout();
+    }
+
+    [[nodiscard]] int heard() const { return heard_; }
+    std::function<void()> onEcho;
+
+private:
+    void handleEvent(const xcb_generic_event_t& event) override {
+        heard_ += x11::eventNumber(event) == XCB_CLIENT_MESSAGE ? 1 : 0;
+    }
+    void eventsDrained() override {
+        if (heard_ < 2000) {
+            shout();
+        }
+        onEcho();
+    }
+    void shout() {
+        auto* xcb = connection_.xcb();
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window_.id();
+        xcb_send_event(xcb, 0, window_.id(), 0, reinterpret_cast<const char*>(&message));
+        std::free(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+    }
+
+    x11::Connection& connection_;
+    x11::WindowHandle window_;
+    int heard_ = 0;
+    Subscription events_;
+};
+
+TEST_F(InputDesktopTest, AServerThatNeverFallsSilentIsHeardAndHoldsNothingUp) {
+    Echo echo(*connection);
+    QEventLoop loop;
+    QTimer timer;
+    int turns = 0;
+    QObject::connect(&timer, &QTimer::timeout, &loop, [&] { ++turns; });
+    timer.start(0);
+    QTimer::singleShot(std::chrono::seconds(5), &loop, [&] { loop.exit(1); });
+    echo.onEcho = [&] {
+        if (echo.heard() == 1000) {
+            timer.stop();
+        } else if (echo.heard() == 2000) {
+            loop.quit();
+        }
+    };
+    EXPECT_EQ(loop.exec(), 0) << echo.heard();
+    EXPECT_GT(turns, 10);
 }
 
 TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
