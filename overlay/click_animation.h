@@ -1,7 +1,7 @@
 #pragma once
 
+#include "overlay/effect.h"
 #include "platform/geometry.h"
-#include "preferences/preferences.h"
 
 #include <QColor>
 #include <QUuid>
@@ -18,15 +18,12 @@ struct ClickAnimation {
 
     bool operator==(const ClickAnimation&) const = default;
 
-    [[nodiscard]] double duration() const; // seconds
+    [[nodiscard]] ClickRing ring() const { return clickRing(style, color); }
+    [[nodiscard]] double duration() const { return ring().duration; } // seconds
     [[nodiscard]] bool isLive(double now) const { return now - started < duration(); }
     // The square that it may draw in.
-    [[nodiscard]] GlobalRect box() const;
+    static constexpr double boxSide = 96;
+    [[nodiscard]] GlobalRect box() const { return squareAround(point, boxSide); }
 };
-
-// Whether the settings want an effect for a click with the right button, or with the left.
-[[nodiscard]] constexpr bool wantsClick(const ClickSettings& settings, bool isRight) {
-    return settings.style != ClickStyle::none && (isRight ? settings.right : settings.left);
-}
 
 } // namespace vantrel

@@ -1,142 +1,72 @@
 #include "overlay/effect_drawing.h"
 
-#include "overlay/effect_geometry.h"
 #include "platform/layers/painter.h"
 
 #include <QPainter>
 #include <QRadialGradient>
 
 #include <algorithm>
-#include <array>
-#include <span>
+#include <cmath>
 
 namespace vantrel {
 
 namespace {
 
-struct Stop {
-    double location;
-    QColor color;
-};
-
-QColor rgb(double red, double green, double blue, double alpha) {
-    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
-                            static_cast<float>(blue), static_cast<float>(alpha));
+QRectF circleAround(QPointF center, double diameter) {
+    return {center.x() - diameter / 2, center.y() - diameter / 2, diameter, diameter};
 }
 
-void drawRadial(QPainter& painter, const QRectF& rect, std::span<const Stop> stops) {
-    QRadialGradient gradient(rect.center(), rect.width() / 2);
-    for (const auto& stop : stops) {
-        gradient.setColorAt(stop.location, stop.color);
+QBrush brushOf(const Disc& disc, QPointF center) {
+    if (disc.stops.size() == 1) {
+        return disc.stops.front().color;
     }
-    painter.save();
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(gradient);
-    painter.drawEllipse(rect);
-    painter.restore();
+    QRadialGradient gradient(center, disc.diameter / 2);
+    for (const auto& [offset, color] : disc.stops) {
+        gradient.setColorAt(offset, color);
+    }
+    return gradient;
 }
 
-QRectF squareAround(QPointF center, double side) {
-    return {center.x() - side / 2, center.y() - side / 2, side, side};
-}
-
-void fillOval(QPainter& painter, const QRectF& oval, const QColor& color) {
-    painter.save();
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawEllipse(oval);
-    painter.restore();
-}
-
-void strokeOval(QPainter& painter, const QRectF& oval, double lineWidth, const QColor& color) {
-    painter.fillPath(ellipseLine(oval, lineWidth), color);
-}
-
-void drawRing(QPainter& painter, const QRectF& box, const QColor& color) {
-    const auto ring = RingGeometry::forDiameter(box.width());
-    const auto inBox = [&box](const Rect& rect) {
-        return QRectF(box.x() + rect.x, box.y() + rect.y, rect.width, rect.height);
-    };
-    const double innerAlpha = static_cast<double>(color.alphaF()) * innerRingOpacity;
-    strokeOval(painter, inBox(ring.outer), ring.outerLineWidth, color);
-    strokeOval(painter, inBox(ring.inner), ring.innerLineWidth, withAlpha(color, innerAlpha));
+bool isVisible(const Disc& disc) {
+    return std::isfinite(disc.diameter) && disc.diameter > disc.lineWidth && !disc.stops.empty() &&
+           std::ranges::all_of(disc.stops, [](const auto& stop) { return stop.color.isValid(); });
 }
 
 } // namespace
 
-QColor toQColor(const EffectColor& color) {
-    const auto component = [](double value) { return std::clamp(value, 0.0, 1.0); };
-    return rgb(component(color.red), component(color.green), component(color.blue), 1);
-}
-
-QColor withAlpha(QColor color, double alpha) {
-    color.setAlphaF(static_cast<float>(std::clamp(alpha, 0.0, 1.0)));
-    return color;
-}
-
-void EffectDrawing::drawGlow(QPainter& painter, const QColor& color, const QRectF& rect) {
-    const QColor base = color.toRgb();
-    if (!base.isValid()) {
+void EffectDrawing::drawDisc(QPainter& painter, QPointF center, const Disc& disc) {
+    if (!isVisible(disc)) {
         return;
     }
-    const double alpha = base.alphaF();
-    const std::array stops{
-        Stop{0, base},
-        Stop{0.45, withAlpha(base, 0.35 * alpha)},
-        Stop{1, withAlpha(base, 0)},
-    };
-    drawRadial(painter, rect, stops);
-}
-
-void EffectDrawing::drawLaserDot(QPainter& painter, const QColor& color, const QRectF& rect) {
-    const QColor base = color.toRgb();
-    if (!base.isValid()) {
+    const auto brush = brushOf(disc, center);
+    if (disc.lineWidth > 0) {
+        painter.fillPath(
+            ellipseLine(circleAround(center, disc.diameter - disc.lineWidth), disc.lineWidth),
+            brush);
         return;
     }
-    const auto pale = [](double component) { return 0.9 + 0.1 * component; };
-    const std::array stops{
-        Stop{0, rgb(pale(base.redF()), pale(base.greenF()), pale(base.blueF()), 1)},
-        Stop{0.25, base},
-        Stop{0.65, base},
-        Stop{0.9, withAlpha(base, 0.45)},
-        Stop{1, withAlpha(base, 0)},
-    };
-    drawRadial(painter, rect, stops);
+    painter.save();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brush);
+    painter.drawEllipse(circleAround(center, disc.diameter));
+    painter.restore();
 }
 
-void EffectDrawing::drawHighlight(QPainter& painter, QPointF point,
-                                  const HighlightSettings& settings) {
-    const QRectF box = squareAround(point, settings.diameter);
-    const QColor color = withAlpha(toQColor(settings.color), settings.opacity);
-    switch (settings.style) {
-    case HighlightStyle::filled:
-        fillOval(painter, box, color);
-        break;
-    case HighlightStyle::ring:
-        drawRing(painter, box, color);
-        break;
-    case HighlightStyle::glow:
-        drawGlow(painter, color, box);
-        break;
+void EffectDrawing::drawDiscs(QPainter& painter, QPointF center, const Effect& effect) {
+    for (const auto& disc : effect.discs) {
+        drawDisc(painter, center, disc);
     }
-}
-
-void EffectDrawing::drawLaser(QPainter& painter, QPointF point, const LaserSettings& settings) {
-    const QColor color = toQColor(settings.color);
-    const double diameter = settings.diameter;
-    drawGlow(painter, withAlpha(color, haloOpacity),
-             squareAround(point, diameter * glowFactor(settings.glow)));
-    drawLaserDot(painter, color, squareAround(point, diameter));
-    fillOval(painter, squareAround(point, coreFactor * diameter),
-             withAlpha(Qt::white, coreOpacity));
 }
 
 void EffectDrawing::drawClick(QPainter& painter, const ClickAnimation& click, double now) {
-    const auto& geometry = ClickGeometry::of(click.style);
-    const double progress = std::clamp((now - click.started) / geometry.duration, 0.0, 1.0);
-    strokeOval(painter,
-               squareAround(QPointF(click.point.x, click.point.y), geometry.diameterAt(progress)),
-               geometry.lineWidth, withAlpha(click.color, (1 - progress) * clickOpacity));
+    const auto ring = click.ring();
+    const double progress = std::clamp((now - click.started) / ring.duration, 0.0, 1.0);
+    QColor color = ring.color;
+    color.setAlphaF(static_cast<float>(ring.opacityAt(progress)));
+    painter.fillPath(
+        ellipseLine(circleAround(QPointF(click.point.x, click.point.y), ring.diameterAt(progress)),
+                    ring.lineWidth),
+        color);
 }
 
 } // namespace vantrel

@@ -1,32 +1,21 @@
 #pragma once
 
 #include "overlay/click_animation.h"
-#include "preferences/preferences.h"
+#include "overlay/effect.h"
 
-#include <QColor>
 #include <QPointF>
-#include <QRectF>
 
 class QPainter;
 
 namespace vantrel {
 
-// sRGB with alpha 1.
-[[nodiscard]] QColor toQColor(const EffectColor& color);
-[[nodiscard]] QColor withAlpha(QColor color, double alpha);
-
-// How the effects are painted. Stateless. Painters draw smoothly and have their units in points;
-// which way their y goes makes no difference.
+// How effects are painted, on the overlays, in the previews and in tests. Stateless. Painters draw
+// smoothly and have their units in points; which way their y goes makes no difference.
 class EffectDrawing {
 public:
-    // A soft radial glow inside the ellipse inscribed in a rectangle.
-    static void drawGlow(QPainter& painter, const QColor& color, const QRectF& rect);
-    // The laser's dot inside the ellipse inscribed in a rectangle.
-    static void drawLaserDot(QPainter& painter, const QColor& color, const QRectF& rect);
-
-    // Whole effects around a point, as the overlays show them.
-    static void drawHighlight(QPainter& painter, QPointF point, const HighlightSettings& settings);
-    static void drawLaser(QPainter& painter, QPointF point, const LaserSettings& settings);
+    // A disc without a size or a colour shows nothing.
+    static void drawDisc(QPainter& painter, QPointF center, const Disc& disc);
+    static void drawDiscs(QPainter& painter, QPointF center, const Effect& effect);
     // One frame of a click, at a moment of uptime, with its point in the painter's coordinates.
     static void drawClick(QPainter& painter, const ClickAnimation& click, double now);
 };

@@ -1,9 +1,10 @@
 #include "overlay/overlay_view.h"
 
 #include "overlay/effect_drawing.h"
-#include "overlay/effect_geometry.h"
 
 #include <algorithm>
+#include <array>
+#include <ranges>
 
 namespace vantrel {
 
@@ -17,14 +18,12 @@ Rect centeredIn(double side, double diameter) {
     return {(side - diameter) / 2, (side - diameter) / 2, diameter, diameter};
 }
 
-ShapeAnimation clickAnimation(const ClickAnimation& click, double begin) {
-    const auto& geometry = ClickGeometry::of(click.style);
-    return {
-        .from = {centeredIn(clickBoxSide, geometry.startDiameter), clickOpacity},
-        .to = {centeredIn(clickBoxSide, geometry.endDiameter), 0},
-        .beginTime = begin,
-        .duration = geometry.duration,
+ShapeAnimation clickAnimation(const ClickRing& ring, double begin) {
+    const auto stateAt = [&ring](double progress) {
+        return ShapeState{centeredIn(ClickAnimation::boxSide, ring.diameterAt(progress)),
+                          ring.opacityAt(progress)};
     };
+    return {.from = stateAt(0), .to = stateAt(1), .beginTime = begin, .duration = ring.duration};
 }
 
 } // namespace
@@ -32,8 +31,7 @@ ShapeAnimation clickAnimation(const ClickAnimation& click, double begin) {
 OverlayView::OverlayView(const Rect& frame) {
     rootLayer_.setFrame(frame);
     rootLayer_.setMasksToBounds(true);
-    for (auto* layer : {&glowLayer_, &middleGlowLayer_, static_cast<Layer*>(&innerRingLayer_),
-                        static_cast<Layer*>(&shapeLayer_)}) {
+    for (auto* layer : {&glowLayer_, &middleGlowLayer_, &innerRingLayer_, &shapeLayer_}) {
         cursorLayer_.addSublayer(*layer);
     }
     rootLayer_.addSublayer(cursorLayer_);
@@ -42,77 +40,33 @@ OverlayView::OverlayView(const Rect& frame) {
 OverlayView::~OverlayView() = default;
 
 void OverlayView::configure(CursorMode mode, const AppPreferences& preferences) {
-    if (mode == CursorMode::laser) {
-        const auto& laser = preferences.laser;
-        const double side = laser.diameter * glowFactor(laser.glow);
-        prepare(side);
-        configureLaser(laser, side);
-    } else {
-        prepare(preferences.highlight.diameter);
-        configureHighlight(preferences.highlight);
-    }
-}
-
-void OverlayView::prepare(double side) {
+    const auto effect = effectOf(mode, preferences);
+    const double side = effect.diameter();
     cursorLayer_.setBounds(box(side));
-    shapeLayer_.setFrame(box(side));
-    shapeLayer_.setFillColor({});
-    shapeLayer_.setStrokeColor({});
-    for (auto* layer : {&glowLayer_, &middleGlowLayer_, static_cast<Layer*>(&innerRingLayer_)}) {
+    for (auto* layer : cursorLayer_.sublayers()) {
         layer->setHidden(true);
     }
-}
-
-void OverlayView::configureLaser(const LaserSettings& laser, double side) {
-    const QColor color = toQColor(laser.color);
-    showGlow(withAlpha(color, haloOpacity), side);
-
-    middleGlowLayer_.setHidden(false);
-    middleGlowLayer_.setFrame(centeredIn(side, laser.diameter));
-    middleGlowLayer_.setContents([color](QPainter& painter, const QRectF& rect) {
-        EffectDrawing::drawLaserDot(painter, color, rect);
-    });
-
-    shapeLayer_.setPath(centeredIn(side, coreFactor * laser.diameter));
-    shapeLayer_.setFillColor(withAlpha(Qt::white, coreOpacity));
-}
-
-void OverlayView::configureHighlight(const HighlightSettings& highlight) {
-    const QColor color = withAlpha(toQColor(highlight.color), highlight.opacity);
-    switch (highlight.style) {
-    case HighlightStyle::filled:
-        shapeLayer_.setPath(box(highlight.diameter));
-        shapeLayer_.setFillColor(color);
-        break;
-    case HighlightStyle::ring:
-        showRing(color, highlight.diameter);
-        break;
-    case HighlightStyle::glow:
-        shapeLayer_.setPath(std::nullopt);
-        showGlow(color, highlight.diameter);
-        break;
+    const std::array layers{&glowLayer_, &middleGlowLayer_, &innerRingLayer_, &shapeLayer_};
+    // Soft discs have the lower layers, from the bottom; plain ones the upper, from the top.
+    auto soft = layers.begin();
+    auto plain = layers.rbegin();
+    for (const auto& disc : effect.discs) {
+        if (disc.stops.size() > 1) {
+            show(**soft++, disc, side);
+        }
+    }
+    for (const auto& disc : effect.discs | std::views::reverse) {
+        if (disc.stops.size() == 1) {
+            show(**plain++, disc, side);
+        }
     }
 }
 
-void OverlayView::showRing(const QColor& color, double diameter) {
-    const auto ring = RingGeometry::forDiameter(diameter);
-    shapeLayer_.setPath(ring.outer);
-    shapeLayer_.setStrokeColor(color);
-    shapeLayer_.setLineWidth(ring.outerLineWidth);
-
-    innerRingLayer_.setHidden(false);
-    innerRingLayer_.setFrame(box(diameter));
-    innerRingLayer_.setPath(ring.inner);
-    innerRingLayer_.setStrokeColor(
-        withAlpha(color, static_cast<double>(color.alphaF()) * innerRingOpacity));
-    innerRingLayer_.setLineWidth(ring.innerLineWidth);
-}
-
-void OverlayView::showGlow(const QColor& color, double side) {
-    glowLayer_.setHidden(false);
-    glowLayer_.setFrame(box(side));
-    glowLayer_.setContents([color](QPainter& painter, const QRectF& rect) {
-        EffectDrawing::drawGlow(painter, color, rect);
+void OverlayView::show(Layer& layer, const Disc& disc, double side) {
+    layer.setHidden(false);
+    layer.setFrame(centeredIn(side, disc.diameter));
+    layer.setContents([disc](QPainter& painter, const QRectF& bounds) {
+        EffectDrawing::drawDisc(painter, bounds.center(), disc);
     });
 }
 
@@ -134,12 +88,13 @@ void OverlayView::updateClicks(std::span<const ClickAnimation> clicks, double no
 }
 
 void OverlayView::addClick(const ClickAnimation& click, double now, double mediaTime) {
-    const auto animation = clickAnimation(click, mediaTime - std::max(0.0, now - click.started));
+    const auto ring = click.ring();
+    const auto animation = clickAnimation(ring, mediaTime - std::max(0.0, now - click.started));
     auto layer = std::make_unique<ShapeLayer>();
-    layer->setBounds(box(clickBoxSide));
+    layer->setBounds(box(ClickAnimation::boxSide));
     layer->setPosition(toLocal(click.point, window_->frame().origin()));
-    layer->setStrokeColor(click.color);
-    layer->setLineWidth(ClickGeometry::of(click.style).lineWidth);
+    layer->setStrokeColor(ring.color);
+    layer->setLineWidth(ring.lineWidth);
     layer->setPath(animation.to.ellipse);
     layer->setOpacity(animation.to.opacity);
     layer->setAnimation(animation);

@@ -45,11 +45,7 @@ public:
     CursorMode renderedMode = CursorMode::off;
 
 private:
-    void prepare(double side);
-    void configureLaser(const LaserSettings& laser, double side);
-    void configureHighlight(const HighlightSettings& highlight);
-    void showRing(const QColor& color, double diameter);
-    void showGlow(const QColor& color, double side);
+    static void show(Layer& layer, const Disc& disc, double side);
     [[nodiscard]] bool shows(const ClickAnimation& click, double now) const;
     void addClick(const ClickAnimation& click, double now, double mediaTime);
 
@@ -58,8 +54,8 @@ private:
     Layer cursorLayer_;
     Layer glowLayer_;
     Layer middleGlowLayer_;
-    ShapeLayer innerRingLayer_;
-    ShapeLayer shapeLayer_;
+    Layer innerRingLayer_;
+    Layer shapeLayer_;
     std::map<QUuid, std::unique_ptr<ShapeLayer>> clickLayers_;
 };
 

@@ -1,7 +1,5 @@
 #include "overlay/overlay_window_manager.h"
 
-#include "overlay/effect_drawing.h"
-
 #include <algorithm>
 
 namespace vantrel {
@@ -64,6 +62,7 @@ OverlayWindowManager::~OverlayWindowManager() {
 void OverlayWindowManager::apply(CursorMode mode, const AppPreferences& preferences) {
     if (preferences != preferences_ || mode != mode_) {
         needsRender_ = true;
+        effect_ = effectOf(mode, preferences);
     }
     preferences_ = preferences;
     if (mode != mode_) {
@@ -149,7 +148,7 @@ void OverlayWindowManager::removeMonitor(std::optional<EventMonitors::Token>& mo
 void OverlayWindowManager::addClick(GlobalPoint point, bool isRight) {
     const double now = desktop_.clock.uptime();
     lastActivity_ = now;
-    if (mode_ == CursorMode::highlight && wantsClick(preferences_.click, isRight)) {
+    if (isRight ? effect_.right : effect_.left) {
         if (clicks_.size() >= maximumClicks) {
             clicks_.erase(clicks_.begin());
         }
@@ -160,8 +159,7 @@ void OverlayWindowManager::addClick(GlobalPoint point, bool isRight) {
 }
 
 bool OverlayWindowManager::isIdle(double now) const {
-    return mode_ == CursorMode::highlight && preferences_.highlight.idleHide &&
-           now - lastActivity_ >= preferences_.highlight.idleSeconds;
+    return effect_.hideAfter && now - lastActivity_ >= *effect_.hideAfter;
 }
 
 void OverlayWindowManager::tick() {

@@ -81,6 +81,7 @@ private:
     std::vector<ClickAnimation> clicks_; // the oldest first
     CursorMode mode_ = CursorMode::off;
     AppPreferences preferences_;
+    Effect effect_; // of both
     bool needsRender_ = true;
     std::optional<bool> lastHidden_; // as last drawn
     Subscription screenChanges_;

@@ -43,15 +43,19 @@ void PreviewCanvas::updateFocusPolicy() {
     setFocusPolicy(interactive_ && !laser_ ? Qt::TabFocus : Qt::NoFocus);
 }
 
+Effect PreviewCanvas::effect() const {
+    return effectOf(laser_ ? CursorMode::laser : CursorMode::highlight, preferences_);
+}
+
 void PreviewCanvas::playClick(QPointF point, bool isRight) {
-    const auto& settings = preferences_.click;
-    if (laser_ || !wantsClick(settings, isRight)) {
+    const auto shown = effect();
+    if (!(isRight ? shown.right : shown.left)) {
         return;
     }
     click_ = ClickAnimation{.id = QUuid::createUuid(),
                             .point = {point.x(), height() - point.y()},
                             .started = clock_.uptime(),
-                            .style = settings.style,
+                            .style = preferences_.click.style,
                             .color = toQColor(preferences_.highlight.color)};
     timer_.start(frameInterval, Qt::PreciseTimer, this);
     update();
@@ -73,11 +77,7 @@ void PreviewCanvas::paintEvent(QPaintEvent* /*event*/) {
     painter.translate(0, height());
     painter.scale(1, -1);
     const QPointF middle(width() / 2.0, height() / 2.0);
-    if (laser_) {
-        EffectDrawing::drawLaser(painter, middle, preferences_.laser);
-    } else {
-        EffectDrawing::drawHighlight(painter, middle, preferences_.highlight);
-    }
+    EffectDrawing::drawDiscs(painter, middle, effect());
     if (click_) {
         EffectDrawing::drawClick(painter, *click_, clock_.uptime());
     }

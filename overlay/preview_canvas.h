@@ -42,6 +42,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    [[nodiscard]] Effect effect() const;
     void stop();
     void updateFocusPolicy();
     void drawPointer(QPainter& painter);

@@ -1,5 +1,4 @@
 #include "headless_fixture.h"
-#include "overlay/effect_drawing.h"
 #include "overlay/overlay_window_manager.h"
 #include "picture_difference.h"
 #include "platform/layers/painter.h"
@@ -180,7 +179,8 @@ TEST_F(EffectPixelsTest, ClickRingsGrowAndFadeEvenly) {
             const double outer = (diameter + lineWidth) / 2;
             path.addEllipse(QPointF(100, 100), outer, outer);
             path.addEllipse(QPointF(100, 100), outer - lineWidth, outer - lineWidth);
-            painter.fillPath(path, withAlpha(QColor(250, 204, 21), opacity));
+            painter.fillPath(
+                path, QColor::fromRgbF(250 / 255.F, 0.8F, 21 / 255.F, static_cast<float>(opacity)));
             painter.end();
             EXPECT_LE(difference(window().screenshot(), expected), 36) << diameter << " " << scale;
             EXPECT_NEAR(at(diameter / 2 - 0.5).alpha(), opacity * 255, 3);

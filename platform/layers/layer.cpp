@@ -104,13 +104,6 @@ void ShapeLayer::setPath(std::optional<Rect> path) {
     }
 }
 
-void ShapeLayer::setFillColor(const QColor& color) {
-    if (fillColor_ != color) {
-        fillColor_ = color;
-        changed();
-    }
-}
-
 void ShapeLayer::setStrokeColor(const QColor& color) {
     if (strokeColor_ != color) {
         strokeColor_ = color;

@@ -96,15 +96,13 @@ struct ShapeAnimation {
     double duration = 0;  // seconds
 };
 
-// A layer that fills and strokes an ellipse.
+// A layer that strokes an ellipse.
 class ShapeLayer final : public Layer {
 public:
     // The inscribed ellipse of a rectangle is the path; without one the layer shows nothing.
     [[nodiscard]] const std::optional<Rect>& path() const { return path_; }
     void setPath(std::optional<Rect> path);
     // An invalid colour means none.
-    [[nodiscard]] const QColor& fillColor() const { return fillColor_; }
-    void setFillColor(const QColor& color);
     [[nodiscard]] const QColor& strokeColor() const { return strokeColor_; }
     void setStrokeColor(const QColor& color);
     [[nodiscard]] double lineWidth() const { return lineWidth_; }
@@ -119,7 +117,6 @@ public:
 
 private:
     std::optional<Rect> path_;
-    QColor fillColor_;
     QColor strokeColor_;
     double lineWidth_ = 1;
     std::optional<ShapeAnimation> animation_;

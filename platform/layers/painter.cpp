@@ -19,17 +19,8 @@ bool isFinite(const Rect& rect) {
 }
 
 void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& state) {
-    if (!isFinite(state.ellipse)) {
-        return;
-    }
-    const QRectF ellipse = toQt(state.ellipse);
-    painter.setPen(Qt::NoPen);
-    if (shape.fillColor().isValid()) {
-        painter.setBrush(shape.fillColor());
-        painter.drawEllipse(ellipse);
-    }
-    if (shape.strokeColor().isValid()) {
-        painter.fillPath(ellipseLine(ellipse, shape.lineWidth()), shape.strokeColor());
+    if (isFinite(state.ellipse) && shape.strokeColor().isValid()) {
+        painter.fillPath(ellipseLine(toQt(state.ellipse), shape.lineWidth()), shape.strokeColor());
     }
 }
 
@@ -56,12 +47,11 @@ Rect united(const Rect& a, const Rect& b) {
 
 Rect paintedShape(const ShapeLayer& shape, double mediaTime) {
     const auto state = shape.stateAt(mediaTime);
-    const bool stroked = shape.strokeColor().isValid();
-    if (!state || !isFinite(state->ellipse) || (!stroked && !shape.fillColor().isValid())) {
+    if (!state || !isFinite(state->ellipse) || !shape.strokeColor().isValid()) {
         return {};
     }
     const auto ellipse = toQt(state->ellipse);
-    const double margin = stroked ? shape.lineWidth() / 2 : 0;
+    const double margin = shape.lineWidth() / 2;
     return {ellipse.x() - margin, ellipse.y() - margin, ellipse.width() + 2 * margin,
             ellipse.height() + 2 * margin};
 }

@@ -1,6 +1,6 @@
 #include "ui/components/color_choices.h"
 
-#include "overlay/effect_drawing.h"
+#include "overlay/effect.h"
 #include "ui/components/accessibility.h"
 #include "ui/components/choice_button.h"
 #include "ui/components/color_well.h"

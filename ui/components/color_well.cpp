@@ -1,6 +1,6 @@
 #include "ui/components/color_well.h"
 
-#include "overlay/effect_drawing.h"
+#include "overlay/effect.h"
 #include "ui/components/pictogram.h"
 
 #include <QColorDialog>
