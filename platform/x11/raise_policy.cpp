@@ -19,9 +19,4 @@ bool RaisePolicy::shouldRaise(Window window, double now) {
     return true;
 }
 
-bool RaisePolicy::hasYieldedTo(Window window) const {
-    const auto rival = rivals_.find(window);
-    return rival != rivals_.end() && rival->second.answers >= patience;
-}
-
 } // namespace vantrel::x11

@@ -20,8 +20,6 @@ public:
 
     // The window is above the overlays now, in seconds of any clock.
     [[nodiscard]] bool shouldRaise(Window window, double now);
-    // Whether it is left above the overlays.
-    [[nodiscard]] bool hasYieldedTo(Window window) const;
     // It was closed or hidden.
     void forget(Window window) { rivals_.erase(window); }
 

@@ -73,6 +73,7 @@ void SpriteStack::raise() {
     for (const auto& entry : entries_) {
         entry.window->raise();
     }
+    above_.clear();
 }
 
 bool SpriteStack::isOurs(xcb_window_t window) const {
@@ -95,13 +96,18 @@ void SpriteStack::handleEvent(const xcb_generic_event_t& event) {
         }
         break;
     }
+    case XCB_CREATE_NOTIFY:
+        noteOrder(reinterpret_cast<const xcb_create_notify_event_t&>(event).window, true);
+        break;
+    case XCB_REPARENT_NOTIFY: {
+        const auto& reparent = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
+        noteOrder(reparent.window, reparent.parent == connection_.root());
+        break;
+    }
     case XCB_CONFIGURE_NOTIFY: {
-        // Whatever comes above the overlays lies right above one of them then, or above a window
-        // that is left there.
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         const auto below = configure.above_sibling;
-        if (below != XCB_NONE && !isOurs(configure.window) &&
-            (isOurs(below) || policy_.hasYieldedTo(below))) {
+        if (noteOrder(configure.window, isOurs(below) || above_.contains(below))) {
             cameAbove(configure.window);
         }
         break;
@@ -109,12 +115,27 @@ void SpriteStack::handleEvent(const xcb_generic_event_t& event) {
     case XCB_UNMAP_NOTIFY:
         policy_.forget(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window);
         break;
-    case XCB_DESTROY_NOTIFY:
-        policy_.forget(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+    case XCB_DESTROY_NOTIFY: {
+        const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+        above_.erase(window);
+        policy_.forget(window);
         break;
+    }
     default:
         break;
     }
+}
+
+bool SpriteStack::noteOrder(xcb_window_t window, bool above) {
+    if (isOurs(window)) {
+        return false;
+    }
+    if (above) {
+        above_.insert(window);
+    } else {
+        above_.erase(window);
+    }
+    return above;
 }
 
 void SpriteStack::eventsDrained() {

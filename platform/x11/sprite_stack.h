@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace vantrel::x11 {
@@ -36,12 +37,17 @@ private:
     void handleEvent(const xcb_generic_event_t& event) override;
     void eventsDrained() override;
     void cameAbove(xcb_window_t window);
+    // Whether a window of another program lies above.
+    bool noteOrder(xcb_window_t window, bool above);
     bool add();
     [[nodiscard]] bool isOurs(xcb_window_t window) const;
 
     Connection& connection_;
     const Clock& clock_;
     RaisePolicy policy_;
+    // The windows of others that lie above, as far as known: those that are left there, and unseen
+    // ones, which do not matter themselves. What is put right above one of these is above as well.
+    std::set<xcb_window_t> above_;
     bool covered_ = false;
     bool shown_ = false;
     std::optional<SpriteResources> resources_;

@@ -46,6 +46,13 @@ TEST_F(OverlayStackingTest, GoesAboveAWindowThatIsRaised) {
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
     other.raise();
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
+    // Also over one that nobody sees, as many programs keep some.
+    xcb_create_window(watcher.get(), XCB_COPY_FROM_PARENT, xcb_generate_id(watcher.get()),
+                      watcher.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    watcher.sync();
+    other.raise();
+    EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
 }
 
 TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
