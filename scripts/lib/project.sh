@@ -24,7 +24,7 @@ desktop_packages=(
 test_packages=(
     "${desktop_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
-    libgmock-dev libgtest-dev sway trayer x11-xkb-utils
+    libgmock-dev libgtest-dev locales sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland zsh
 )
 # What starts programs by their desktop entries, and the manual; besides those of the tests.
@@ -38,9 +38,11 @@ screenshot_packages=(
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
 )
 check_packages=(
-    appstream clang clang-format clang-tidy desktop-file-utils libbenchmark-dev
+    appstream ccache clang clang-format clang-tidy desktop-file-utils libbenchmark-dev
     libclang-rt-14-dev lintian mandoc python3 shellcheck
 )
+# What makes a Debian in a folder, and keeps what is compiled there.
+debian_packages=(ccache debootstrap)
 
 say() {
     printf '%s\n' "$*"
