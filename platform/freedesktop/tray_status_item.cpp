@@ -1,20 +1,10 @@
 #include "platform/freedesktop/tray_status_item.h"
 
-#include "platform/freedesktop/bus_call.h"
-
 #include <algorithm>
-
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusServiceWatcher>
 
 namespace vantrel {
 
 namespace {
-
-constexpr QLatin1String hostService("org.kde.StatusNotifierWatcher");
 
 bool sameKind(const MenuEntry& a, const MenuEntry& b) {
     return a.title.empty() == b.title.empty() && a.checked.has_value() == b.checked.has_value();
@@ -23,72 +13,55 @@ bool sameKind(const MenuEntry& a, const MenuEntry& b) {
 } // namespace
 
 TrayStatusItem::TrayStatusItem(SystemTray& tray)
-    : tray_(tray), trayChanges_(tray.onChange([this] { makeWhenPossible(); })) {
-    // What the program shows on the screen comes first.
-    QMetaObject::invokeMethod(
-        this, [this] { lookForHost(); }, Qt::QueuedConnection);
-}
+    : tray_(tray),
+      notifier_([this] { activate(); }, [this] { updateIcon(); }),
+      trayChanges_(tray.onChange([this] { updateIcon(); })) {}
 
-// While the item is there the toolkit takes the entries back from the desktop; it forgets them
-// later.
+// While the icon is there the toolkit takes the entries back from it; it forgets them later.
 TrayStatusItem::~TrayStatusItem() {
     menu_.clear();
 }
 
-void TrayStatusItem::lookForHost() {
-    const auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        setHost(false);
-        return;
+void TrayStatusItem::activate() const {
+    if (action_) {
+        action_();
     }
-    auto* appearance =
-        new QDBusServiceWatcher(hostService, bus, QDBusServiceWatcher::WatchForRegistration, this);
-    connect(appearance, &QDBusServiceWatcher::serviceRegistered, this, [this] { setHost(true); });
-    const auto message = busCall(QStringLiteral("NameHasOwner"), {QString(hostService)});
-    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        answer->deleteLater();
-        const QDBusPendingReply<bool> reply(*answer);
-        setHost(reply.isValid() && reply.value());
-    });
 }
 
-void TrayStatusItem::setHost(bool present) {
-    host_ = host_.value_or(false) || present;
-    makeWhenPossible();
-}
-
-void TrayStatusItem::makeWhenPossible() {
-    if (item_ || !host_ || !(*host_ || tray_.present())) {
+// The toolkit follows a tray that goes and comes back.
+void TrayStatusItem::updateIcon() {
+    if (notifier_.hasHost() == true) {
+        icon_.reset();
+    }
+    if (icon_ || notifier_.hasHost() != false || !tray_.present()) {
         return;
     }
-    item_ = std::make_unique<QSystemTrayIcon>(image_);
-    connect(item_.get(), &QSystemTrayIcon::activated, this,
+    icon_ = std::make_unique<QSystemTrayIcon>(image_);
+    connect(icon_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 // The second of two quick clicks is one as well.
-                const bool clicked =
-                    reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick;
-                if (clicked && action_) {
-                    action_();
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
+                    activate();
                 }
             });
-    item_->setToolTip(description_);
-    item_->setContextMenu(&menu_);
-    item_->show();
+    icon_->setToolTip(description_);
+    icon_->setContextMenu(&menu_);
+    icon_->show();
 }
 
 void TrayStatusItem::setImage(const QIcon& image, const std::string& description) {
     image_ = image;
     description_ = QString::fromStdString(description);
-    if (item_) {
-        item_->setIcon(image_);
-        item_->setToolTip(description_);
+    notifier_.setImage(image_, description_);
+    if (icon_) {
+        icon_->setIcon(image_);
+        icon_->setToolTip(description_);
     }
 }
 
-// An action that stays is changed instead of replaced: the menu may be open, here or in the
-// desktop's panel.
+// An action that stays is changed instead of replaced: the menu may be open.
 void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
+    notifier_.setMenu(entries);
     const bool stays = std::ranges::equal(entries, entries_, sameKind);
     entries_ = std::move(entries);
     if (!stays) {
@@ -124,7 +97,7 @@ void TrayStatusItem::updateMenuEntries() {
 }
 
 std::optional<QRect> TrayStatusItem::place() const {
-    const QRect place = item_ ? item_->geometry() : QRect();
+    const QRect place = icon_ ? icon_->geometry() : QRect();
     return place.isEmpty() ? std::nullopt : std::optional(place);
 }
 

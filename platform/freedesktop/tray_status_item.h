@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/freedesktop/status_notifier.h"
 #include "platform/status_item.h"
 #include "platform/system_tray.h"
 
@@ -13,9 +14,12 @@
 
 namespace vantrel {
 
-// The status item by the StatusNotifierItem protocol, or by X's system tray protocol where no host
-// of the former runs. The toolkit decides between them for good when the first item is made, so
-// that waits until there is one of the two.
+// The status item by the StatusNotifierItem protocol, or by X's system tray protocol while no host
+// of the former runs.
+//
+// The toolkit would do both by itself; but it decides between them once and for all, and asks the
+// desktop's panel, in a call that waits for the answer. So it makes the icons of X's protocol only,
+// and these only once it is known that nobody has to be waited for.
 class TrayStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
@@ -31,20 +35,21 @@ public:
     [[nodiscard]] std::optional<QRect> place() const override;
 
 private:
-    void lookForHost();
-    void setHost(bool present);
-    void makeWhenPossible();
+    void activate() const;
+    void updateIcon();
     void updateMenuEntries();
 
     SystemTray& tray_;
-    std::optional<bool> host_; // whether one runs, once that is known
     QIcon image_;
     QString description_;
     std::function<void()> action_;
+    StatusNotifier notifier_;
+
+    // Of X's protocol:
     std::vector<MenuEntry> entries_;
     QMenu menu_;
     std::unique_ptr<QActionGroup> choices_; // entries of which one is checked
-    std::unique_ptr<QSystemTrayIcon> item_;
+    std::unique_ptr<QSystemTrayIcon> icon_;
     Subscription trayChanges_;
 };
 

@@ -3,6 +3,8 @@
 #include "desktop/harness/status_notifier_host.h"
 #include "desktop/shell_fixture.h"
 
+#include <thread>
+
 namespace vantrel::desktop {
 namespace {
 
@@ -58,12 +60,52 @@ TEST_F(NotifierTest, TheItemComesBackWithThePanel) {
     EXPECT_TRUE(shown(popover));
 }
 
-TEST_F(NotifierTest, APanelThatStartsLaterGetsTheItem) {
+TEST_F(NotifierTest, APanelThatStartsLaterOrInSeveralStepsGetsTheItem) {
+    using Start = StatusNotifierHost::Start;
+    for (const auto panel : {Start::complete, Start::withoutHost}) {
+        host.reset();
+        const auto program = start({.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}});
+        ASSERT_TRUE(shown(overlay));
+        host.emplace(bus, panel);
+        if (panel != Start::complete) {
+            // Where the program could ask too early, and once for all.
+            std::this_thread::sleep_for(300ms);
+            host->complete();
+        }
+        EXPECT_TRUE(isDescribedAs("Vantrel highlight"));
+    }
+}
+
+TEST_F(NotifierTest, APanelThatHangsHoldsUpNothing) {
     host.reset();
+    host.emplace(bus, StatusNotifierHost::Start::hanging);
     const auto program = start({.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}});
-    ASSERT_TRUE(shown(overlay));
-    host.emplace(bus);
+    const auto answers = [&](char letter, std::string_view mode) {
+        typeShortcut(letter);
+        return waitFor([&] { return storedMode() == mode; }, 5s);
+    };
+    ASSERT_TRUE(shown(overlay, 5s));
+    EXPECT_TRUE(answers('l', "laser"));
+    host->complete();
+    EXPECT_TRUE(isDescribedAs("Vantrel laser"));
+    host->hang();
+    EXPECT_TRUE(answers('h', "highlight"));
+    host->complete();
     EXPECT_TRUE(isDescribedAs("Vantrel highlight"));
+}
+
+TEST_F(NotifierTest, ATrayOfXHasTheIconWhileNoPanelShowsTheItem) {
+    const Tray tray(server);
+    const auto program = startInPanel();
+    const auto iconGoes = [&] { return waitFor([&] { return !tray.iconArea(name); }); };
+    EXPECT_TRUE(iconGoes());
+    host.reset();
+    EXPECT_TRUE(tray.waitForIcon(name));
+    host.emplace(bus, StatusNotifierHost::Start::withoutHost);
+    EXPECT_TRUE(tray.waitForIcon(name));
+    host->complete();
+    EXPECT_TRUE(iconGoes());
+    EXPECT_TRUE(isDescribedAs("Vantrel off"));
 }
 
 TEST_F(NotifierTest, ActivationOpensThePopoverNearThePointerAndClosesItAgain) {

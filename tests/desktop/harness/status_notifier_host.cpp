@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <stdexcept>
+#include <utility>
 
 namespace vantrel::desktop {
 namespace {
@@ -83,7 +84,12 @@ void StatusNotifierWatcher::RegisterStatusNotifierItem(const QString& service) {
     Q_EMIT StatusNotifierItemRegistered(sender);
 }
 
-StatusNotifierHost::StatusNotifierHost(const PrivateBus& bus)
+void StatusNotifierWatcher::RegisterStatusNotifierHost(const QString& /*service*/) {
+    hasHost_ = true;
+    Q_EMIT StatusNotifierHostRegistered();
+}
+
+StatusNotifierHost::StatusNotifierHost(const PrivateBus& bus, Start start)
     : name_(uniqueName()),
       bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()), name_)),
       watcher_(new StatusNotifierWatcher) {
@@ -91,13 +97,33 @@ StatusNotifierHost::StatusNotifierHost(const PrivateBus& bus)
     watcher_->moveToThread(&thread_);
     QObject::connect(&thread_, &QThread::finished, watcher_, &QObject::deleteLater);
     thread_.start();
+    if (start == Start::hanging) {
+        hang();
+    }
     if (!bus_.registerService(watcherService)) {
         throw std::runtime_error("there is a status notifier host already, or no bus");
     }
-    QMetaObject::invokeMethod(watcher_, &StatusNotifierWatcher::StatusNotifierHostRegistered);
+    if (start == Start::complete) {
+        complete();
+    }
+}
+
+void StatusNotifierHost::complete() {
+    if (std::exchange(hanging_, false)) {
+        answers_.release();
+    }
+    QMetaObject::invokeMethod(watcher_, [this] { watcher_->RegisterStatusNotifierHost({}); });
+}
+
+void StatusNotifierHost::hang() {
+    hanging_ = true;
+    QMetaObject::invokeMethod(watcher_, [this] { answers_.acquire(); });
 }
 
 StatusNotifierHost::~StatusNotifierHost() {
+    if (hanging_) {
+        answers_.release();
+    }
     bus_.unregisterService(watcherService);
     bus_.unregisterObject(watcherPath);
     thread_.quit();

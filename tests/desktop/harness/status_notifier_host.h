@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QDBusConnection>
+#include <QSemaphore>
 #include <QString>
 #include <QThread>
 #include <QVariant>
@@ -63,14 +64,25 @@ private:
 };
 
 // A panel that shows status notifier items, on a bus of its own, from the constructor until this is
-// destroyed. It answers programs at all times, in a thread of its own. There must be a
-// QCoreApplication.
+// destroyed. It answers programs at all times, unless it hangs, in a thread of its own. There must
+// be a QCoreApplication.
 class StatusNotifierHost {
 public:
-    explicit StatusNotifierHost(const PrivateBus& bus); // throws when there is one already
+    enum class Start {
+        complete,
+        withoutHost, // takes items and shows none yet
+        hanging,     // is on the bus and answers nothing
+    };
+    // Throws when there is one already.
+    explicit StatusNotifierHost(const PrivateBus& bus, Start start = Start::complete);
     ~StatusNotifierHost();
     StatusNotifierHost(const StatusNotifierHost&) = delete;
     StatusNotifierHost& operator=(const StatusNotifierHost&) = delete;
+
+    // What is missing after a start that was not complete.
+    void complete();
+    // Until complete().
+    void hang();
 
     // Of programs that are still there, oldest first.
     [[nodiscard]] std::vector<StatusNotifierItem> items() const;
@@ -81,6 +93,8 @@ private:
     QString name_;
     QDBusConnection bus_;
     QThread thread_;
+    QSemaphore answers_;
+    bool hanging_ = false;
     StatusNotifierWatcher* watcher_; // destroyed in its thread at the end of that
 };
 

@@ -16,17 +16,18 @@ class StatusNotifierWatcher : public QObject, protected QDBusContext {
 
 public:
     [[nodiscard]] QStringList items() const { return items_; }
-    [[nodiscard]] bool isHostRegistered() const { return true; }
+    [[nodiscard]] bool isHostRegistered() const { return hasHost_; }
     [[nodiscard]] int protocolVersion() const { return 0; }
 
     Q_SLOT void RegisterStatusNotifierItem(const QString& service);
-    Q_SLOT void RegisterStatusNotifierHost(const QString& /*service*/) {}
+    Q_SLOT void RegisterStatusNotifierHost(const QString& /*service*/);
 
     Q_SIGNAL void StatusNotifierItemRegistered(const QString& service);
     Q_SIGNAL void StatusNotifierHostRegistered();
 
 private:
     QStringList items_;
+    bool hasHost_ = false;
 };
 
 } // namespace vantrel::desktop

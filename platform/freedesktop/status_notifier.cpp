@@ -1,0 +1,163 @@
+#include "platform/freedesktop/status_notifier.h"
+
+#include "platform/freedesktop/bus_call.h"
+
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QImage>
+#include <QPixmap>
+#include <QtEndian>
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+constexpr QLatin1String itemPath("/StatusNotifierItem");
+constexpr QLatin1String menuPath("/MenuBar");
+constexpr QLatin1String watcherService("org.kde.StatusNotifierWatcher");
+constexpr QLatin1String watcherPath("/StatusNotifierWatcher");
+constexpr QLatin1String propertiesInterface("org.freedesktop.DBus.Properties");
+
+BusPicture pictureOf(const QImage& image) {
+    QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < pixels.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(pixels.scanLine(y));
+        qToBigEndian<quint32>(line, pixels.width(), line);
+    }
+    return {pixels.width(), pixels.height(),
+            QByteArray(reinterpret_cast<const char*>(pixels.constBits()), pixels.sizeInBytes())};
+}
+
+} // namespace
+
+// What the types are on the bus is found by their names.
+QDBusArgument& operator<<(QDBusArgument& argument, const BusPicture& picture) {
+    argument.beginStructure();
+    argument << picture.width << picture.height << picture.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusPicture& picture) {
+    argument.beginStructure();
+    argument >> picture.width >> picture.height >> picture.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const BusToolTip& toolTip) {
+    argument.beginStructure();
+    argument << toolTip.iconName << toolTip.pictures << toolTip.title << toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusToolTip& toolTip) {
+    argument.beginStructure();
+    argument >> toolTip.iconName >> toolTip.pictures >> toolTip.title >> toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+StatusNotifierAdaptor::StatusNotifierAdaptor(QObject* object, std::function<void()> activated)
+    : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {
+    qDBusRegisterMetaType<BusPicture>();
+    qDBusRegisterMetaType<BusPictures>();
+    qDBusRegisterMetaType<BusToolTip>();
+}
+
+void StatusNotifierAdaptor::setImage(const QIcon& image, const QString& description) {
+    image_ = image;
+    description_ = description;
+    Q_EMIT NewIcon();
+    Q_EMIT NewToolTip();
+}
+
+BusPictures StatusNotifierAdaptor::iconPixmap() const {
+    BusPictures pictures;
+    for (const QSize size : image_.availableSizes()) {
+        pictures.append(pictureOf(image_.pixmap(size, 1).toImage()));
+    }
+    return pictures;
+}
+
+QDBusObjectPath StatusNotifierAdaptor::menu() const {
+    return QDBusObjectPath(menuPath);
+}
+
+StatusNotifier::StatusNotifier(std::function<void()> activated, std::function<void()> hostChanged)
+    : hostChanged_(std::move(hostChanged)),
+      item_(new StatusNotifierAdaptor(this, std::move(activated))),
+      menu_(new BusMenu(&menuObject_)) {
+    QMetaObject::invokeMethod(this, &StatusNotifier::start, Qt::QueuedConnection);
+}
+
+StatusNotifier::~StatusNotifier() {
+    auto bus = QDBusConnection::sessionBus();
+    bus.unregisterObject(itemPath);
+    bus.unregisterObject(menuPath);
+}
+
+void StatusNotifier::start() {
+    auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !bus.registerObject(itemPath, this) ||
+        !bus.registerObject(menuPath, &menuObject_)) {
+        setHost(false);
+        return;
+    }
+    auto* watchers = new QDBusServiceWatcher(watcherService, bus,
+                                             QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watchers, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            &StatusNotifier::meetWatcher);
+    // From whomever: the watcher is asked then. To connect to a name, the toolkit would look it up.
+    for (const auto* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        bus.connect({}, watcherPath, watcherService, QLatin1String(change), this,
+                    SLOT(askForHost()));
+    }
+    meetWatcher();
+}
+
+void StatusNotifier::meetWatcher() {
+    const auto bus = QDBusConnection::sessionBus();
+    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, watcherService,
+                                                  QStringLiteral("RegisterStatusNotifierItem"));
+    message.setAutoStartService(false);
+    message << bus.baseService();
+    bus.asyncCall(message);
+    setHost(std::nullopt);
+    askForHost();
+}
+
+void StatusNotifier::askForHost() {
+    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, propertiesInterface,
+                                                  QStringLiteral("Get"));
+    message.setAutoStartService(false);
+    message << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
+    auto* answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this,
+            [this, answer, question = ++question_] {
+                answer->deleteLater();
+                const QDBusPendingReply<QDBusVariant> reply(*answer);
+                if (question != question_) {
+                    return;
+                }
+                if (reply.isError() && reply.error().type() == QDBusError::NoReply) {
+                    askForHost();
+                } else {
+                    setHost(reply.isValid() && reply.value().variant().toBool());
+                }
+            });
+}
+
+void StatusNotifier::setHost(std::optional<bool> present) {
+    if (std::exchange(hasHost_, present) != present) {
+        hostChanged_();
+    }
+}
+
+} // namespace vantrel
