@@ -1,6 +1,7 @@
 #include "overlay/overlay_window_manager.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -52,7 +53,7 @@ OverlayWindowManager::OverlayWindowManager(const OverlayDesktop& desktop)
       lastPoint_(desktop.pointer.location()),
       lastActivity_(desktop.clock.uptime()) {
     clicks_.reserve(maximumClicks);
-    screenChanges_ = desktop_.screens.onChange([this] { rebuild(); });
+    screenChanges_ = desktop_.screens.onLayoutChange([this] { rebuild(); });
 }
 
 OverlayWindowManager::~OverlayWindowManager() {
@@ -84,7 +85,8 @@ void OverlayWindowManager::apply(CursorMode mode, const AppPreferences& preferen
 void OverlayWindowManager::rebuild() {
     needsRender_ = true;
     displayLink_.reset();
-    windows_.clear();
+    // Until the new ones show what they showed.
+    const auto former = std::exchange(windows_, {});
     if (mode_ == CursorMode::off) {
         return;
     }

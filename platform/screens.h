@@ -3,6 +3,7 @@
 #include "platform/geometry.h"
 #include "platform/subscription.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -29,6 +30,17 @@ public:
     [[nodiscard]] virtual const std::vector<Screen>& list() const = 0;
     // Called after list() changed in any way.
     [[nodiscard]] virtual Subscription onChange(std::function<void()> callback) = 0;
+    // Called after more than visible frames changed, before onChange() is.
+    [[nodiscard]] virtual Subscription onLayoutChange(std::function<void()> callback) = 0;
 };
+
+// Whether they differ in no more than their visible frames.
+[[nodiscard]] inline bool haveSameLayout(const std::vector<Screen>& a,
+                                         const std::vector<Screen>& b) {
+    return std::ranges::equal(a, b, [](Screen one, const Screen& other) {
+        one.visibleFrame = other.visibleFrame;
+        return one == other;
+    });
+}
 
 } // namespace vantrel

@@ -8,6 +8,7 @@
 #include "platform/x11/sprite_window.h"
 #include "platform/x11/xwayland.h"
 
+#include <QRegion>
 #include <gtest/gtest.h>
 
 #include <xcb/randr.h>
@@ -206,23 +207,42 @@ TEST(RaisePolicyTest, GoesAboveAWindowThatIsRaisedNowAndThen) {
     }
 }
 
-TEST(CutOutTest, KeepsWhatIsAtLeastHalfAsOpaqueAsTheRest) {
-    QImage picture(6, 3, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    for (const int x : {1, 2, 4}) {
-        picture.setPixelColor(x, 1, QColor(255, 0, 0, 80));
+TEST(CutOutTest, KeepsOfEveryPixelsRowsTheShareThatItIsOpaque) {
+    for (const int alpha : {0, 1, 26, 89, 230, 255}) {
+        QImage picture(3, 255, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(qRgba(0, 0, 0, alpha));
+        std::vector<xcb_rectangle_t> cut;
+        cutOut(picture, cut);
+        EXPECT_EQ(cut.size(), static_cast<std::size_t>(alpha));
+        int last = 0;
+        for (const auto& row : cut) {
+            EXPECT_EQ(row.width, 3);
+            EXPECT_LE(row.y - last, 2 * 255 / alpha + 1);
+            last = row.y;
+        }
     }
-    picture.setPixelColor(3, 1, QColor(255, 0, 0, 30));
-    std::vector<xcb_rectangle_t> cut;
-    cutOut(picture, cut);
-    ASSERT_EQ(cut.size(), 2U);
-    EXPECT_EQ(cut[0].x, 1);
-    EXPECT_EQ(cut[0].width, 2);
-    EXPECT_EQ(cut[1].x, 4);
-    EXPECT_EQ(cut[1].width, 1);
-    picture.fill(Qt::transparent);
-    cutOut(picture, cut);
-    EXPECT_TRUE(cut.empty());
+}
+
+TEST(ScreensTest, GiveEveryPixelToOneDisplay) {
+    const std::vector<std::vector<QRect>> layouts{
+        {{0, 0, 800, 600}, {800, 0, 640, 480}},
+        {{0, 0, 1366, 768}, {0, 0, 1280, 800}},
+        {{0, 0, 800, 600}, {0, 0, 800, 600}, {100, 100, 10, 10}},
+        {{100, 100, 50, 50}, {0, 0, 300, 300}, {200, 200, 200, 200}},
+    };
+    for (const auto& layout : layouts) {
+        const auto parts = uncovered(layout);
+        QRegion all;
+        for (std::size_t i = 0; i < layout.size(); ++i) {
+            QRegion own;
+            for (const auto& part : parts[i]) {
+                EXPECT_FALSE(own.intersects(part));
+                own += part;
+            }
+            EXPECT_EQ(own, QRegion(layout[i]) - all);
+            all += layout[i];
+        }
+    }
 }
 
 TEST(XwaylandTrustTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {

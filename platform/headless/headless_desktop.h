@@ -46,14 +46,21 @@ public:
     Subscription onChange(std::function<void()> callback) override {
         return changes_.add(std::move(callback));
     }
+    Subscription onLayoutChange(std::function<void()> callback) override {
+        return layoutChanges_.add(std::move(callback));
+    }
     void set(std::vector<Screen> screens) {
-        screens_ = std::move(screens);
+        std::swap(screens_, screens);
+        if (!haveSameLayout(screens_, screens)) {
+            layoutChanges_.notify();
+        }
         changes_.notify();
     }
 
 private:
     std::vector<Screen> screens_;
     Observers<> changes_;
+    Observers<> layoutChanges_;
 };
 
 class OverlayWindow;

@@ -1,13 +1,33 @@
 #include "platform/x11/overlay_windows.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstring>
 
 namespace vantrel::x11 {
 
 namespace {
 
-// Windows that wait beside one for each display: clicks that follow each other quickly.
-constexpr std::size_t spareWindows = 2;
+// Windows that wait beside one for each display: as many clicks as are shown at once.
+constexpr std::size_t spareWindows = 8;
+// What the first picture does not need gets ready so long after it.
+constexpr std::chrono::milliseconds readyingTime(50);
+
+// What the corner of the screen shows while nothing blends. Black where the screen's pixels are not
+// those of a picture in memory.
+QRgb cornerColor(const Connection& connection) {
+    constexpr std::uint32_t allPlanes = ~0U;
+    const Owned<xcb_get_image_reply_t> image(
+        xcb_get_image_reply(connection.xcb(),
+                            xcb_get_image(connection.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP,
+                                          connection.root(), 0, 0, 1, 1, allPlanes),
+                            nullptr));
+    QRgb color = 0;
+    if (image && image->depth == 24 && xcb_get_image_data_length(image.get()) == sizeof color) {
+        std::memcpy(&color, xcb_get_image_data(image.get()), sizeof color);
+    }
+    return color | 0xFF000000U;
+}
 
 } // namespace
 
@@ -40,7 +60,8 @@ private:
 
     X11OverlayWindows& owner_;
     Screen screen_;
-    QRect pixels_; // of the root window
+    QPoint corner_;            // the top left one, in pixels of the root window
+    std::vector<QRect> shown_; // the parts of the display that are this window's
     Layer* root_ = nullptr;
     SpriteScene scene_;
     std::vector<Sprite> sprites_;
@@ -49,11 +70,14 @@ private:
 X11OverlayWindow::X11OverlayWindow(X11OverlayWindows& owner, const Screen& screen)
     : owner_(owner),
       screen_(screen),
-      pixels_(owner.screens_.pixelsOf(screen)),
-      scene_(pixels_.size(), screen.backingScale) {
+      corner_(owner.screens_.pixelsOf(screen).topLeft()),
+      shown_(owner.screens_.partsOf(screen)),
+      scene_(owner.screens_.pixelsOf(screen).size(), screen.backingScale) {
     owner_.windows_.push_back(this);
     owner_.prepareWindows();
-    owner_.stack_.setShown(true);
+    if (owner_.windows_.size() == 1) {
+        owner_.begin();
+    }
 }
 
 X11OverlayWindow::~X11OverlayWindow() {
@@ -61,10 +85,8 @@ X11OverlayWindow::~X11OverlayWindow() {
     for (const auto& sprite : sprites_) {
         owner_.stack_.release(*sprite.window);
     }
-    // Nothing may be sent for a long time from here on.
     if (owner_.windows_.empty()) {
-        owner_.stack_.setShown(false);
-        xcb_flush(owner_.connection_.xcb());
+        owner_.end();
     }
 }
 
@@ -109,7 +131,7 @@ void X11OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRec
 
 void X11OverlayWindow::place(SpriteId sprite, QPoint topLeft) {
     if (auto* window = windowOf(sprite)) {
-        window->place(pixels_.topLeft() + topLeft, pixels_);
+        window->place(corner_ + topLeft, shown_);
     }
 }
 
@@ -134,6 +156,11 @@ X11OverlayWindows::X11OverlayWindows(Connection& connection, const X11Screens& s
       compositing_(connection),
       stack_(connection, clock),
       compositingChanges_(compositing_.changed.add([this] { compositingChanged(); })) {
+    readying_.setSingleShot(true);
+    QObject::connect(&readying_, &QTimer::timeout, &readying_, [this] {
+        getReady();
+        xcb_flush(connection_.xcb());
+    });
     compositingChanged();
 }
 
@@ -142,27 +169,89 @@ std::unique_ptr<OverlayWindow> X11OverlayWindows::create(const Screen& screen) {
 }
 
 void X11OverlayWindows::flush() {
+    compositing_.settle();
     const double mediaTime = clock_.mediaTime();
     for (auto* window : windows_) {
-        window->update(mediaTime);
+        // It would be seen as an opaque box.
+        if (compositing_.blending() != Blending::awaited) {
+            window->update(mediaTime);
+        }
     }
     xcb_flush(connection_.xcb());
 }
 
+void X11OverlayWindows::begin() {
+    stack_.setShown(true);
+    compositing_.begin();
+    readying_.start(readyingTime);
+}
+
+void X11OverlayWindows::end() {
+    readying_.stop();
+    if (guard_ != nullptr) {
+        guard_->park();
+        guard_->commit();
+    }
+    stack_.setShown(false);
+    compositing_.end();
+    // Nothing may be sent for a long time from here on.
+    xcb_flush(connection_.xcb());
+}
+
 void X11OverlayWindows::compositingChanged() {
+    const auto blending = compositing_.blending();
+    const auto kind = blending == Blending::no ? SpriteKind::shaped : SpriteKind::translucent;
+    if (kind != stack_.kind()) {
+        makeSprites(kind);
+    }
+    if (!windows_.empty() && blending == Blending::awaited && readying_.isActive()) {
+        // The guard is what the manager comes back for, and looks like what lies below until then.
+        setGuardColor(cornerColor(connection_));
+        getReady();
+    } else if (blending == Blending::yes) {
+        setGuardColor(0);
+    }
+    flush();
+}
+
+void X11OverlayWindows::makeSprites(SpriteKind kind) {
     for (auto* window : windows_) {
         window->forgetSprites();
     }
-    const bool blends = compositing_.active() && connection_.argbVisual() != 0;
-    stack_.setKind(blends ? SpriteKind::translucent : SpriteKind::shaped);
+    stack_.setKind(kind);
+    guard_ = nullptr;
+    if (kind == SpriteKind::translucent) {
+        guard_ = stack_.acquire();
+        guardColor_ = 0;
+    }
     prepareWindows();
-    flush();
+    if (!windows_.empty()) {
+        readying_.start(readyingTime);
+    }
+}
+
+void X11OverlayWindows::getReady() {
+    readying_.stop();
+    stack_.mapAll();
+    if (guard_ != nullptr) {
+        guard_->place(guardPlace_.topLeft(), std::span(&guardPlace_, 1));
+        guard_->commit();
+    }
+}
+
+void X11OverlayWindows::setGuardColor(QRgb color) {
+    if (guard_ != nullptr && std::exchange(guardColor_, color) != color) {
+        QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
+        pixel.fill(color);
+        guard_->setPicture(pixel);
+        guard_->commit();
+    }
 }
 
 // A new window takes a wait for the server. So the windows are there before anything shows, and
 // stay while nothing does.
 void X11OverlayWindows::prepareWindows() {
-    stack_.prepare(std::max(windows_.size(), screens_.list().size()) + spareWindows);
+    stack_.prepare(screens_.list().size() + spareWindows);
 }
 
 } // namespace vantrel::x11

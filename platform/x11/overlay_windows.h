@@ -8,6 +8,8 @@
 #include "platform/x11/screens.h"
 #include "platform/x11/sprite_stack.h"
 
+#include <QTimer>
+
 #include <memory>
 #include <vector>
 
@@ -25,14 +27,26 @@ public:
 
 private:
     friend class X11OverlayWindow;
+    // With the first window and the last.
+    void begin();
+    void end();
     void compositingChanged();
+    void makeSprites(SpriteKind kind);
     void prepareWindows();
+    void getReady();
+    void setGuardColor(QRgb color);
 
     Connection& connection_;
     const X11Screens& screens_;
     const Clock& clock_;
     Compositing compositing_;
     SpriteStack stack_;
+    // One pixel in the corner of the screen, as some compositing managers do not blend anything
+    // while a window fills the screen and nothing lies above it. None where nothing blends.
+    SpriteWindow* guard_ = nullptr;
+    QRgb guardColor_ = 0; // premultiplied
+    const QRect guardPlace_{0, 0, 1, 1};
+    QTimer readying_;
     std::vector<X11OverlayWindow*> windows_;
     Subscription compositingChanges_;
 };

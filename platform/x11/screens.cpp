@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include <QRegion>
 #include <xcb/randr.h>
 
 namespace vantrel::x11 {
@@ -13,12 +14,11 @@ namespace vantrel::x11 {
 namespace {
 
 struct Monitor {
-    std::uint32_t name = 0; // an atom
+    xcb_atom_t id = XCB_NONE;
+    std::string name; // of that atom
     QRect pixels;
     bool primary = false;
-    bool mirrors = false; // another one
     std::vector<xcb_randr_output_t> outputs;
-    std::string outputName;
     double rate = 0;
 };
 
@@ -35,35 +35,39 @@ std::vector<Monitor> readMonitors(const Connection& connection) {
         const std::span outputs(
             xcb_randr_monitor_info_outputs(infos.data),
             static_cast<std::size_t>(xcb_randr_monitor_info_outputs_length(infos.data)));
-        monitors.push_back({.name = info.name,
+        monitors.push_back({.id = info.name,
+                            .name = {},
                             .pixels = QRect(info.x, info.y, info.width, info.height),
                             .primary = info.primary != 0,
-                            .outputs = {outputs.begin(), outputs.end()},
-                            .outputName = {}});
+                            .outputs = {outputs.begin(), outputs.end()}});
     }
     return monitors;
 }
 
-bool showsAllOf(const Monitor& whole, const Monitor& part) {
-    return whole.pixels.contains(part.pixels);
+// Displays that show nothing of their own get no overlay.
+void dropHidden(std::vector<Monitor>& monitors) {
+    QRegion covered;
+    std::erase_if(monitors, [&covered](const Monitor& monitor) {
+        const bool hidden = QRegion(monitor.pixels).subtracted(covered).isEmpty();
+        covered += monitor.pixels;
+        return hidden;
+    });
 }
 
-// A display that shows only what another one shows as well gets no overlay of its own: effects
-// would be drawn twice there. Of two equal ones, the earlier stays.
-void dropMirrors(std::vector<Monitor>& monitors) {
-    for (auto& monitor : monitors) {
-        for (auto& other : monitors) {
-            const bool equal = showsAllOf(other, monitor) && showsAllOf(monitor, other);
-            if (!monitor.mirrors && &other != &monitor && showsAllOf(other, monitor) &&
-                (!equal || &other < &monitor)) {
-                monitor.mirrors = true;
-                other.primary = other.primary || monitor.primary;
-            }
+void readNames(const Connection& connection, std::vector<Monitor>& monitors) {
+    std::vector<xcb_get_atom_name_cookie_t> cookies;
+    for (const auto& monitor : monitors) {
+        cookies.push_back(xcb_get_atom_name(connection.xcb(), monitor.id));
+    }
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        const Owned<xcb_get_atom_name_reply_t> reply(
+            xcb_get_atom_name_reply(connection.xcb(), cookies[i], nullptr));
+        if (reply) {
+            monitors[i].name.assign(
+                xcb_get_atom_name_name(reply.get()),
+                static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get())));
         }
     }
-    std::erase_if(monitors, [](const Monitor& monitor) {
-        return monitor.mirrors || monitor.pixels.isEmpty();
-    });
 }
 
 using Rates = std::map<xcb_randr_mode_t, double>;
@@ -79,20 +83,15 @@ Rates readRates(xcb_randr_get_screen_resources_current_reply_t& resources) {
     return rates;
 }
 
-// Fills in the name of the first output, and the rate of the fastest.
-void readOutputs(const Connection& connection, Monitor& monitor, const Rates& rates,
-                 xcb_timestamp_t timestamp) {
+// Fills in the rate of the fastest output.
+void readRate(const Connection& connection, Monitor& monitor, const Rates& rates,
+              xcb_timestamp_t timestamp) {
     for (const auto output : monitor.outputs) {
         const Owned<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
             connection.xcb(), xcb_randr_get_output_info(connection.xcb(), output, timestamp),
             nullptr));
         if (!info) {
             continue;
-        }
-        if (monitor.outputName.empty()) {
-            monitor.outputName.assign(
-                reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
-                static_cast<std::size_t>(xcb_randr_get_output_info_name_length(info.get())));
         }
         const Owned<xcb_randr_get_crtc_info_reply_t> crtc(xcb_randr_get_crtc_info_reply(
             connection.xcb(), xcb_randr_get_crtc_info(connection.xcb(), info->crtc, timestamp),
@@ -127,6 +126,17 @@ QRect readWorkArea(const Connection& connection) {
 
 } // namespace
 
+std::vector<std::vector<QRect>> uncovered(const std::vector<QRect>& rects) {
+    QRegion covered;
+    std::vector<std::vector<QRect>> parts;
+    for (const auto& rect : rects) {
+        const auto own = QRegion(rect).subtracted(covered);
+        parts.emplace_back(own.begin(), own.end());
+        covered += rect;
+    }
+    return parts;
+}
+
 double refreshRate(std::uint32_t dotClock, std::uint16_t horizontalTotal,
                    std::uint16_t verticalTotal, std::uint32_t flags) {
     double lines = verticalTotal;
@@ -156,10 +166,25 @@ Subscription X11Screens::onChange(std::function<void()> callback) {
     return changes_.add(std::move(callback));
 }
 
-QRect X11Screens::pixelsOf(const Screen& screen) const {
+Subscription X11Screens::onLayoutChange(std::function<void()> callback) {
+    return layoutChanges_.add(std::move(callback));
+}
+
+std::size_t X11Screens::indexOf(const Screen& screen) const {
     const auto found = std::ranges::find(screens_, screen.id, &Screen::id);
-    const auto index = static_cast<std::size_t>(found - screens_.begin());
-    return found == screens_.end() ? QRect() : pixelMap_.displays()[index].pixels;
+    return static_cast<std::size_t>(found - screens_.begin());
+}
+
+QRect X11Screens::pixelsOf(const Screen& screen) const {
+    const auto index = indexOf(screen);
+    return index < screens_.size() ? pixelMap_.displays()[index].pixels : QRect();
+}
+
+std::vector<QRect> X11Screens::partsOf(const Screen& screen) const {
+    std::vector<QRect> pixels;
+    std::ranges::transform(pixelMap_.displays(), std::back_inserter(pixels), &DisplayArea::pixels);
+    const auto index = indexOf(screen);
+    return index < screens_.size() ? uncovered(pixels)[index] : std::vector<QRect>();
 }
 
 void X11Screens::handleEvent(const xcb_generic_event_t& event) {
@@ -186,6 +211,9 @@ void X11Screens::eventsDrained() {
     const auto before = screens_;
     const auto mapBefore = pixelMap_;
     read();
+    if (!haveSameLayout(screens_, before) || pixelMap_ != mapBefore) {
+        layoutChanges_.notify();
+    }
     if (screens_ != before || pixelMap_ != mapBefore) {
         changes_.notify();
     }
@@ -196,17 +224,23 @@ void X11Screens::read() {
     const auto resourcesCookie =
         xcb_randr_get_screen_resources_current(connection_.xcb(), connection_.root());
     auto monitors = readMonitors(connection_);
-    dropMirrors(monitors);
     std::stable_partition(monitors.begin(), monitors.end(), std::mem_fn(&Monitor::primary));
+    dropHidden(monitors);
+    readNames(connection_, monitors);
     const Owned<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(connection_.xcb(), resourcesCookie, nullptr));
     const auto rates = resources ? readRates(*resources) : Rates();
 
     std::vector<DisplayArea> areas;
     for (std::size_t i = 0; i < monitors.size(); ++i) {
-        readOutputs(connection_, monitors[i], rates, resources ? resources->config_timestamp : 0);
-        areas.push_back(
-            {monitors[i].pixels, toScale(scale_.settings(), monitors[i].outputName, i)});
+        readRate(connection_, monitors[i], rates, resources ? resources->config_timestamp : 0);
+        const auto& pixels = monitors[i].pixels;
+        // Whatever two displays both show has one size.
+        const auto shared = std::ranges::find_if(
+            areas, [&pixels](const auto& area) { return area.pixels.intersects(pixels); });
+        areas.push_back({pixels, shared != areas.end()
+                                     ? shared->scale
+                                     : toScale(scale_.settings(), monitors[i].name, i)});
     }
     pixelMap_ = PixelMap(areas);
     const QRect workArea = readWorkArea(connection_);
@@ -214,7 +248,7 @@ void X11Screens::read() {
     for (std::size_t i = 0; i < monitors.size(); ++i) {
         const QRect visible = workArea.intersected(areas[i].pixels);
         screens_.push_back(
-            {.id = monitors[i].name,
+            {.id = monitors[i].id,
              .frame = pixelMap_.frame(i),
              .visibleFrame = pixelMap_.toGlobal(visible.isEmpty() ? areas[i].pixels : visible, i),
              .backingScale = areas[i].scale,

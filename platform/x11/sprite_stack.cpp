@@ -14,40 +14,46 @@ void SpriteStack::setKind(SpriteKind kind) {
     resources_.emplace(connection_, kind);
 }
 
+// The server's answers are waited for all at once.
 void SpriteStack::prepare(std::size_t count) {
     auto waiting = static_cast<std::size_t>(std::ranges::count(entries_, false, &Entry::used));
-    while (waiting < count && add()) {
-        ++waiting;
+    std::vector<std::unique_ptr<SpriteWindow>> made;
+    for (; waiting < count; ++waiting) {
+        made.push_back(std::make_unique<SpriteWindow>(*resources_));
     }
-}
-
-bool SpriteStack::add() {
-    auto window = SpriteWindow::create(*resources_);
-    if (!window) {
-        return false;
+    for (auto& window : made) {
+        if (window->letsClicksThrough()) {
+            entries_.push_back({std::move(window)});
+        }
     }
-    if (shown_) {
-        window->map();
-    }
-    entries_.push_back({std::move(window)});
-    return true;
 }
 
 SpriteWindow* SpriteStack::acquire() {
-    auto free = std::ranges::find(entries_, false, &Entry::used);
+    prepare(1);
+    const auto free = std::ranges::find(entries_, false, &Entry::used);
     if (free == entries_.end()) {
-        if (!add()) {
-            return nullptr;
-        }
-        free = entries_.end() - 1;
+        return nullptr;
+    }
+    free->used = true;
+    if (shown_) {
+        map(*free);
     }
     std::rotate(free, free + 1, entries_.end());
-    auto& entry = entries_.back();
-    entry.used = true;
+    auto& window = *entries_.back().window;
     if (entries_.size() > 1) {
-        entry.window->stackAbove(*entries_[entries_.size() - 2].window);
+        window.stackAbove(*entries_[entries_.size() - 2].window);
     }
-    return entry.window.get();
+    return &window;
+}
+
+void SpriteStack::map(Entry& entry) {
+    if (!std::exchange(entry.mapped, true)) {
+        entry.window->map();
+    }
+}
+
+void SpriteStack::mapAll() {
+    std::ranges::for_each(entries_, &SpriteStack::map);
 }
 
 void SpriteStack::release(SpriteWindow& window) {
@@ -61,11 +67,11 @@ void SpriteStack::release(SpriteWindow& window) {
 }
 
 void SpriteStack::setShown(bool shown) {
-    if (std::exchange(shown_, shown) == shown) {
-        return;
-    }
-    for (const auto& entry : entries_) {
-        shown ? entry.window->map() : entry.window->unmap();
+    shown_ = shown;
+    for (auto& entry : entries_) {
+        if (!shown && std::exchange(entry.mapped, false)) {
+            entry.window->unmap();
+        }
     }
 }
 

@@ -19,19 +19,28 @@ public:
 
     // Makes them blend, or not, from now on. Takes away all windows that there are.
     void setKind(SpriteKind kind);
+    // None before.
+    [[nodiscard]] std::optional<SpriteKind> kind() const {
+        return resources_ ? std::optional(resources_->kind()) : std::nullopt;
+    }
     // Has so many windows waiting, so that none need be made when a sprite appears.
     void prepare(std::size_t count);
     // On top of the others, and not of anything else. Null when there can be none.
     SpriteWindow* acquire();
     void release(SpriteWindow& window);
     void raise();
-    // Nothing is mapped while hidden, as at first, but what is ready stays ready.
+    // Nothing is mapped while hidden, as at first, but what is ready stays ready. Afterwards only
+    // what is acquired is mapped: each window costs a compositing manager time, and the first
+    // picture waits for it.
     void setShown(bool shown);
+    // Maps all that wait.
+    void mapAll();
 
 private:
     struct Entry {
         std::unique_ptr<SpriteWindow> window;
         bool used = false;
+        bool mapped = false;
     };
 
     void handleEvent(const xcb_generic_event_t& event) override;
@@ -39,7 +48,7 @@ private:
     void cameAbove(xcb_window_t window);
     // Whether a window of another program lies above.
     bool noteOrder(xcb_window_t window, bool above);
-    bool add();
+    static void map(Entry& entry);
     [[nodiscard]] bool isOurs(xcb_window_t window) const;
 
     Connection& connection_;
@@ -50,7 +59,7 @@ private:
     std::set<xcb_window_t> above_;
     bool covered_ = false;
     bool shown_ = false;
-    std::optional<SpriteResources> resources_;
+    std::optional<SpriteResources> resources_; // from the first setKind() on
     std::vector<Entry> entries_;
     Subscription events_;
 };

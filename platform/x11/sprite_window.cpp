@@ -38,23 +38,19 @@ QImage opaque(const QImage& picture, std::uint8_t depth) {
     }
 }
 
-int mostOpaque(const QImage& picture) {
-    int alpha = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-        for (int x = 0; x < picture.width(); ++x) {
-            alpha = std::max(alpha, qAlpha(row[x]));
-        }
-    }
-    return alpha;
+// How opaque a pixel of a row has to be, from 1 to 255. Each follows the last at the golden section
+// of the range, which spreads any share of the rows evenly.
+int rowThreshold(int y) {
+    constexpr int goldenSection = 158;
+    return 1 + y * goldenSection % 255;
 }
 
 } // namespace
 
 void cutOut(const QImage& picture, std::vector<xcb_rectangle_t>& cut) {
     cut.clear();
-    const int threshold = std::max((mostOpaque(picture) + 1) / 2, 1);
     for (int y = 0; y < picture.height(); ++y) {
+        const int threshold = rowThreshold(y);
         const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
         int start = -1;
         for (int x = 0; x <= picture.width(); ++x) {
@@ -113,15 +109,6 @@ SpriteResources::SpriteResources(Connection& connection, SpriteKind kind)
                         connection.root(), visual_);
 }
 
-std::unique_ptr<SpriteWindow> SpriteWindow::create(SpriteResources& resources) {
-    std::unique_ptr<SpriteWindow> window(new SpriteWindow(resources));
-    if (!window->letClicksThrough()) {
-        return nullptr;
-    }
-    window->setProperties();
-    return window;
-}
-
 SpriteWindow::SpriteWindow(SpriteResources& resources)
     : resources_(resources), window_(resources.connection().xcb()) {
     auto& connection = resources.connection();
@@ -132,16 +119,25 @@ SpriteWindow::SpriteWindow(SpriteResources& resources)
                       static_cast<std::int16_t>(parkingPlace.x()),
                       static_cast<std::int16_t>(parkingPlace.y()), 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, resources.visual(), mask, values.data());
+    letClicksThrough();
+    setProperties();
+}
+
+void SpriteWindow::letClicksThrough() {
+    clicksThrough_ = xcb_shape_rectangles_checked(resources_.connection().xcb(), XCB_SHAPE_SO_SET,
+                                                  XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                                                  id(), 0, 0, 0, nullptr);
 }
 
 // An overlay that takes clicks is worse than none, so this is waited for.
-bool SpriteWindow::letClicksThrough() {
-    auto* xcb = resources_.connection().xcb();
-    const auto cookie =
-        xcb_shape_rectangles_checked(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
-                                     XCB_CLIP_ORDERING_UNSORTED, id(), 0, 0, 0, nullptr);
-    const Owned<xcb_generic_error_t> error(xcb_request_check(xcb, cookie));
-    return !error;
+bool SpriteWindow::letsClicksThrough() {
+    if (clicksThrough_) {
+        const Owned<xcb_generic_error_t> error(
+            xcb_request_check(resources_.connection().xcb(), *clicksThrough_));
+        clicksThrough_.reset();
+        return !error;
+    }
+    return true;
 }
 
 void SpriteWindow::setProperties() {
@@ -191,7 +187,7 @@ void SpriteWindow::redraw(const QImage& picture, const QRect& area) {
     }
 }
 
-void SpriteWindow::place(QPoint topLeft, const QRect& clip) {
+void SpriteWindow::place(QPoint topLeft, std::span<const QRect> clip) {
     place_ = topLeft;
     clip_ = clip;
 }
@@ -227,6 +223,12 @@ void SpriteWindow::commit() {
                                      &pixmap);
         picture_.reset(); // the window keeps it
     }
+    findShown();
+    // Nothing of it lies inside the clip.
+    if (!shown_.all && shown_.parts.empty()) {
+        shown_.all = true;
+        place_.reset();
+    }
     applyShape();
     applyPlace();
     if (hasPicture) {
@@ -256,44 +258,58 @@ void SpriteWindow::applyPlace() {
     }
 }
 
-// Relative to the window, and only where something else than nothing lies beyond the display.
-std::optional<QRect> SpriteWindow::neededClip() const {
+// All of it, as far as it lies on the root window, unless something else is to be cut off.
+void SpriteWindow::findShown() {
+    shown_.all = true;
+    shown_.parts.clear();
     if (!place_) {
-        return std::nullopt;
+        return;
     }
-    const QRect root(QPoint(0, 0), resources_.connection().rootSize());
+    const auto area = [](const QRect& rect) { return std::int64_t{rect.width()} * rect.height(); };
     const QRect window(*place_, size_);
-    if (clip_.contains(window.intersected(root))) {
-        return std::nullopt;
+    const QRect root(QPoint(0, 0), resources_.connection().rootSize());
+    std::int64_t covered = 0;
+    for (const auto& rect : clip_) {
+        const QRect part = window.intersected(rect);
+        if (!part.isEmpty()) {
+            shown_.parts.push_back(part.translated(-*place_));
+            covered += area(part);
+        }
     }
-    return window.intersected(clip_).translated(-*place_);
+    shown_.all = covered == area(window.intersected(root));
+    if (shown_.all) {
+        shown_.parts.clear();
+    }
 }
 
 void SpriteWindow::applyShape() {
-    const auto clip = neededClip();
-    if (clip == sentClip_ && !shapeStale_) {
+    if (shown_ == sentShown_ && !shapeStale_) {
         return;
     }
-    sentClip_ = clip;
     shapeStale_ = false;
-    auto* xcb = resources_.connection().xcb();
-    if (resources_.kind() == SpriteKind::shaped) {
-        std::vector<xcb_rectangle_t> shown;
+    shape_.clear();
+    const QRect whole(QPoint(0, 0), size_);
+    const bool cut = resources_.kind() == SpriteKind::shaped;
+    for (const auto& part : shown_.all ? std::span(&whole, 1) : std::span(shown_.parts)) {
+        if (!cut) {
+            shape_.push_back(toX(part));
+            continue;
+        }
         for (const auto& rect : cut_) {
-            const auto part = clip ? fromX(rect).intersected(*clip) : fromX(rect);
-            if (!part.isEmpty()) {
-                shown.push_back(toX(part));
+            const QRect left = fromX(rect).intersected(part);
+            if (!left.isEmpty()) {
+                shape_.push_back(toX(left));
             }
         }
-        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
-                             XCB_CLIP_ORDERING_YX_BANDED, id(), 0, 0,
-                             static_cast<std::uint32_t>(shown.size()), shown.data());
-    } else if (clip) {
-        const auto rect = toX(*clip);
-        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
-                             XCB_CLIP_ORDERING_UNSORTED, id(), 0, 0, 1, &rect);
-    } else {
+    }
+    std::swap(sentShown_, shown_);
+    auto* xcb = resources_.connection().xcb();
+    if (sentShown_.all && !cut) {
         xcb_shape_mask(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id(), 0, 0, XCB_NONE);
+    } else {
+        xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                             XCB_CLIP_ORDERING_UNSORTED, id(), 0, 0,
+                             static_cast<std::uint32_t>(shape_.size()), shape_.data());
     }
 }
 

@@ -59,17 +59,20 @@ private:
 // other than those of map() and unmap().
 class SpriteWindow {
 public:
-    // Null when the server does not let clicks through.
-    static std::unique_ptr<SpriteWindow> create(SpriteResources& resources);
+    explicit SpriteWindow(SpriteResources& resources);
 
+    // Waits for the server's answer when it is first asked. A window that takes clicks must not be
+    // mapped.
+    [[nodiscard]] bool letsClicksThrough();
     [[nodiscard]] xcb_window_t id() const { return window_.id(); }
 
     // The whole picture, 32 bits and premultiplied; the window takes its size.
     void setPicture(const QImage& picture);
     // The picture differs inside the area only, and goes to the screen at once.
     void redraw(const QImage& picture, const QRect& area);
-    // In pixels of the root window; what lies outside of the clip is not shown.
-    void place(QPoint topLeft, const QRect& clip);
+    // In pixels of the root window; what lies outside of the clip is not shown. The rectangles of
+    // the clip do not overlap, and stay where they are until the window is placed anew or parked.
+    void place(QPoint topLeft, std::span<const QRect> clip);
     void park();
     void map();
     void unmap();
@@ -78,29 +81,39 @@ public:
     void commit();
 
 private:
-    SpriteWindow(SpriteResources& resources);
+    // What the clip leaves of the window, relative to it.
+    struct Shown {
+        bool all = true;
+        std::vector<QRect> parts; // when it is not all
+        bool operator==(const Shown&) const = default;
+    };
 
-    bool letClicksThrough();
+    void letClicksThrough();
     void setProperties();
     void applyPlace();
     void applyShape();
-    [[nodiscard]] std::optional<QRect> neededClip() const;
+    void findShown();
 
     SpriteResources& resources_;
     WindowHandle window_;
-    PixmapHandle picture_;             // to be shown by the next commit
-    std::vector<xcb_rectangle_t> cut_; // of a shaped window's picture
+    std::optional<xcb_void_cookie_t> clicksThrough_; // until it is asked for
+    PixmapHandle picture_;                           // to be shown by the next commit
+    std::vector<xcb_rectangle_t> cut_;               // of a shaped window's picture
     QSize size_{1, 1};
     QSize sentSize_{1, 1};
     std::optional<QPoint> place_; // none while parked
     std::optional<QPoint> sentPlace_;
-    QRect clip_;
-    std::optional<QRect> sentClip_;
+    std::span<const QRect> clip_;
+    // Kept, as are the rectangles, so that a frame takes no memory.
+    Shown shown_;
+    Shown sentShown_;
+    std::vector<xcb_rectangle_t> shape_;
     bool shapeStale_ = false;
 };
 
-// The parts of a picture that are worth showing when nothing can be translucent: at least half as
-// opaque as its most opaque pixel. Row by row, from the top.
+// The parts of a picture to show when nothing can be translucent: of what is opaque everything, of
+// the rest as many of its rows as it is opaque, evenly spread, so that one sees through between
+// them. Row by row, from the top.
 void cutOut(const QImage& picture, std::vector<xcb_rectangle_t>& cut);
 
 } // namespace vantrel::x11

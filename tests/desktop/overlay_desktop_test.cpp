@@ -4,10 +4,16 @@
 
 #include <QPainter>
 
+#include <array>
+#include <cmath>
 #include <utility>
+
+#include <xcb/composite.h>
 
 namespace vantrel::desktop {
 namespace {
+
+constexpr std::uint32_t substructure = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
 
 // The tree of an overlay on the whole screen, painted over the blue desktop.
 QImage expectedScreen(CursorMode mode, const AppPreferences& preferences, PixelPoint pointer) {
@@ -141,35 +147,49 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
     EXPECT_TRUE(becomes({264, 300}, blue));
 }
 
+// Rows are left out of what is translucent.
 TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
+    const auto yellowIn = [&](PixelRect area) {
+        const auto colors = captureScreen(watcher, area).pixels;
+        return std::ranges::count_if(
+            colors, [](std::uint32_t color) { return channelDistance(color, yellow) <= 12; });
+    };
     paintDesktop();
     input.moveTo({300, 300});
-    preferences.click.style = ClickStyle::pulse;
     start();
-    EXPECT_TRUE(becomes({300, 300}, yellow));
-    EXPECT_EQ(pixel({300 - 30, 300 - 30}), blue); // the corner of the disc's box
-    EXPECT_TRUE(becomes({330, 300}, yellow));
+    for (const double opacity : {0.1, 0.9, 0.35}) {
+        preferences.highlight.opacity = opacity;
+        show(CursorMode::highlight);
+        EXPECT_TRUE(runUntil([&] {
+            const auto rows = static_cast<double>(yellowIn({300, 268, 1, 64}));
+            return std::abs(rows / 64 - opacity) < 0.04;
+        })) << opacity;
+        EXPECT_EQ(pixel({300 - 30, 300 - 30}), blue); // the corner of the disc's box
+    }
+    // A click shows on the disc, in rows that the disc leaves out.
+    constexpr PixelRect leftOut{300, 309, 28, 1};
+    EXPECT_EQ(yellowIn(leftOut), 0);
+    const bool clickShows = std::ranges::any_of(std::array{1, 2, 3}, [&](int /*attempt*/) {
+        manager->addClick({300, 300}, false);
+        return runUntil([&] { return yellowIn(leftOut) > 0; }, std::chrono::milliseconds(350));
+    });
+    EXPECT_TRUE(clickShows);
     preferences.highlight.style = HighlightStyle::ring;
     show(CursorMode::highlight);
-    EXPECT_TRUE(becomes({320, 300}, blue));
-    EXPECT_TRUE(becomes({331, 300}, yellow));
+    EXPECT_TRUE(becomes({320, 299}, blue));
+    EXPECT_TRUE(becomes({331, 299}, yellow, 8));
     preferences.highlight.style = HighlightStyle::glow;
     show(CursorMode::highlight);
-    EXPECT_TRUE(becomes({300, 300}, yellow, 8));
-    EXPECT_EQ(pixel({331, 300}), blue);
-    manager->addClick({300, 300}, false);
-    EXPECT_TRUE(becomes({265, 300}, yellow));
-    EXPECT_TRUE(becomes({265, 300}, blue));
+    EXPECT_TRUE(becomes({300, 299}, yellow, 8));
+    EXPECT_EQ(pixel({331, 299}), blue);
     // Two at once, of which neither shows the other's.
-    preferences.click.style = ClickStyle::ripple;
-    show(CursorMode::highlight);
     manager->addClick({200, 300}, false);
     runFor(std::chrono::milliseconds(80));
     manager->addClick({500, 300}, false);
     int circles = 0;
     EXPECT_FALSE(runUntil(
         [&] {
-            const auto row = captureScreen(watcher, {500, 300, 48, 1});
+            const auto row = captureScreen(watcher, {500, 299, 48, 1});
             const auto edges = std::count_if(row.pixels.begin() + 1, row.pixels.end(),
                                              [&](const std::uint32_t& color) {
                                                  return (color == blue) != ((&color)[-1] == blue);
@@ -181,14 +201,21 @@ TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
     EXPECT_EQ(circles, 1);
     show(CursorMode::laser);
     EXPECT_TRUE(becomes({303, 300}, 0xFF453A, 8));
-    EXPECT_EQ(pixel({315, 300}), blue);
+    const auto haloReaches = [&](int x) {
+        const auto column = captureScreen(watcher, {x, 264, 1, 72}).pixels;
+        return std::ranges::any_of(column, [](std::uint32_t color) { return color != blue; });
+    };
+    EXPECT_FALSE(haloReaches(326));
+    preferences.laser.glow = GlowStrength::high;
+    show(CursorMode::laser);
+    EXPECT_TRUE(runUntil([&] { return haloReaches(326); }));
 }
 
 TEST_F(OverlayDesktopTest, SwitchesWhenACompositingManagerComesOrGoes) {
     paintDesktop();
     input.moveTo({300, 300});
     start();
-    EXPECT_TRUE(becomes({300, 300}, yellow));
+    EXPECT_TRUE(becomes({300, 299}, yellow));
     for (int round = 0; round < 3; ++round) {
         // Never a box, also while it takes the windows over. A newer picom begins with a black
         // screen.
@@ -199,9 +226,75 @@ TEST_F(OverlayDesktopTest, SwitchesWhenACompositingManagerComesOrGoes) {
             return channelDistance(pixel({300, 300}), blended(yellow, 0.35)) <= 3;
         }));
         compositing->terminate();
-        EXPECT_TRUE(becomes({300, 300}, yellow));
+        EXPECT_TRUE(becomes({300, 299}, yellow));
         EXPECT_EQ(pixel({270, 270}), blue);
     }
+}
+
+// Its manager lets go of all windows as long as nothing lies above one that fills the screen.
+class LettingGoTest : public OverlayDesktopTest {
+protected:
+    void SetUp() override {
+        xcb_discard_reply(watcher.get(), xcb_composite_query_version(watcher.get(), 0, 4).sequence);
+        compositing.emplace(startCompositingManager(server, CompositingManager::picomLettingGo));
+        paintDesktop();
+        input.moveTo({300, 300});
+        std::optional<ClientWindow> above(std::in_place, server.display(), ClientWindowOptions());
+        ASSERT_TRUE(runUntil([this] { return blends(); }));
+        above.reset();
+        ASSERT_TRUE(runUntil([this] { return !blends(); }));
+    }
+    [[nodiscard]] bool blends() const {
+        const auto pixmap = xcb_generate_id(watcher.get());
+        const auto error = ownReply(xcb_request_check(
+            watcher.get(),
+            xcb_composite_name_window_pixmap_checked(watcher.get(), background->id(), pixmap)));
+        if (!error) {
+            xcb_free_pixmap(watcher.get(), pixmap);
+        }
+        return !error;
+    }
+    // Whether the disc comes to the pointer, and nothing else does on the way.
+    [[nodiscard]] bool discComes(PixelPoint place) const {
+        const auto disc = blended(yellow, 0.35);
+        return runUntil([&] {
+            const auto picture = captureScreen(watcher, {place.x - 32, place.y - 32, 64, 64});
+            const bool shown = channelDistance(picture.at(place), disc) <= 3;
+            EXPECT_EQ(picture.pixels.front(), blue) << "at its corner";
+            EXPECT_TRUE(shown || picture.at(place) == blue) << std::hex << picture.at(place);
+            EXPECT_EQ(pixel({0, 0}), blue);
+            return shown;
+        });
+    }
+};
+
+TEST_F(LettingGoTest, TheDiscComesAndComesBackWithoutABox) {
+    preferences.highlight.idleHide = true;
+    preferences.highlight.idleSeconds = 0.5;
+    start(CursorMode::off);
+    for (int round = 0; round < 3 && !HasFailure(); ++round) {
+        show(CursorMode::highlight);
+        EXPECT_TRUE(discComes({300, 300})) << "on showing";
+        EXPECT_TRUE(becomes({300, 300}, blue));
+        runFor(std::chrono::milliseconds(300));
+        EXPECT_TRUE(blends());
+        input.moveTo({400 + round, 300});
+        EXPECT_TRUE(discComes({400 + round, 300})) << "on coming back";
+        show(CursorMode::off);
+        EXPECT_TRUE(runUntil([this] { return !blends(); }));
+        EXPECT_EQ(pixel({400, 300}), blue);
+        input.moveTo({300, 300});
+    }
+}
+
+TEST_F(LettingGoTest, LeavesTheManagerAloneWhileNothingIsShown) {
+    start(CursorMode::off);
+    runFor(std::chrono::milliseconds(100));
+    xcb_change_window_attributes(watcher.get(), watcher.root(), XCB_CW_EVENT_MASK, &substructure);
+    watcher.sync();
+    runFor(std::chrono::milliseconds(300));
+    watcher.sync();
+    EXPECT_EQ(ownReply(xcb_poll_for_event(watcher.get())), nullptr);
 }
 
 TEST_F(OverlayDesktopTest, DoesNotFadeInWhereThePointerComes) {
@@ -212,12 +305,22 @@ TEST_F(OverlayDesktopTest, DoesNotFadeInWhereThePointerComes) {
     start();
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35)));
     // A ring would be over before it had faded in.
-    manager->addClick({300, 300}, false);
-    EXPECT_TRUE(runUntil(
+    runFor(std::chrono::milliseconds(600));
+    for (int i = 0; i < 5; ++i) {
+        manager->addClick({300.0 + 100 * i, 300}, false);
+    }
+    std::array<int, 5> strongest{};
+    runUntil(
         [&] {
-            return channelDistance(pixel({270, 300}), blue) > 60;
+            const auto row = captureScreen(watcher, {270, 300, 401, 1});
+            for (int i = 0; i < 5; ++i) {
+                auto& most = strongest[static_cast<std::size_t>(i)];
+                most = std::max(most, channelDistance(row.at({270 + 100 * i, 300}), blue));
+            }
+            return false;
         },
-        std::chrono::milliseconds(300)));
+        std::chrono::milliseconds(300));
+    EXPECT_THAT(strongest, testing::Each(testing::Gt(60)));
 }
 
 } // namespace

@@ -66,9 +66,9 @@ std::vector<std::string> commandFor(CompositingManager manager,
         return {"xcompmgr", "-n"};
     }
     const std::filesystem::path configuration = folder / "picom.conf";
-    std::ofstream(configuration) << (manager == CompositingManager::picomEyeCandy
-                                         ? eyeCandy
-                                         : "backend = \"xrender\";\n");
+    std::ofstream(configuration)
+        << (manager == CompositingManager::picomEyeCandy ? eyeCandy : "backend = \"xrender\";\n")
+        << (manager == CompositingManager::picomLettingGo ? "unredir-if-possible = true;\n" : "");
     return {"picom", "--config", configuration};
 }
 

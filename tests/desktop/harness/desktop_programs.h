@@ -24,8 +24,9 @@ namespace vantrel::desktop {
 [[nodiscard]] ChildProcess startWindowManager(const PrivateServer& server);
 
 enum class CompositingManager {
-    picom,         // nothing but composition
-    picomEyeCandy, // with the shadows, fading and dimming of its sample configuration
+    picom,          // nothing but composition
+    picomEyeCandy,  // with the shadows, fading and dimming of its sample configuration
+    picomLettingGo, // of all windows while one fills the screen
     xcompmgr,
 };
 
