@@ -25,8 +25,14 @@ namespace vantrel {
 // The tabs of the settings window, in their order.
 enum class SettingsTab : std::uint8_t { appearance, effects, controls, general, about };
 
-inline constexpr std::array<std::string_view, 5> settingsTabNames{"appearance", "effects",
-                                                                  "controls", "general", "about"};
+template <>
+struct CasesOf<SettingsTab> {
+    static constexpr CaseTable<SettingsTab, 5> table{{{SettingsTab::appearance, "appearance"},
+                                                      {SettingsTab::effects, "effects"},
+                                                      {SettingsTab::controls, "controls"},
+                                                      {SettingsTab::general, "general"},
+                                                      {SettingsTab::about, "about"}}};
+};
 
 // The windows that can be asked for.
 enum class AppWindow : std::uint8_t { settings, welcome, help };

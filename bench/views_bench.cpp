@@ -76,9 +76,10 @@ void switchTheTab(benchmark::State& state) {
     Stage stage;
     SettingsView settings(stage.view);
     Stage::show(settings, settingsSize);
+    constexpr auto tabs = allCases<SettingsTab>();
     unsigned tab = 0;
     for ([[maybe_unused]] auto _ : state) {
-        stage.state.selectTab(static_cast<SettingsTab>(++tab % settingsTabNames.size()));
+        stage.state.selectTab(tabs[++tab % tabs.size()]);
         Stage::settle();
     }
 }

@@ -1,28 +1,28 @@
 #include "preferences/interface_language.h"
 
-#include <QByteArray>
-
 #include <algorithm>
 #include <array>
+#include <string>
+#include <string_view>
 
 namespace vantrel {
 
 namespace {
 
-bool startsWithAny(const QByteArray& tag, std::span<const char* const> prefixes) {
-    return std::ranges::any_of(prefixes,
-                               [&](const char* prefix) { return tag.startsWith(prefix); });
+std::string normalized(std::string tag) {
+    std::ranges::transform(tag, tag.begin(), [](unsigned char c) {
+        return c == '_' ? '-' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    });
+    return tag;
 }
 
-// Traditional Chinese reads English rather than Simplified Chinese.
-bool isTraditionalChinese(const QByteArray& tag) {
-    static constexpr std::array regions{"zh-tw", "zh-hk", "zh-mo"};
-    return tag.contains("hant") || startsWithAny(tag, regions);
-}
-
-bool isSimplifiedChinese(const QByteArray& tag) {
+// Whoever reads Traditional Chinese, as in zh-TW or zh-Hant-CN, rather reads English.
+bool isSimplifiedChinese(std::string_view tag) {
     static constexpr std::array variants{"zh-hans", "zh-cn", "zh-sg"};
-    return !isTraditionalChinese(tag) && (tag == "zh" || startsWithAny(tag, variants));
+    return tag.find("hant") == std::string_view::npos &&
+           (tag == "zh" || std::ranges::any_of(variants, [tag](const char* variant) {
+                return tag.starts_with(variant);
+            }));
 }
 
 } // namespace
@@ -34,8 +34,7 @@ bool usesEnglish(std::span<const std::string> preferredLanguages, AppLanguage la
     if (preferredLanguages.empty()) {
         return true;
     }
-    const auto tag = QByteArray::fromStdString(preferredLanguages.front()).replace('_', '-');
-    return !isSimplifiedChinese(tag.toLower());
+    return !isSimplifiedChinese(normalized(preferredLanguages.front()));
 }
 
 } // namespace vantrel

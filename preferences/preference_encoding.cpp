@@ -201,14 +201,10 @@ private:
     }
 
     static bool read(const json& value, double& member) {
-        if (!value.is_number()) {
-            return false;
+        if (value.is_number()) {
+            member = value.get<double>();
         }
-        // A zero that the parser takes for a signed integer had a minus.
-        const bool minusZero = value.is_number_integer() && !value.is_number_unsigned() &&
-                               value.get<std::int64_t>() == 0;
-        member = minusZero ? -0.0 : value.get<double>();
-        return true;
+        return value.is_number();
     }
 
     static bool read(const json& value, std::string& member) {

@@ -21,8 +21,8 @@ enum class AppLanguage : std::uint8_t { system, chinese, english };
 template <typename Enum>
 struct CasesOf;
 
-template <typename Enum>
-using CaseTable = std::array<std::pair<Enum, std::string_view>, 3>;
+template <typename Enum, std::size_t count = 3>
+using CaseTable = std::array<std::pair<Enum, std::string_view>, count>;
 
 template <>
 struct CasesOf<CursorMode> {
@@ -55,9 +55,13 @@ struct CasesOf<AppLanguage> {
 };
 
 template <typename Enum>
-constexpr std::array<Enum, 3> allCases() {
-    const auto& table = CasesOf<Enum>::table;
-    return {table[0].first, table[1].first, table[2].first};
+constexpr auto allCases() {
+    constexpr auto& table = CasesOf<Enum>::table;
+    std::array<Enum, table.size()> cases{};
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        cases[i] = table[i].first;
+    }
+    return cases;
 }
 
 template <typename Enum>

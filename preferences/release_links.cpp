@@ -5,7 +5,6 @@
 #include <QString>
 #include <QUrl>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <fstream>
@@ -15,7 +14,7 @@ namespace vantrel {
 
 namespace {
 
-// Three links need less than one kilobyte; the bound keeps what a damaged file can unfold to small.
+// Three links need less than one kilobyte.
 constexpr std::size_t maximumFileSize = 1 << 14;
 
 using PropertyList = std::unique_ptr<void, decltype(&plist_free)>;
@@ -34,46 +33,11 @@ std::string contentsOf(const std::filesystem::path& path) {
     return bytes;
 }
 
-std::uint64_t bigEndian(std::string_view bytes) {
-    std::uint64_t value = 0;
-    for (const char byte : bytes) {
-        value = value << 8 | static_cast<unsigned char>(byte);
-    }
-    return value;
-}
-
-// Whether no object of a binary property list but one holds others. A list that nests shared
-// objects unfolds without bound when it is read, and no usable configuration nests any.
-bool isFlat(std::string_view bytes) {
-    constexpr std::size_t trailerSize = 32;
-    constexpr unsigned char firstContainer = 0xA0;
-    if (bytes.size() < trailerSize) {
-        return false;
-    }
-    const auto trailer = bytes.substr(bytes.size() - trailerSize);
-    const auto offsetSize = bigEndian(trailer.substr(6, 1));
-    const auto count = bigEndian(trailer.substr(8, 8));
-    const auto table = bigEndian(trailer.substr(24, 8));
-    if (count > bytes.size() || table > bytes.size()) {
-        return false;
-    }
-    int containers = 0;
-    for (std::uint64_t index = 0; index < count; ++index) {
-        const auto entry = std::min<std::uint64_t>(table + index * offsetSize, bytes.size());
-        const auto offset = bigEndian(bytes.substr(entry, offsetSize));
-        if (offset >= bytes.size()) {
-            return false;
-        }
-        containers += static_cast<unsigned char>(bytes[offset]) >= firstContainer ? 1 : 0;
-    }
-    return containers <= 1;
-}
-
 PropertyList parse(std::string_view bytes) {
     plist_t root = nullptr;
     const auto size = static_cast<std::uint32_t>(bytes.size());
-    const bool binary = plist_is_binary(bytes.data(), size) != 0;
-    if (bytes.size() <= maximumFileSize && (!binary || isFlat(bytes))) {
+    if (bytes.size() <= maximumFileSize) {
+        const bool binary = plist_is_binary(bytes.data(), size) != 0;
         // By its kind: plist_from_memory takes other arguments from one version to the next.
         (binary ? &plist_from_bin : &plist_from_xml)(bytes.data(), size, &root);
     }

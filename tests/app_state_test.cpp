@@ -93,24 +93,20 @@ TEST_F(AppStateTest, SeesClicksOnlyWhereTheyMatter) {
     EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
 }
 
-TEST_F(AppStateTest, SaysThatClicksCannotBeSeenUntilTheyCanOrNeedNot) {
-    EXPECT_FALSE(state->clickAvailable().get());
-    state->startUp();
-    EXPECT_TRUE(state->clickAvailable().get());
-    desktop.eventMonitors.refusesLocal = true;
+TEST_F(AppStateTest, ShowsEachChangeAtOnceAndTheClicksThatAreWanted) {
     state->setMode(CursorMode::highlight);
-    EXPECT_FALSE(state->clickAvailable().get());
-    desktop.eventMonitors.refusesLocal = false;
-    state->apply();
-    EXPECT_TRUE(state->clickAvailable().get());
-    EXPECT_TRUE(monitorsClicks());
-}
-
-TEST_F(AppStateTest, DrawsTheClicksThatItSees) {
-    state->setMode(CursorMode::highlight);
-    desktop.eventMonitors.send({EventType::leftMouseDown, {400, 300}});
     const auto& layers = desktop.overlayWindows.windows()[0]->rootLayer()->sublayers();
+    change([](AppPreferences& preferences) {
+        preferences.highlight.diameter = 100;
+        preferences.click.right = false;
+    });
+    EXPECT_GT(layers[0]->bounds().width, 99);
+    desktop.eventMonitors.send({EventType::rightMouseDown, {400, 300}});
+    EXPECT_EQ(layers.size(), 1U);
+    desktop.eventMonitors.send({EventType::leftMouseDown, {400, 300}});
     EXPECT_EQ(layers.size(), 2U);
+    state->suspend();
+    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
 }
 
 TEST_F(AppStateTest, SavesOnceAfterTheLastOfManyChanges) {
@@ -159,24 +155,6 @@ TEST_F(AppStateTest, BringsTheLastModeBackInTheNextRun) {
     EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
 }
 
-TEST_F(AppStateTest, TellsWhatIsWrongWithTheShortcuts) {
-    const auto error = [this] { return state->hotkeyError().get(); };
-    EXPECT_EQ(error(), std::nullopt);
-    change([](AppPreferences& preferences) {
-        preferences.laserShortcut = Shortcut{4, 6144, "another text"};
-    });
-    EXPECT_EQ(error(), "duplicate");
-    EXPECT_TRUE(desktop.hotKeys.registered().empty());
-    desktop.hotKeys.heldByOthers = {controlOptionH};
-    change(
-        [](AppPreferences& preferences) { preferences.laserShortcut = Shortcut::defaultLaser(); });
-    EXPECT_EQ(error(), "registration");
-    EXPECT_TRUE(desktop.hotKeys.press(controlOptionL));
-    EXPECT_EQ(state->mode().get(), CursorMode::laser);
-    change([](AppPreferences& preferences) { preferences.highlightShortcut.reset(); });
-    EXPECT_EQ(error(), std::nullopt);
-}
-
 TEST_F(AppStateTest, TakesTheLoginItemAsItIs) {
     desktop.loginItem.current = LoginItemStatus::enabled;
     state->startUp();
@@ -211,41 +189,12 @@ TEST_F(AppStateTest, ReportsWhatBecameOfTheLoginItem) {
     EXPECT_EQ(message(), "无法修改登录启动状态。请从已安装的应用运行并重试。");
 }
 
-TEST_F(AppStateTest, ResetsEverything) {
-    state->setMode(CursorMode::laser);
-    change([](AppPreferences& preferences) {
-        preferences.laser.diameter = 20;
-        preferences.laserShortcut.reset();
-    });
-    const int changes = desktop.loginItem.changes;
-    state->resetPreferences();
-    EXPECT_EQ(state->mode().get(), CursorMode::off);
-    EXPECT_EQ(state->preferences().get(), AppPreferences());
-    EXPECT_EQ(desktop.loginItem.changes, changes + 1);
-    EXPECT_EQ(desktop.hotKeys.registered(), (std::vector{controlOptionH, controlOptionL}));
-}
-
 TEST_F(AppStateTest, TellsObserversOfEveryAssignment) {
     std::vector<CursorMode> modes;
     const auto observer = state->mode().observe([&](CursorMode mode) { modes.push_back(mode); });
     state->setMode(CursorMode::laser);
     state->setMode(CursorMode::laser);
     EXPECT_EQ(modes, (std::vector{CursorMode::off, CursorMode::laser, CursorMode::laser}));
-}
-
-TEST_F(AppStateTest, NamesModesInTheLanguageOfTheMoment) {
-    EXPECT_EQ(state->title(CursorMode::laser), "Laser");
-    desktop.locale.languages = {"zh_CN"};
-    EXPECT_EQ(state->title(CursorMode::laser), "激光");
-    EXPECT_EQ(state->title(CursorMode::off), "关闭");
-    change([](AppPreferences& preferences) { preferences.language = AppLanguage::english; });
-    EXPECT_EQ(state->title(CursorMode::highlight), "Highlight");
-}
-
-TEST_F(AppStateTest, ShowsTheHelpInsteadOfALinkThatIsNotThere) {
-    state->openLink(ReleaseLink::terms);
-    EXPECT_EQ(opened, std::vector{AppWindow::help});
-    EXPECT_TRUE(desktop.workspace.opened.empty());
 }
 
 TEST_F(AppStateTest, ShowsTheHelpWhereNothingOpensALink) {
@@ -258,6 +207,18 @@ TEST_F(AppStateTest, ShowsTheHelpWhereNothingOpensALink) {
     desktop.workspace.opensUrls = false;
     state->openLink(ReleaseLink::terms);
     EXPECT_EQ(opened, std::vector{AppWindow::help});
+}
+
+TEST(SettingsTab, HasItsNameAndNoOther) {
+    const std::vector<std::string_view> names{"appearance", "effects", "controls", "general",
+                                              "about"};
+    ASSERT_EQ(allCases<SettingsTab>().size(), names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(caseNamed<SettingsTab>(names[i]), allCases<SettingsTab>()[i]);
+    }
+    for (const auto* other : {"", "About", "about ", "help"}) {
+        EXPECT_EQ(caseNamed<SettingsTab>(other), std::nullopt) << other;
+    }
 }
 
 } // namespace

@@ -83,9 +83,9 @@ protected:
             state.setMode(mode);
             open<MenuPanel>();
             visit("panel in " + std::string(nameOf(mode)));
-            for (std::size_t tab = 0; tab < settingsTabNames.size(); ++tab) {
-                openSettings(static_cast<SettingsTab>(tab));
-                visit(std::string(settingsTabNames[tab]) + " in " + std::string(nameOf(mode)));
+            for (const auto tab : allCases<SettingsTab>()) {
+                openSettings(tab);
+                visit(std::string(nameOf(tab)) + " in " + std::string(nameOf(mode)));
             }
         }
     }

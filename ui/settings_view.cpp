@@ -29,7 +29,7 @@ struct Tab {
 };
 
 // In the order of SettingsTab.
-constexpr std::array<Tab, settingsTabNames.size()> tabs{{
+constexpr std::array<Tab, allCases<SettingsTab>().size()> tabs{{
     {{"Appearance", "外观"},
      "sun.max",
      {"Choose a clear style that makes your cursor easy to follow.",

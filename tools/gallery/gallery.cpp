@@ -255,13 +255,13 @@ bool prepare(const QCommandLineParser& options, headless::Desktop& desktop, AppS
     const auto value = [&](const char* name) { return options.value(text(name)).toStdString(); };
     const auto language = caseNamed<AppLanguage>(value("language"));
     const auto mode = caseNamed<CursorMode>(value("mode"));
-    const auto* tab = std::ranges::find(settingsTabNames, value("tab"));
-    if (!language || !mode || tab == settingsTabNames.end()) {
+    const auto tab = caseNamed<SettingsTab>(value("tab"));
+    if (!language || !mode || !tab) {
         return false;
     }
     const GlobalRect frame{0, 0, 1920, options.value(text("screen")).toDouble()};
     desktop.screens.set({{.frame = frame, .visibleFrame = frame}});
-    state.selectTab(static_cast<SettingsTab>(tab - settingsTabNames.begin()));
+    state.selectTab(*tab);
     state.changePreferences([&](AppPreferences& preferences) {
         preferences.language = *language;
         preferences.highlight.idleHide = options.isSet(text("idle"));
