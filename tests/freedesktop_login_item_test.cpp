@@ -76,7 +76,7 @@ TEST_F(Autostart, IsReadAsDesktopsReadIt) {
         {"Hidden[de]=true\nExec[de]=other\n", enabled},
         {"X-GNOME-Autostart-enabled=false\n", requiresApproval},
         {"X-GNOME-Autostart-enabled=true\n", enabled},
-        {"X-MATE-Autostart-enabled=false\n", requiresApproval},
+        {"X-MATE-Autostart-enabled=false\n", enabled},
         {"OnlyShowIn=KDE;LXQt;\n", requiresApproval},
         {"OnlyShowIn=KDE;GNOME;\n", enabled},
         {"NotShowIn=GNOME\n", requiresApproval},
@@ -103,7 +103,10 @@ TEST_F(Autostart, IsReadRightHoweverItIsWritten) {
         {"[Desktop Entry]\nType=Application\nExec=\"@\" \"a b\"\n", enabled},
         {"[Desktop Entry]\nType=Application\nExec='@'\n", enabled},
         {"[Desktop Entry]\nType=Application\nExec=env A=1 B=\"2 3\" @\n", enabled},
-        {"[Desktop Entry]\nType=Application\nExec=/usr/bin/env @\n", enabled},
+        {"[Desktop Entry]\nType=Application\nExec=/usr/bin/env -u A @\n", enabled},
+        {"[Desktop Entry]\nType=Application\nExec=nice @\n", enabled},
+        {"[Desktop Entry]\nType=Application\nExec=sh -c \"sleep 5;vantrel&\"\n", enabled},
+        {"[Desktop Entry]\nType=Application\nExec=sh -c \"sleep vantrels\"\n", notRegistered},
         {"[Desktop Entry]\nType=Application\nExec=vantrel\n", enabled},
         {"[Desktop Entry]\nType=Application\nExec=\"@\n", notRegistered},
         {"[Desktop Entry]\nType=Application\nExec=\n", notRegistered},
@@ -114,7 +117,7 @@ TEST_F(Autostart, IsReadRightHoweverItIsWritten) {
         {"[Desktop Entry]\rType=Application\rExec=@\r", notRegistered},
         {"Type=Application\nExec=@\n", notRegistered},
         {"", notRegistered},
-        {"\xFF\xFE[\0D", notRegistered},
+        {"\xFF\xFE[D", notRegistered},
     });
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(statusWith(text), expected) << text;
@@ -175,10 +178,14 @@ TEST_F(Autostart, StartsAProgramWithAnyName) {
 TEST_F(Autostart, ThatIsSwitchedOffStaysAsItIs) {
     const std::string base = "[Desktop Entry]\r\nType=Application\nExec=@\n";
     for (const std::string off :
-         {"Hidden=true", "X-GNOME-Autostart-enabled=false\n", "OnlyShowIn=KDE;\n"}) {
+         {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n", "OnlyShowIn=KDE;\n"}) {
         ASSERT_EQ(statusWith(base + off), requiresApproval);
         EXPECT_TRUE(item.register_());
         EXPECT_TRUE(item.unregister());
+        EXPECT_EQ(item.status(), notRegistered);
+        EXPECT_TRUE(item.unregister());
+        EXPECT_TRUE(item.register_());
+        EXPECT_EQ(item.status(), requiresApproval);
         EXPECT_EQ(contentOf(userFile), withProgram(base + off));
     }
 }

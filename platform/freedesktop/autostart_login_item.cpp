@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iterator>
 #include <sstream>
 #include <sys/stat.h>
 #include <utility>
@@ -19,9 +20,19 @@ namespace {
 
 constexpr std::string_view fileName = "vantrel.desktop";
 constexpr std::string_view hidden = "Hidden";
-constexpr std::string_view hiddenByUnregistering = "X-Vantrel-Unregistered";
-constexpr std::array<std::string_view, 2> enabledFlags{"X-GNOME-Autostart-enabled",
-                                                       "X-MATE-Autostart-enabled"};
+// The mark that unregistering leaves, and what else it changed.
+constexpr std::string_view unregistered = "X-Vantrel-Unregistered";
+constexpr std::string_view byHiding = "true";
+constexpr std::string_view asItWas = "switched-off-before";
+
+// A key by which some desktops switch an entry off.
+struct EnabledFlag {
+    std::string_view key;
+    std::array<std::string_view, 4> desktops;
+};
+constexpr std::array enabledFlags{
+    EnabledFlag{"X-GNOME-Autostart-enabled", {"GNOME", "Unity", "Pantheon", "X-Cinnamon"}},
+    EnabledFlag{"X-MATE-Autostart-enabled", {"MATE"}}};
 constexpr mode_t readableByAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
 
 std::vector<std::filesystem::path> below(std::vector<std::filesystem::path> directories,
@@ -67,19 +78,21 @@ std::filesystem::path findProgram(const std::string& name) {
     return QFile::encodeName(found).toStdString();
 }
 
-// The program that an Exec line names, past an "env NAME=value" in front of it; empty for none.
-std::string programOf(const DesktopEntry& entry) {
+// What an Exec line names that could be the program it starts: through env, nice or a line of
+// shell, that is any of its words.
+std::vector<std::string> programsOf(const DesktopEntry& entry) {
+    std::vector<std::string> programs;
     const auto words = splitCommand(entry.string("Exec").value_or(""));
-    if (!words || words->empty()) {
-        return {};
+    for (auto word : words.value_or(std::vector<std::string>())) {
+        programs.push_back(word);
+        std::ranges::replace_if(
+            word,
+            [](char c) { return std::string_view(";&|()").find(c) != std::string_view::npos; },
+            ' ');
+        std::istringstream pieces(word);
+        programs.insert(programs.end(), std::istream_iterator<std::string>(pieces), {});
     }
-    auto word = words->begin();
-    if (std::filesystem::path(*word).filename() == "env") {
-        word = std::find_if(word + 1, words->end(), [](const std::string& argument) {
-            return argument.find('=') == std::string::npos;
-        });
-    }
-    return word != words->end() ? *word : std::string();
+    return programs;
 }
 
 bool canBeTried(const DesktopEntry& entry) {
@@ -87,12 +100,21 @@ bool canBeTried(const DesktopEntry& entry) {
     return !program || program->empty() || !findProgram(*program).empty();
 }
 
+// The desktop that runs, then those that it is like.
+std::vector<std::string> currentDesktops() {
+    std::vector<std::string> names;
+    const char* current = std::getenv("XDG_CURRENT_DESKTOP");
+    std::istringstream list(current != nullptr ? current : "");
+    for (std::string name; std::getline(list, name, ':');) {
+        names.push_back(name);
+    }
+    return names;
+}
+
 bool isForCurrentDesktop(const DesktopEntry& entry) {
     const auto only = entry.list("OnlyShowIn");
     const auto never = entry.list("NotShowIn");
-    const char* current = std::getenv("XDG_CURRENT_DESKTOP");
-    std::istringstream desktops(current != nullptr ? current : "");
-    for (std::string desktop; std::getline(desktops, desktop, ':');) {
+    for (const auto& desktop : currentDesktops()) {
         if (std::ranges::find(only, desktop) != only.end()) {
             return true;
         }
@@ -104,8 +126,12 @@ bool isForCurrentDesktop(const DesktopEntry& entry) {
 }
 
 bool isSwitchedOff(const DesktopEntry& entry) {
-    return std::ranges::any_of(enabledFlags,
-                               [&](std::string_view flag) { return !entry.boolean(flag, true); });
+    return std::ranges::any_of(enabledFlags, [&](const EnabledFlag& flag) {
+        return !entry.boolean(flag.key, true) &&
+               std::ranges::any_of(currentDesktops(), [&](const std::string& desktop) {
+                   return std::ranges::find(flag.desktops, desktop) != flag.desktops.end();
+               });
+    });
 }
 
 std::string newEntry(const std::string& program) {
@@ -154,9 +180,11 @@ bool AutostartLoginItem::register_() {
         return write(path, newEntry(*program)) && isRegistered();
     }
     DesktopEntry entry = readEntry(path);
-    if (entry.boolean(hiddenByUnregistering, false)) {
-        entry.remove(hidden);
-        entry.remove(hiddenByUnregistering);
+    if (const auto mark = entry.string(unregistered)) {
+        if (*mark == byHiding) {
+            entry.remove(hidden);
+        }
+        entry.remove(unregistered);
     }
     if (statusOf(entry) == LoginItemStatus::notRegistered) {
         if (!mayTakeOver(entry)) {
@@ -169,7 +197,8 @@ bool AutostartLoginItem::register_() {
 }
 
 bool AutostartLoginItem::unregister() {
-    if (status() != LoginItemStatus::enabled) {
+    const auto current = status();
+    if (current != LoginItemStatus::enabled && current != LoginItemStatus::requiresApproval) {
         return true;
     }
     const auto path = userEntry();
@@ -179,43 +208,56 @@ bool AutostartLoginItem::unregister() {
         return std::filesystem::remove(path, error);
     }
     DesktopEntry entry = readEntry(*effectiveEntry());
-    entry.set(hidden, "true");
-    entry.set(hiddenByUnregistering, "true");
+    const bool hides = current == LoginItemStatus::enabled;
+    if (hides) {
+        entry.set(hidden, "true");
+    }
+    entry.set(unregistered, hides ? byHiding : asItWas);
     return write(path, entry.text());
 }
 
 // The path by which the installed desktop entry starts this executable.
 std::optional<std::string> AutostartLoginItem::installedProgram() const {
     for (const auto& path : below(dataDirectories(), "applications")) {
-        if (const DesktopEntry entry = readEntry(path); starts(entry)) {
-            return findProgram(programOf(entry)).string();
+        if (const auto program = programStartedBy(readEntry(path))) {
+            return program;
         }
     }
     return std::nullopt;
 }
 
-bool AutostartLoginItem::starts(const DesktopEntry& entry) const {
-    std::error_code missing;
-    return entry.string("Type") == "Application" && canBeTried(entry) &&
-           std::filesystem::equivalent(findProgram(programOf(entry)), executable_, missing);
+std::optional<std::string> AutostartLoginItem::programStartedBy(const DesktopEntry& entry) const {
+    if (entry.string("Type") != "Application" || !canBeTried(entry)) {
+        return std::nullopt;
+    }
+    for (const auto& name : programsOf(entry)) {
+        std::error_code missing;
+        const auto program = findProgram(name);
+        if (std::filesystem::equivalent(program, executable_, missing)) {
+            return program.string();
+        }
+    }
+    return std::nullopt;
 }
 
 LoginItemStatus AutostartLoginItem::statusOf(const DesktopEntry& entry) const {
-    if (entry.boolean(hidden, false)) {
-        return entry.boolean(hiddenByUnregistering, false) ? LoginItemStatus::notRegistered
-                                                           : LoginItemStatus::requiresApproval;
-    }
-    if (!starts(entry)) {
+    const bool isHidden = entry.boolean(hidden, false);
+    if (!isHidden && !programStartedBy(entry)) {
         return LoginItemStatus::notRegistered;
     }
-    return isSwitchedOff(entry) || !isForCurrentDesktop(entry) ? LoginItemStatus::requiresApproval
-                                                               : LoginItemStatus::enabled;
+    if (!isHidden && !isSwitchedOff(entry) && isForCurrentDesktop(entry)) {
+        return LoginItemStatus::enabled;
+    }
+    return entry.string(unregistered) ? LoginItemStatus::notRegistered
+                                      : LoginItemStatus::requiresApproval;
 }
 
 // Whether the entry meant this program where it was before, so that its command may be put right.
 bool AutostartLoginItem::mayTakeOver(const DesktopEntry& entry) const {
     return entry.string("Type") == "Application" &&
-           std::filesystem::path(programOf(entry)).filename() == executable_.filename();
+           std::ranges::any_of(programsOf(entry), [this](const std::string& name) {
+               return std::filesystem::path(name).filename() == executable_.filename();
+           });
 }
 
 bool AutostartLoginItem::isRegistered() const {

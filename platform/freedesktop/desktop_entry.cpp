@@ -72,7 +72,7 @@ std::vector<DesktopEntry::Line> DesktopEntry::mainGroup() const {
         const auto equals = line.find('=');
         if (line.starts_with('[')) {
             inside = line == mainGroupName;
-        } else if (inside && equals != std::string_view::npos && !line.starts_with('#')) {
+        } else if (inside && equals != std::string_view::npos) {
             group.push_back({i, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1))});
         }
     }
