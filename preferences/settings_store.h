@@ -3,9 +3,17 @@
 #include "platform/user_defaults.h"
 #include "preferences/preferences.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace vantrel {
+
+// Where the user's defaults hold the preferences.
+inline constexpr std::string_view preferencesKey = "Vantrel.preferences.v1";
+
+// The preferences of a stored document, brought into their bounds. Nothing when it is not usable.
+[[nodiscard]] std::optional<AppPreferences> usablePreferences(std::string_view document);
 
 // Keeps the preferences between runs, as one document under one key of the user's defaults.
 class SettingsStore {

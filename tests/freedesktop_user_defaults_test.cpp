@@ -5,12 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <csignal>
 #include <fcntl.h>
-#include <random>
+#include <future>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -101,7 +99,8 @@ TEST_F(UserDefaultsFiles, RefuseKeysThatLeaveTheFolder) {
     std::filesystem::create_directories(folder);
     FileUserDefaults defaults(folder);
     using namespace std::string_view_literals;
-    for (const auto bad : {""sv, "."sv, ".."sv, "../secret"sv, "a/b"sv, "/etc/passwd"sv,
+    const std::string absolute = home / "config/secret";
+    for (const auto bad : {""sv, "."sv, ".."sv, "../secret"sv, "a/b"sv, std::string_view(absolute),
                            ".hidden"sv, "nul\0byte"sv}) {
         defaults.setData(bad, "overwritten");
         EXPECT_EQ(defaults.data(bad), std::nullopt) << bad;
@@ -131,25 +130,100 @@ TEST_F(UserDefaultsFiles, SurviveWhatStandsInTheirPlace) {
     std::filesystem::create_directories(file);
     std::filesystem::create_symlink("loop", folder / "loop");
     mkfifo((folder / "pipe").c_str(), 0600);
+    std::filesystem::create_symlink("pipe", folder / "link");
     FileUserDefaults defaults(folder);
     EXPECT_EQ(defaults.data(key), std::nullopt);
     EXPECT_EQ(defaults.data("loop"), std::nullopt);
     EXPECT_EQ(defaults.data("pipe"), std::nullopt);
     defaults.setData(key, "bytes");
-    defaults.setData("loop", "bytes");
+    for (const char* other : {"loop", "link", "pipe"}) {
+        defaults.setData(other, "bytes");
+    }
     defaults.flush();
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
     EXPECT_TRUE(std::filesystem::is_directory(file));
-    EXPECT_THAT(namesIn(folder), ElementsAre(key, "loop", "pipe"));
+    EXPECT_THAT(namesIn(folder), ElementsAre(key, "link", "loop", "pipe"));
 }
 
-TEST_F(UserDefaultsFiles, ComeBackAfterTheFolderHasVanished) {
+TEST_F(UserDefaultsFiles, ThatCouldNotBeWrittenAreWrittenByTheNextSave) {
+    putFile(home / "config", "not a folder");
     FileUserDefaults defaults(folder);
-    defaults.setData(key, "first");
+    defaults.setData(key, "bytes");
     defaults.flush();
-    std::filesystem::remove_all(home / "config");
-    defaults.setData(key, "second");
+    std::filesystem::remove(home / "config");
+    defaults.setData(key, "bytes");
     defaults.flush();
-    EXPECT_EQ(contentOf(file), "second");
+    EXPECT_EQ(contentOf(file), "bytes");
+}
+
+TEST_F(UserDefaultsFiles, AreNotUndoneByAProgramThatChangedNothing) {
+    putFile(file, "old");
+    FileUserDefaults mine(folder);
+    FileUserDefaults theirs(folder);
+    for (auto* defaults : {&mine, &theirs}) {
+        EXPECT_EQ(defaults->data(key), "old");
+        EXPECT_EQ(defaults->data("absent"), std::nullopt);
+        defaults->countAs("absent", "default");
+    }
+    const auto set = [](FileUserDefaults& defaults, std::string_view name, const char* bytes) {
+        defaults.setData(name, bytes);
+        defaults.flush();
+    };
+    set(theirs, key, "theirs");
+    set(mine, key, "old");
+    EXPECT_EQ(contentOf(file), "theirs");
+    set(theirs, "absent", "theirs");
+    set(mine, "absent", "default");
+    EXPECT_EQ(contentOf(folder / "absent"), "theirs");
+    set(mine, key, "mine");
+    set(theirs, key, "theirs");
+    EXPECT_EQ(contentOf(file), "mine") << "what one has changed";
+    set(mine, "new", "default");
+    EXPECT_EQ(contentOf(folder / "new"), "default");
+}
+
+TEST_F(UserDefaultsFiles, AreKeptWhenTheyAreOfNoUse) {
+    const std::string aside = std::string(key) + ".unusable";
+    for (const std::string bytes : {"first", "second"}) {
+        putFile(file, bytes);
+        FileUserDefaults defaults(folder);
+        EXPECT_EQ(defaults.data(key), bytes);
+        defaults.keepUnusable(key);
+        defaults.countAs(key, "default");
+        for (const char* next : {"default", "changed"}) {
+            defaults.setData(key, next);
+            defaults.flush();
+            EXPECT_EQ(contentOf(file), next);
+        }
+    }
+    EXPECT_EQ(contentOf(folder / aside), "first");
+    EXPECT_EQ(contentOf(folder / (aside + "-2")), "second");
+    EXPECT_THAT(namesIn(folder), ElementsAre(key, aside, aside + "-2"));
+}
+
+TEST_F(UserDefaultsFiles, AreKeptWhenTheyCannotBeRead) {
+    constexpr uid_t nobody = 65534;
+    putFile(file, "secret");
+    std::filesystem::permissions(file, std::filesystem::perms::none);
+    const bool isRoot = geteuid() == 0;
+    for (const auto& above : {home.path(), home / "config", folder}) {
+        ASSERT_TRUE(!isRoot || chown(above.c_str(), nobody, nobody) == 0);
+    }
+    EXPECT_EQ(exitCodeOf([&] {
+                  if (isRoot && seteuid(nobody) != 0) {
+                      return 2;
+                  }
+                  FileUserDefaults defaults(folder);
+                  const bool read = defaults.data(key).has_value();
+                  defaults.setData(key, "new");
+                  defaults.flush();
+                  return read ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(contentOf(file), "new");
+    const auto aside = folder / (std::string(key) + ".unusable");
+    std::filesystem::permissions(aside, std::filesystem::perms::owner_read);
+    EXPECT_EQ(contentOf(aside), "secret");
 }
 
 TEST_F(UserDefaultsFiles, KeepTheFormerDocumentOnAFullDisk) {
@@ -168,29 +242,6 @@ TEST_F(UserDefaultsFiles, KeepTheFormerDocumentOnAFullDisk) {
         << "the running program goes on with what was set";
     EXPECT_EQ(contentOf(file), "former");
     EXPECT_THAT(namesIn(folder), ElementsAre(key));
-}
-
-TEST_F(UserDefaultsFiles, KeepTheFormerDocumentInAFolderThatCannotBeWritten) {
-    save("former");
-    std::filesystem::permissions(home.path(), std::filesystem::perms{0755});
-    std::filesystem::permissions(home / "config", std::filesystem::perms{0755});
-    std::filesystem::permissions(folder, std::filesystem::perms{0555});
-    std::filesystem::permissions(file, std::filesystem::perms{0644});
-    EXPECT_EQ(exitCodeOf([&] {
-                  constexpr uid_t nobody = 65534;
-                  if (geteuid() == 0 && seteuid(nobody) != 0) {
-                      return 2;
-                  }
-                  FileUserDefaults defaults(folder);
-                  const bool read = defaults.data(key) == "former";
-                  defaults.setData(key, "new");
-                  defaults.flush();
-                  return read ? 0 : 1;
-              }),
-              0);
-    EXPECT_EQ(contentOf(file), "former");
-    EXPECT_THAT(namesIn(folder), ElementsAre(key));
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
 }
 
 TEST_F(UserDefaultsFiles, TakeOverWhatAKilledRunLeft) {
@@ -214,8 +265,10 @@ TEST_F(UserDefaultsFiles, OnASlowDiskNeitherHoldUpTheCallerNorHideTheNewestValue
     }
     EXPECT_EQ(contentOf(file), "old");
 
+    auto flushed = std::async([&defaults] { return defaults.flush(); });
+    EXPECT_EQ(flushed.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     close(slowDisk);
-    defaults.flush();
+    EXPECT_TRUE(flushed.get());
     EXPECT_EQ(contentOf(file), "newest");
 }
 
@@ -236,57 +289,6 @@ TEST_F(UserDefaultsFiles, OfTwoProgramsAtOnceAreAlwaysTheWholeDocumentOfOne) {
         EXPECT_TRUE(found == mine || found == theirs) << found->size();
     }
     EXPECT_THAT(namesIn(folder), ElementsAre(key));
-}
-
-// Document number n, told from every other by its number and its length.
-std::string documentNumber(std::uint64_t number) {
-    return std::string(100 + number * 7919 % 20'000, 'x') + std::to_string(number);
-}
-
-// Saves one document after the other and says which ones are known to be on disk.
-[[noreturn]] void saveForEver(const path& folder, std::uint64_t number,
-                              std::atomic<std::uint64_t>& saved) {
-    FileUserDefaults defaults(folder);
-    while (true) {
-        defaults.setData(key, documentNumber(++number));
-        defaults.flush();
-        saved = number;
-    }
-}
-
-// VANTREL_KILLS asks for another number of rounds.
-TEST_F(UserDefaultsFiles, KilledWhileSavingAreTheFormerDocumentOrTheNewOne) {
-    const char* asked = std::getenv("VANTREL_KILLS");
-    const int rounds = asked != nullptr ? std::atoi(asked) : 100;
-    void* memory = mmap(nullptr, sizeof(std::atomic<std::uint64_t>), PROT_READ | PROT_WRITE,
-                        MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto& saved = *new (memory) std::atomic<std::uint64_t>(0);
-    std::minstd_rand random(1);
-    save(documentNumber(0));
-    int torn = 0;
-    for (int round = 0; round < rounds; ++round) {
-        const std::uint64_t before = saved;
-        const pid_t writer = fork();
-        if (writer == 0) {
-            saveForEver(folder, before, saved);
-        }
-        while (saved == before) {
-            sched_yield();
-        }
-        usleep(static_cast<useconds_t>(random() % 3000));
-        kill(writer, SIGKILL);
-        waitpid(writer, nullptr, 0);
-
-        const std::uint64_t known = saved;
-        const std::string found = contentOf(file);
-        ASSERT_TRUE(found == documentNumber(known) || found == documentNumber(known + 1))
-            << "round " << round << ", document " << known << ", " << found.size() << " bytes";
-        torn += namesIn(folder).size() > 1 ? 1 : 0;
-        ASSERT_LE(namesIn(folder).size(), 2U) << "leftovers pile up";
-        saved = found == documentNumber(known) ? known : known + 1;
-    }
-    EXPECT_GT(torn, 0) << "no round was killed in the middle of a save";
-    munmap(memory, sizeof(std::atomic<std::uint64_t>));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -18,8 +19,11 @@ namespace vantrel {
 // A disk can take longer over a save than a frame lasts, and nothing that is drawn may wait for it.
 // So a value that is set is remembered, handed to one writer thread and at once visible to every
 // later read; of the values that come for a key while the disk is busy only the newest is written.
-// All operations are called from one thread; the writer touches nothing but the values handed to
-// it.
+// All operations are called from one thread.
+//
+// Several programs may share the folder. A value that this one leaves as it was is not written over
+// what another one has stored since. What the program cannot use, or not even read, is kept beside
+// the value that replaces it.
 class FileUserDefaults final : public UserDefaults {
 public:
     // "vantrel" below $XDG_CONFIG_HOME or ~/.config.
@@ -27,7 +31,8 @@ public:
 
     // The folder need not exist; it is made when a value is written.
     explicit FileUserDefaults(std::filesystem::path folder = userFolder());
-    // What was set is on disk afterwards, as far as the disk takes it.
+    // What was set is on disk afterwards, as far as the disk takes it. Waits for the disk without
+    // an end.
     ~FileUserDefaults() override;
     FileUserDefaults(const FileUserDefaults&) = delete;
     FileUserDefaults& operator=(const FileUserDefaults&) = delete;
@@ -38,20 +43,43 @@ public:
     [[nodiscard]] bool boolean(std::string_view key) const override;
     void setBoolean(std::string_view key, bool value) override;
 
-    // Waits until everything that was set is on disk, or known not to get there.
-    void flush();
+    void countAs(std::string_view key, std::string_view bytes) override;
+    void keepUnusable(std::string_view key) override;
+
+    // Waits until everything that was set is on disk, or known not to get there. False when it
+    // still was not after four seconds.
+    bool flush();
 
 private:
-    using Values = std::map<std::string, std::string, std::less<>>;
+    template <typename T>
+    using ByKey = std::map<std::string, T, std::less<>>;
+
+    // What this run goes by.
+    struct Value {
+        std::string bytes;
+        bool set = false; // by this run, and not only read
+    };
+    struct Write {
+        std::string bytes;
+        bool changes = false;
+    };
+    // What was stored when it was last read or written.
+    struct Found {
+        std::optional<std::string> bytes;
+        bool unusable = false;
+    };
 
     void writeUntil(const std::stop_token& stop);
+    [[nodiscard]] bool store(const std::filesystem::path& path, const Write& write,
+                             const Found& found) const;
 
     std::filesystem::path folder_;
-    Values set_; // by this run
+    mutable ByKey<Value> values_;
 
-    std::mutex mutex_; // for what follows
+    mutable std::mutex mutex_; // for what follows
     std::condition_variable_any changed_;
-    Values pending_;
+    mutable ByKey<Found> found_;
+    ByKey<Write> pending_;
     bool writing_ = false;
 
     std::jthread writer_;

@@ -3,6 +3,9 @@
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -11,7 +14,9 @@
 namespace vantrel {
 namespace {
 
-constexpr off_t longestFile = off_t{256} << 20;
+constexpr off_t longestFile = off_t{16} << 20;
+constexpr std::chrono::seconds lockTimeout(5);
+constexpr std::chrono::milliseconds lockInterval(10);
 constexpr int longestLinkChain = 40;
 
 std::optional<std::filesystem::path> followLinks(std::filesystem::path path) {
@@ -43,22 +48,31 @@ bool isOwn(const struct stat& file) {
     return S_ISREG(file.st_mode) && file.st_uid == geteuid() && file.st_nlink == 1;
 }
 
+// Whether it came in time.
+bool lock(int file) {
+    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(lockInterval);
+    }
+    return true;
+}
+
 // Locked, so that two running writers never mix their bytes.
 UniqueDescriptor openTemporary(int folder, const std::string& name) {
-    while (true) {
+    // Nobody is overtaken so often, but some file systems give a file another number each time.
+    constexpr int lastAttempt = 100;
+    for (int attempt = 1;; ++attempt) {
         UniqueDescriptor file(openat(folder, name.c_str(),
                                      O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
                                      S_IRUSR | S_IWUSR));
-        if (!file) {
-            return {};
-        }
-        while (flock(file.get(), LOCK_EX) != 0 && errno == EINTR) {
-        }
         struct stat status {};
-        if (fstat(file.get(), &status) != 0) {
+        if (!file || !lock(file.get()) || fstat(file.get(), &status) != 0) {
             return {};
         }
-        if (isNamed(folder, name, status)) {
+        if (isNamed(folder, name, status) || attempt == lastAttempt) {
             return isOwn(status) ? std::move(file) : UniqueDescriptor();
         }
     }
@@ -78,6 +92,26 @@ bool writeAll(int file, std::string_view bytes) {
 bool fill(int file, std::string_view bytes, mode_t mode) {
     return ftruncate(file, 0) == 0 && fchmod(file, mode) == 0 && writeAll(file, bytes) &&
            fsync(file) == 0;
+}
+
+std::string freeNameBeside(int folder, const std::string& name) {
+    std::string free = name + ".unusable";
+    for (int number = 2; faccessat(folder, free.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+         ++number) {
+        free = name + ".unusable-" + std::to_string(number);
+    }
+    return free;
+}
+
+// Whether the new file may take the place, which is free then or holds what may be replaced.
+bool makeRoom(int folder, const std::string& name, Former former) {
+    struct stat status {};
+    if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == ENOENT;
+    }
+    return S_ISREG(status.st_mode) &&
+           (former == Former::replaced ||
+            renameat(folder, name.c_str(), folder, freeNameBeside(folder, name).c_str()) == 0);
 }
 
 } // namespace
@@ -106,7 +140,8 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
     return bytes;
 }
 
-bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
+bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode,
+                 Former former) {
     const auto target = followLinks(path);
     if (!target) {
         return false;
@@ -119,7 +154,7 @@ bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode
     if (!temporary) {
         return false;
     }
-    if (!fill(temporary.get(), bytes, mode) ||
+    if (!fill(temporary.get(), bytes, mode) || !makeRoom(folder.get(), name, former) ||
         renameat(folder.get(), temporaryName.c_str(), folder.get(), name.c_str()) != 0) {
         unlinkat(folder.get(), temporaryName.c_str(), 0);
         return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -8,16 +9,23 @@
 
 namespace vantrel {
 
-// The content of a regular file; nothing when there is none or it is longer than 256 MiB.
+// The content of a regular file; nothing when there is none, it cannot be read, or it is longer
+// than 16 MiB.
 [[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& path);
+
+// What becomes of the former content: it goes, or stays beside the new one as "<name>.unusable", or
+// "<name>.unusable-2" and so on where there is one already.
+enum class Former : std::uint8_t { replaced, kept };
 
 // Makes the bytes the content of the file, in one step and durably: a reader, or a machine that
 // lost its power, finds either all of the former content or all of the new one. A symbolic link
-// stays and what it points to is replaced. False, and nothing changed, when that is not possible.
+// stays and what it points to is replaced. False, and nothing changed, when that is not possible,
+// and where something other than a file stands, such as a device.
 //
 // The bytes come through the file ".<name>.new" in the same folder. A run that was killed may leave
-// it behind; the next one takes it over.
-bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode);
+// it behind; the next one takes it over. A running writer is waited for, five seconds at most.
+bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode,
+                 Former former = Former::replaced);
 
 // Makes the folder and its parents where they are missing, open to nobody but the user. False when
 // there is no folder afterwards.

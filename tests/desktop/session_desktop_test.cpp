@@ -5,6 +5,7 @@
 #include "mock_login_manager.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include <fcntl.h>
@@ -22,15 +23,6 @@ protected:
     // Where the program writes a document before it takes the place of the former one.
     [[nodiscard]] fs::path unfinishedDocument() const {
         return configFolder() / ".Vantrel.preferences.v1.new";
-    }
-    void store(std::string_view bytes) const {
-        dismissWelcome();
-        std::ofstream(document()) << bytes;
-    }
-    // Otherwise its window covers the place that is looked at.
-    void dismissWelcome() const {
-        fs::create_directories(configFolder());
-        std::ofstream(configFolder() / "welcomeDismissed") << "true";
     }
     // Returns once the program, which shows nothing, has read what is stored and holds its
     // shortcuts.
@@ -79,47 +71,17 @@ TEST_F(SavedModeTest, IsWrittenAtOnceWhenASignalOrTheServerEndsTheProgram) {
     }
 }
 
-TEST_F(SavedModeTest, IsTheDefaultWhereNothingUsableIsStoredWhichStaysUntilTheNextSave) {
-    for (const std::string_view bytes : {"", "\xFF\xFE garbage", R"({"lastMode":"laser",)"}) {
-        store(bytes);
-        auto program = startAgainShowingNothing();
-        EXPECT_EQ(readFile(document()), bytes);
-        typeShortcut('h');
-        EXPECT_TRUE(shows("highlight"));
-        EXPECT_TRUE(stores("highlight")) << bytes;
-        EXPECT_EQ(program.terminate(), ExitStatus{.code = 0});
-        EXPECT_EQ(errors(), "");
-    }
-}
-
-TEST_F(SavedModeTest, IsLostAndNothingElseWhereItCannotBeStored) {
-    fs::create_directories(document() / "something");
-    dismissWelcome();
+TEST_F(SavedModeTest, IsTheDefaultWhereNothingUsableIsStoredWhichIsKept) {
+    constexpr std::string_view bytes = R"({"lastMode":"laser",)";
+    fs::create_directories(configFolder());
+    std::ofstream(configFolder() / "welcomeDismissed") << "true";
+    std::ofstream(document()) << bytes;
     auto program = startAgainShowingNothing();
-    typeShortcut('h');
-    EXPECT_TRUE(shows("highlight"));
-    typeShortcut('l');
-    EXPECT_TRUE(shows("laser"));
+    EXPECT_EQ(readFile(document()), bytes);
     EXPECT_EQ(program.terminate(), ExitStatus{.code = 0});
-    EXPECT_TRUE(fs::is_directory(document() / "something"));
-    EXPECT_FALSE(fs::exists(unfinishedDocument()));
+    EXPECT_EQ(storedMode(), "off");
+    EXPECT_EQ(readFile(document().string() + ".unusable"), bytes);
     EXPECT_EQ(errors(), "");
-}
-
-TEST_F(SavedModeTest, IsStoredAgainAfterARunThatWasKilled) {
-    auto killed = start();
-    ASSERT_TRUE(shows("highlight"));
-    typeShortcut('l');
-    ASSERT_TRUE(shows("laser"));
-    killed.signal(SIGKILL);
-    ASSERT_EQ(killed.wait(5s), ExitStatus{.signal = SIGKILL});
-    std::ofstream(unfinishedDocument()) << R"({"lastMode":"las)";
-
-    const auto program = startAgain();
-    EXPECT_TRUE(shows(storedMode()));
-    typeShortcut(storedMode() == "laser" ? 'h' : 'l');
-    EXPECT_TRUE(stores(storedMode() == "laser" ? "highlight" : "laser"));
-    EXPECT_FALSE(fs::exists(unfinishedDocument()));
 }
 
 // The program in a session that a login manager watches over.
@@ -143,9 +105,14 @@ protected:
         EXPECT_EQ(flock(file.get(), LOCK_EX), 0);
         return file;
     }
-    [[nodiscard]] static bool isHeldUp(const ChildProcess& program) {
-        const std::string waiting = "-> FLOCK  ADVISORY  WRITE " + std::to_string(program.pid());
-        return waitFor([&] { return readFile("/proc/locks").find(waiting) != std::string::npos; });
+    [[nodiscard]] bool isHeldUp(const ChildProcess& program) const {
+        const auto open = "/proc/" + std::to_string(program.pid()) + "/fd";
+        return waitFor([&] {
+            return std::ranges::any_of(fs::directory_iterator(open), [this](const auto& file) {
+                std::error_code closed;
+                return fs::read_symlink(file.path(), closed) == unfinishedDocument();
+            });
+        });
     }
 
 private:
