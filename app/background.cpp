@@ -1,12 +1,14 @@
 #include "app/background.h"
 
+#include "app/command_language.h"
 #include "app/running_instance.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 #include <memory>
 
@@ -40,7 +42,7 @@ void leaveCaller(int descriptorToKeep) {
 int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     pollfd descriptor{ready, POLLIN, 0};
     if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
-        return report(failure("it does not start in time"));
+        return report(failure(said("timed out while starting", "启动超时")));
     }
     char word = 0;
     if (recv(ready, &word, 1, 0) == 1) {
@@ -50,7 +52,7 @@ int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
     const bool ended = waitpid(child, &status, 0) == child && WIFEXITED(status);
     return ended && WEXITSTATUS(status) != EXIT_SUCCESS
                ? WEXITSTATUS(status)
-               : report(failure("it has ended during its start"));
+               : report(failure(said("exited while starting", "启动时已退出")));
 }
 
 } // namespace
@@ -64,8 +66,7 @@ int runInBackground(std::chrono::milliseconds patience,
     const auto telling = std::make_shared<UniqueDescriptor>(pair[1]);
     const pid_t child = paired ? fork() : -1;
     if (child < 0) {
-        std::perror("vantrel: it cannot be started");
-        return EXIT_FAILURE;
+        return report(failure(said("cannot start: ", "无法启动：") + std::strerror(errno)));
     }
     if (child > 0) {
         telling->reset();

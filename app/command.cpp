@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace vantrel {
 
@@ -17,7 +18,6 @@ struct Entry {
 
 constexpr std::array commands{
     Entry{{}, {Action::start}},
-    Entry{{"--settings"}, {Action::startWithSettings}},
     Entry{{"off"}, {Action::setMode, CursorMode::off}},
     Entry{{"highlight"}, {Action::setMode, CursorMode::highlight}},
     Entry{{"laser"}, {Action::setMode, CursorMode::laser}},
@@ -37,9 +37,19 @@ bool isMadeOf(const Entry& entry, std::span<const std::string> words) {
 } // namespace
 
 std::optional<Command> parseCommand(std::span<const std::string> words) {
+    std::vector<std::string> others(words.begin(), words.end());
+    const bool withSettings = std::erase(others, "--settings") > 0;
     const auto* found = std::ranges::find_if(
-        commands, [words](const Entry& entry) { return isMadeOf(entry, words); });
-    return found != commands.end() ? std::optional(found->command) : std::nullopt;
+        commands, [&others](const Entry& entry) { return isMadeOf(entry, others); });
+    if (found == commands.end()) {
+        return std::nullopt;
+    }
+    auto command = found->command;
+    if (withSettings && command.action == Action::start) {
+        command.action = Action::startWithSettings;
+    }
+    command.withSettings = withSettings && command.setsMode();
+    return command;
 }
 
 } // namespace vantrel

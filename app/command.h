@@ -25,12 +25,14 @@ struct Command {
 
     Action action = Action::start;
     CursorMode mode = CursorMode::off; // of setMode and toggle
+    bool withSettings = false;         // of these: opens the settings as well
 
     [[nodiscard]] bool isStart() const {
         return action == Action::start || action == Action::startWithSettings;
     }
     [[nodiscard]] bool opensSettings() const {
-        return action == Action::startWithSettings || action == Action::openSettings;
+        return withSettings || action == Action::startWithSettings ||
+               action == Action::openSettings;
     }
     [[nodiscard]] bool setsMode() const {
         return action == Action::setMode || action == Action::toggle;
@@ -43,7 +45,7 @@ struct Command {
     bool operator==(const Command&) const = default;
 };
 
-// Nothing for words that are no command.
+// Nothing for words that are no command. "--settings" may stand anywhere among them.
 [[nodiscard]] std::optional<Command> parseCommand(std::span<const std::string> words);
 
 } // namespace vantrel

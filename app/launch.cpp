@@ -1,3 +1,4 @@
+#include "app/command_language.h"
 #include "app/program.h"
 #include "app/running_instance.h"
 #include "app/start.h"
@@ -11,14 +12,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 
 namespace vantrel {
 namespace {
 
-constexpr auto waylandRemark =
+constexpr std::string_view englishWaylandRemark =
     "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
     "vantrel: Highlight, laser and click effects appear over the windows of X programs, while one "
     "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
@@ -26,19 +29,25 @@ constexpr auto waylandRemark =
     "vantrel: The shortcuts work while an X program has the keyboard.\n"
     "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
     "time.\n";
+constexpr std::string_view chineseWaylandRemark =
+    "vantrel: 在 Wayland 会话中，Vantrel 与 X 程序一样通过 Xwayland 运行。\n"
+    "vantrel: 高亮、激光和点击效果只在某个 X 程序拥有键盘焦点时显示在 X 程序的窗口上。"
+    "在其他位置，或指针静止 3 秒后，效果会隐藏，因为 Xwayland 不会告知指针的位置。\n"
+    "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
+    "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
 
 constexpr std::chrono::seconds patienceWithBus(1);
 
 void prepareToolkit() {
     // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
     if (sessionBusIsSilent(patienceWithBus)) {
-        std::fputs("vantrel: the session bus does not answer; going on without it\n", stderr);
+        const auto remark = said("vantrel: the session bus does not answer; going on without it\n",
+                                 "vantrel: 会话总线没有响应；将不使用会话总线\n");
+        std::fputs(remark.c_str(), stderr);
         qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     }
-    // The overlays are on the X server, and so is everything else.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
+    // The overlays are on the X server, and so is everything else, whatever the session prefers.
+    qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication::setApplicationName(QStringLiteral("vantrel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
@@ -77,8 +86,10 @@ private:
 };
 
 int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
+    // A word to a terminal that has gone must not end the program.
+    std::signal(SIGPIPE, SIG_IGN);
     if (connection.isXwayland()) {
-        std::fputs(waylandRemark, stderr);
+        std::fputs(said(englishWaylandRemark, chineseWaylandRemark).c_str(), stderr);
     }
     TerminationSignals signals;
     ServerLoss serverLoss;
@@ -93,8 +104,8 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     const int status = QApplication::exec();
     program.end();
     serverLoss.setProgram(nullptr);
-    if (connection.isLost()) {
-        // The toolkit has nobody left to take leave of.
+    if (connection.isLost() || !program.isSaved()) {
+        // The toolkit has nobody left to take leave of, or the disk does not answer.
         std::_Exit(EXIT_SUCCESS);
     }
     return status;
@@ -103,7 +114,7 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
 int runProgram(const Start& start) {
     std::optional<ServerPatience> serverPatience(std::in_place);
     std::string error;
-    const auto connection = x11::Connection::open({}, error);
+    const auto connection = x11::Connection::open({}, error, commandLineUsesEnglish());
     if (!connection) {
         return report(failure(error));
     }

@@ -1,4 +1,5 @@
 #include "app/background.h"
+#include "app/command_language.h"
 #include "app/running_instance.h"
 #include "app/start.h"
 #include "platform/freedesktop/installed_bundle.h"
@@ -8,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -16,28 +18,51 @@
 namespace vantrel {
 namespace {
 
-constexpr auto usage =
+constexpr std::string_view englishUsage =
     "Usage: vantrel [--settings]\n"
-    "       vantrel COMMAND\n"
+    "       vantrel COMMAND [--settings]\n"
     "\n"
     "Makes the mouse pointer easy to follow, on every display. Without a command, Vantrel starts;\n"
-    "when it runs already on this display, its windows come to the front, or the settings open.\n"
+    "when it is running already, its windows come to the front, or the settings open.\n"
     "\n"
     "  --settings         open the settings window\n"
     "  --help             show this text and exit\n"
     "  --version          show the version and exit\n"
     "\n"
-    "Commands to the Vantrel that runs:\n"
+    "Commands for the running Vantrel:\n"
     "  off                show nothing\n"
-    "  highlight          show the highlight; starts Vantrel if need be, as do those below\n"
+    "  highlight          show the highlight; this and the next four start Vantrel if needed\n"
     "  laser              show the laser\n"
-    "  toggle highlight   show the highlight, or nothing when it was shown\n"
-    "  toggle laser       show the laser, or nothing when it was shown\n"
+    "  toggle highlight   show the highlight, or nothing if it is shown\n"
+    "  toggle laser       show the laser, or nothing if it is shown\n"
     "  settings           open the settings window\n"
     "  status [--json]    print the mode: off, highlight or laser; or that and more, as JSON\n"
-    "  quit               end Vantrel\n"
+    "  quit               quit Vantrel\n"
     "\n"
-    "Exit status: 0 done, 1 failed, 2 not understood, 3 Vantrel does not run on this display.";
+    "Exit status: 0 done, 1 failed, 2 not understood, 3 Vantrel is not running on this display.";
+
+constexpr std::string_view chineseUsage =
+    "用法：vantrel [--settings]\n"
+    "      vantrel 命令 [--settings]\n"
+    "\n"
+    "让鼠标指针在每个显示器上都清晰易见。不带命令时启动 Vantrel；\n"
+    "如果已在运行，则将其窗口移到最前，或打开设置。\n"
+    "\n"
+    "  --settings         打开设置窗口\n"
+    "  --help             显示此帮助并退出\n"
+    "  --version          显示版本并退出\n"
+    "\n"
+    "向正在运行的 Vantrel 发出的命令：\n"
+    "  off                不显示任何效果\n"
+    "  highlight          显示高亮；此命令及后面四个命令会在需要时启动 Vantrel\n"
+    "  laser              显示激光\n"
+    "  toggle highlight   显示高亮；如已显示则关闭\n"
+    "  toggle laser       显示激光；如已显示则关闭\n"
+    "  settings           打开设置窗口\n"
+    "  status [--json]    输出模式：off、highlight 或 laser；或以 JSON 输出更多信息\n"
+    "  quit               退出 Vantrel\n"
+    "\n"
+    "退出状态：0 完成，1 失败，2 无法理解，3 Vantrel 未在此显示器上运行。";
 
 constexpr std::chrono::seconds patienceWithStart(30);
 
@@ -49,7 +74,8 @@ CommandAnswer misunderstood(const CommandWords& words) {
         text.append(text.empty() ? "" : " ").append(word);
     }
     return {.status = Status::wrongUsage,
-            .text = "unknown command \"" + text + "\", see vantrel --help"};
+            .text = said("unknown command \"", "未知命令“") + text +
+                    said("\", see vantrel --help", "”，请参阅 vantrel --help")};
 }
 
 // What is opened later would be taken for one of them where the caller has closed it.
@@ -65,13 +91,13 @@ void openStandardDescriptors() {
 int runProgram(const Start& start) {
     const auto executable = runningExecutable();
     if (executable.empty()) {
-        return report(failure("it does not find itself in /proc"));
+        return report(failure(said("cannot determine its own path", "无法确定自身的路径")));
     }
     const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
     void* program = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* function = program != nullptr ? dlsym(program, runProgramName) : nullptr;
     if (function == nullptr) {
-        return report(failure(dlerror()));
+        return report(failure(said("cannot load the program: ", "无法加载程序：") + dlerror()));
     }
     return reinterpret_cast<RunProgram*>(function)(start);
 }
@@ -80,7 +106,7 @@ int runProgram(const Start& start) {
 std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
     const ServerPatience serverPatience;
     std::string error;
-    const auto connection = x11::Connection::open({}, error);
+    const auto connection = x11::Connection::open({}, error, commandLineUsesEnglish());
     return connection ? askRunningInstance(*connection, words, command) : failure(error);
 }
 
@@ -89,7 +115,8 @@ int runCommand(const Start& start) {
         return report(*answer);
     }
     if (!start.command.startsProgram()) {
-        return report({.status = Status::notRunning, .text = "not running on this display"});
+        return report({.status = Status::notRunning,
+                       .text = said("not running on this display", "未在此显示器上运行")});
     }
     return runInBackground(patienceWithStart, [&start](std::function<void()> ready) {
         Start again = start;
@@ -105,7 +132,8 @@ int main(int argc, char** argv) {
     vantrel::openStandardDescriptors();
     const vantrel::CommandWords words(argv + std::min(argc, 1), argv + argc);
     if (std::ranges::find(words, "--help") != words.end()) {
-        return vantrel::report({.text = vantrel::usage});
+        return vantrel::report(
+            {.text = vantrel::said(vantrel::englishUsage, vantrel::chineseUsage)});
     }
     if (words == vantrel::CommandWords{"--version"}) {
         return vantrel::report({.text = "vantrel " VANTREL_VERSION " (" VANTREL_BUILD ")"});

@@ -87,7 +87,8 @@ void Program::takeCommands() {
         if (const auto command = parseCommand(words)) {
             return delegate_.carryOut(*command);
         }
-        return {.status = CommandAnswer::Status::wrongUsage, .text = "it knows no such command"};
+        return {.status = CommandAnswer::Status::wrongUsage,
+                .text = delegate_.state().english() ? "unknown command" : "未知命令"};
     });
     control_.emplace(remoteControl());
     const auto announce = [this] { control_->announce(); };
@@ -131,7 +132,7 @@ void Program::end() {
     if (!std::exchange(ended_, true)) {
         commands_.setHandler({});
         delegate_.applicationWillTerminate();
-        defaults_.flush();
+        saved_ = defaults_.flush();
     }
 }
 

@@ -34,6 +34,8 @@ public:
 
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
+    // False after an end at which the disk did not take the save in time.
+    [[nodiscard]] bool isSaved() const { return saved_; }
 
 private:
     [[nodiscard]] AppDesktop appDesktop();
@@ -59,6 +61,7 @@ private:
     AppDelegate delegate_;
     std::optional<ControlService> control_;
     bool ended_ = false;
+    bool saved_ = true;
     std::vector<Subscription> subscriptions_;
 };
 

@@ -1,11 +1,15 @@
 #include "app/running_instance.h"
 
+#include "app/command_language.h"
+
 #include "platform/x11/instance.h"
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 #include <thread>
 
@@ -33,14 +37,18 @@ CommandCall::Outcome<CommandAnswer> askAt(const std::string& address, const Comm
     const auto* answer = std::get_if<CommandAnswer>(&outcome);
     const bool ends = command.action == Command::Action::quit && answer != nullptr &&
                       answer->status == Status::done;
-    return !ends || call->awaitEnd(deadline) ? outcome : failure("it does not end");
+    return !ends || call->awaitEnd(deadline)
+               ? outcome
+               : failure(said("timed out while quitting", "退出超时"));
 }
 
 } // namespace
 
 ServerPatience::ServerPatience() {
+    // Nothing may be allocated once the signal comes.
+    static const std::string message =
+        said("vantrel: no answer from the X server\n", "vantrel: X 服务器没有响应\n");
     std::signal(SIGALRM, [](int) {
-        constexpr std::string_view message("vantrel: no answer from the X server\n");
         [[maybe_unused]] const auto written = write(STDERR_FILENO, message.data(), message.size());
         _exit(EXIT_FAILURE);
     });
@@ -61,11 +69,13 @@ std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connectio
             return *answer;
         }
         if (std::get<Failure>(outcome) == Failure::stranger) {
-            return failure("another user's program stands in its place on this display");
+            return failure(said("another user is already running Vantrel on this display",
+                                "其他用户已在此显示器上运行 Vantrel"));
         }
         if (std::get<Failure>(outcome) == Failure::unanswered ||
             std::chrono::steady_clock::now() >= deadline) {
-            return failure("it runs on this display, and does not answer");
+            return failure(said("already running on this display, but not responding",
+                                "已在此显示器上运行，但没有响应"));
         }
         // It is ending.
         std::this_thread::sleep_for(retryInterval);
@@ -83,8 +93,7 @@ int report(const CommandAnswer& answer) {
     } else if (!answer.text.empty()) {
         std::puts(answer.text.c_str());
         if (std::fflush(stdout) != 0) {
-            std::perror("vantrel");
-            return EXIT_FAILURE;
+            return report(failure(said("cannot write: ", "无法写出：") + std::strerror(errno)));
         }
     }
     return static_cast<int>(answer.status);

@@ -19,7 +19,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr auto preferencesKey = "Vantrel.preferences.v1";
 constexpr auto settingsShortcut = "Ctrl+,";
 
 } // namespace
@@ -27,7 +26,7 @@ constexpr auto settingsShortcut = "Ctrl+,";
 AppDelegate::AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell)
     : app_(app),
       shell_(shell),
-      store_(shell.userDefaults, preferencesKey),
+      store_(shell.userDefaults, std::string(preferencesKey)),
       state_(store_, app),
       view_(state_, views),
       popover_(app.overlay.eventMonitors, app.overlay.clock) {}
@@ -87,6 +86,9 @@ CommandAnswer AppDelegate::carryOut(const Command& command) {
     case Command::Action::quit:
         view_.desktop().terminate();
         break;
+    }
+    if (command.withSettings) {
+        open(AppWindow::settings);
     }
     return {};
 }

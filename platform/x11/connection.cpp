@@ -37,14 +37,15 @@ bool isAtLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMaj
 
 } // namespace
 
-std::unique_ptr<Connection> Connection::open(const std::string& displayName, std::string& error) {
+std::unique_ptr<Connection> Connection::open(const std::string& displayName, std::string& error,
+                                             bool inEnglish) {
     int screenNumber = 0;
     const char* environment = std::getenv("DISPLAY");
     const auto name =
         displayName.empty() && environment != nullptr ? std::string(environment) : displayName;
     auto* xcb = xcb_connect(name.empty() ? nullptr : name.c_str(), &screenNumber);
     std::unique_ptr<Connection> connection(new Connection(xcb, name, screenNumber));
-    error = connection->prepare();
+    error = connection->prepare(inEnglish);
     return error.empty() ? std::move(connection) : nullptr;
 }
 
@@ -59,18 +60,25 @@ Connection::~Connection() {
 }
 
 // Returns what is missing.
-std::string Connection::prepare() {
+std::string Connection::prepare(bool inEnglish) {
+    const auto lacks = [inEnglish](const std::string& what) {
+        return (inEnglish ? "the X server lacks " : "X 服务器缺少 ") + what;
+    };
     if (xcb_connection_has_error(connection_) != 0) {
-        return displayName_.empty() ? "cannot connect to an X server: DISPLAY is not set"
-                                    : "cannot connect to the X server \"" + displayName_ + "\"";
+        return displayName_.empty()
+                   ? (inEnglish ? "cannot connect to an X server: DISPLAY is not set"
+                                : "无法连接 X 服务器：未设置 DISPLAY")
+                   : (inEnglish ? "cannot connect to the X server \"" : "无法连接 X 服务器 \"") +
+                         displayName_ + "\"";
     }
     screen_ = screenAt(connection_, screenNumber_);
     if (screen_ == nullptr) {
-        return "the X server has no such screen";
+        return inEnglish ? "the X server has no such screen" : "X 服务器没有该屏幕";
     }
     if (std::ranges::find(usableDepths, screen_->root_depth) == usableDepths.end()) {
-        return "the X server's screen has an unusual depth of " +
-               std::to_string(screen_->root_depth) + " bits";
+        const auto depth = std::to_string(screen_->root_depth);
+        return inEnglish ? "the X server's screen has an unusual depth of " + depth + " bits"
+                         : "X 服务器的屏幕使用不支持的色深：" + depth + " 位";
     }
     rootSize_ = QSize(screen_->width_in_pixels, screen_->height_in_pixels);
     selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -81,7 +89,7 @@ std::string Connection::prepare() {
         findArgbVisual();
         missing = outdatedExtension();
     }
-    return missing;
+    return missing.empty() ? missing : lacks(missing);
 }
 
 // A request of an extension that is not there would end the connection.
@@ -97,7 +105,7 @@ std::string Connection::missingExtension() {
     }
     for (const auto& [extension, name] : needed) {
         if (majorOpcode(*extension) == 0) {
-            return "the X server lacks the extension " + std::string(name);
+            return name;
         }
     }
     return {};
@@ -118,15 +126,15 @@ std::string Connection::outdatedExtension() {
         xcb_shape_query_version_reply(connection_, shape, nullptr));
     if (!randrVersion ||
         !isAtLeast(randrVersion->major_version, randrVersion->minor_version, 1, 5)) {
-        return "the X server lacks RANDR 1.5";
+        return "RANDR 1.5";
     }
     if (!inputVersion ||
         !isAtLeast(inputVersion->major_version, inputVersion->minor_version, 2, 1)) {
-        return "the X server lacks XInput 2.1";
+        return "XInput 2.1";
     }
     if (!fixesVersion || !shapeVersion ||
         !isAtLeast(shapeVersion->major_version, shapeVersion->minor_version, 1, 1)) {
-        return "the X server lacks SHAPE 1.1, by which clicks pass through";
+        return "SHAPE 1.1";
     }
     return {};
 }

@@ -66,8 +66,9 @@ enum class Atom : std::uint8_t {
 class Connection {
 public:
     // Null with a line that says why: no server, or one that lacks what the overlays need. An empty
-    // name means the display of the environment.
-    static std::unique_ptr<Connection> open(const std::string& displayName, std::string& error);
+    // name means the display of the environment. The line is in English or in Chinese.
+    static std::unique_ptr<Connection> open(const std::string& displayName, std::string& error,
+                                            bool inEnglish = true);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -108,7 +109,7 @@ public:
 private:
     Connection(xcb_connection_t* connection, std::string displayName, int screenNumber);
 
-    std::string prepare();
+    std::string prepare(bool inEnglish);
     std::string missingExtension();
     std::string outdatedExtension();
     void internAtoms();

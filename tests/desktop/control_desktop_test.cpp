@@ -58,6 +58,7 @@ protected:
 };
 
 TEST_F(ControlTest, CommandsReachTheRunningProgram) {
+    environment["QT_QPA_PLATFORM"] = "wayland"; // as some people set it for all programs
     auto program = startProgram();
     EXPECT_TRUE(says({"highlight"}));
     EXPECT_TRUE(shown(overlay));
@@ -150,17 +151,37 @@ TEST_F(ControlTest, CommandsTakeNothingFromTheirCallerForGranted) {
 }
 
 TEST_F(ControlTest, AProgramThatCannotStartInTheBackgroundSaysSo) {
-    environment["QT_QPA_PLATFORM"] = "no-such-platform";
-    const auto outcome = command({"laser"});
-    ASSERT_TRUE(outcome.status);
-    EXPECT_NE(outcome.status->code, 0);
-    EXPECT_THAT(outcome.errors, HasSubstr("no-such-platform"));
+    // Without the rest of the program beside it.
+    const auto copy = server.folder() / "vantrel";
+    std::filesystem::copy_file(programUnderTest(), copy);
+    ChildProcess process({.arguments = {copy, "laser"},
+                          .environment = server.environment(),
+                          .output = server.folder() / "copy.out",
+                          .errors = server.folder() / "copy.err"});
+    EXPECT_EQ(process.wait(20s), (ExitStatus{.code = 1}));
+    EXPECT_THAT(readFile(server.folder() / "copy.err"), HasSubstr("cannot load the program"));
+}
+
+TEST_F(ControlTest, TheCommandLineSpeaksTheLanguageOfTheWindows) {
+    environment["LC_ALL"] = "zh_CN.UTF-8";
+    EXPECT_EQ(command({"status"}).errors, "vantrel: 未在此显示器上运行\n");
+    EXPECT_THAT(command({"--help"}).output, HasSubstr("用法"));
+    auto preferences = preferencesShowing("off");
+    preferences["language"] = "english";
+    writePreferences(server.folder() / "config", preferences);
+    EXPECT_EQ(command({"status"}).errors, "vantrel: not running on this display\n");
+}
+
+TEST_F(ControlTest, TheSettingsOpenWhereverTheArgumentsAskForThem) {
+    EXPECT_TRUE(says({"laser", "--settings"}));
+    EXPECT_TRUE(shown(settings));
+    EXPECT_TRUE(says({"status"}, "laser"));
 }
 
 TEST_F(ControlTest, AProgramOrAServerThatHangsIsNotWaitedForForEver) {
     auto program = startProgram();
     for (const auto& [hanging, message] :
-         {std::pair(program.pid(), "does not answer"), std::pair(server.pid(), "no answer")}) {
+         {std::pair(program.pid(), "not responding"), std::pair(server.pid(), "no answer")}) {
         kill(hanging, SIGSTOP);
         const auto outcome = command({"off"});
         kill(hanging, SIGCONT);
