@@ -16,6 +16,7 @@ AppState::AppState(SettingsStore& store, const AppDesktop& desktop)
         overlays_.addClick(point, isRight);
     };
     hotkeys_.onMode = [this](CursorMode mode) { handleShortcut(mode); };
+    hotkeys_.onLoss = [this] { registerShortcuts(); };
     registerShortcuts();
 }
 

@@ -14,11 +14,17 @@ constexpr std::uint32_t laserId = 2;
 
 HotkeyManager::HotkeyManager(HotKeys& hotKeys) : hotKeys_(hotKeys) {
     hotKeys_.setHandler([this](HotKeyId pressed) { handle(pressed); });
+    hotKeys_.setLossHandler([this] {
+        if (onLoss) {
+            onLoss();
+        }
+    });
 }
 
 HotkeyManager::~HotkeyManager() {
     unregisterAll();
     hotKeys_.setHandler(nullptr);
+    hotKeys_.setLossHandler(nullptr);
 }
 
 std::optional<std::string_view> HotkeyManager::register_(const AppPreferences& preferences) {

@@ -29,6 +29,9 @@ public:
     // Receives highlight or laser.
     std::function<void(CursorMode)> onMode;
 
+    // Called when a shortcut may have been lost or come back: register_ tells.
+    std::function<void()> onLoss;
+
     // Replaces all that was registered before. Returns one of the hotkeyerror texts, or nothing:
     // after "duplicate" neither shortcut works, after "registration" one that was not refused does.
     std::optional<std::string_view> register_(const AppPreferences& preferences);

@@ -32,6 +32,9 @@ public:
 
     // One handler for all; an empty one removes it. Called once for each press, not for repeats.
     virtual void setHandler(std::function<void(HotKeyId)> handler) = 0;
+    // Called when a registered combination was lost, as to a new keyboard mapping, and some times
+    // afterwards: whoever registers all of them again has what can be had.
+    virtual void setLossHandler(std::function<void()> handler) = 0;
     // No reference when the combination cannot be had: another program holds it, or no key of this
     // keyboard has the code.
     [[nodiscard]] virtual std::optional<Ref> register_(std::uint32_t keyCode,

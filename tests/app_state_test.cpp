@@ -155,6 +155,15 @@ TEST_F(AppStateTest, BringsTheLastModeBackInTheNextRun) {
     EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
 }
 
+TEST_F(AppStateTest, SaysThatAShortcutWasLostAndThatItIsBack) {
+    desktop.hotKeys.lose(controlOptionH);
+    EXPECT_EQ(state->hotkeyError().get(), "registration");
+    EXPECT_TRUE(desktop.hotKeys.press(controlOptionL));
+    desktop.hotKeys.heldByOthers.clear();
+    state->setMode(CursorMode::off);
+    EXPECT_EQ(state->hotkeyError().get(), std::nullopt);
+}
+
 TEST_F(AppStateTest, TakesTheLoginItemAsItIs) {
     desktop.loginItem.current = LoginItemStatus::enabled;
     state->startUp();

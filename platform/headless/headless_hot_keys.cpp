@@ -42,6 +42,11 @@ void HotKeys::unregister(Ref ref) {
     }
 }
 
+void HotKeys::lose(const Combination& combination) {
+    heldByOthers.push_back(combination);
+    lossHandler_();
+}
+
 bool HotKeys::press(const Combination& combination) {
     const auto found = std::ranges::find(registrations_, combination, &Registration::combination);
     if (found == registrations_.end()) {

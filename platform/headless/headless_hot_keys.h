@@ -3,6 +3,8 @@
 #include "platform/headless/headless_faults.h"
 #include "platform/hot_keys.h"
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace vantrel::headless {
@@ -23,16 +25,20 @@ public:
     HotKeys& operator=(const HotKeys&) = delete;
 
     void setHandler(std::function<void(HotKeyId)> handler) override;
+    void setLossHandler(std::function<void()> handler) override {
+        lossHandler_ = std::move(handler);
+    }
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
 
+    // As if another program had taken it.
+    void lose(const Combination& combination);
     // Whether the press went to the program rather than to the application in front.
     bool press(const Combination& combination);
 
     // In the order of registration.
     [[nodiscard]] std::vector<Combination> registered() const;
-    [[nodiscard]] bool hasHandler() const { return handler_ != nullptr; }
 
     std::vector<Combination> heldByOthers;
 
@@ -45,6 +51,7 @@ private:
 
     Faults& faults_;
     std::function<void(HotKeyId)> handler_;
+    std::function<void()> lossHandler_;
     std::vector<Registration> registrations_;
     Ref lastRef_ = 0;
 };

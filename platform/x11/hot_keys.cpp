@@ -2,12 +2,21 @@
 
 #include "platform/x11/key_table.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 #include <utility>
 
 #include <xcb/xinput.h>
 
 namespace vantrel::x11 {
+
+namespace {
+
+constexpr int firstRetry = 500; // milliseconds, then twice as many each time
+constexpr int lastRetry = 8000;
+
+} // namespace
 
 X11HotKeys::X11HotKeys(Connection& connection)
     : connection_(connection),
@@ -18,6 +27,17 @@ X11HotKeys::X11HotKeys(Connection& connection)
         releaseUnregistered();
         xcb_flush(connection_.xcb());
     });
+    retry_.setSingleShot(true);
+    QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] {
+        if (retry_.interval() < lastRetry) {
+            retry_.start(2 * retry_.interval());
+        }
+        reportLoss();
+    });
+}
+
+void X11HotKeys::setLossHandler(std::function<void()> handler) {
+    lossHandler_ = std::move(handler);
 }
 
 void X11HotKeys::setHandler(std::function<void(HotKeyId)> handler) {
@@ -77,9 +97,12 @@ void X11HotKeys::handleEvent(const xcb_generic_event_t& event) {
 
 void X11HotKeys::notePress(const xcb_generic_event_t& event) {
     const auto& press = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
-    // The press made the whole keyboard ours, which it would stay until the key comes up.
-    xcb_input_xi_ungrab_device(connection_.xcb(), XCB_CURRENT_TIME, press.deviceid);
-    xcb_flush(connection_.xcb());
+    // The whole keyboard is ours until the key comes up, so that the window in front sees nothing
+    // of it. One of this program would take that for the loss of its focus.
+    if (QGuiApplication::focusWindow() != nullptr) {
+        xcb_input_xi_ungrab_device(connection_.xcb(), XCB_CURRENT_TIME, press.deviceid);
+        xcb_flush(connection_.xcb());
+    }
     if ((press.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) == 0) {
         pressed_.push_back(
             {static_cast<xcb_keycode_t>(press.detail), press.mods.effective & ~map_.locks});
@@ -121,8 +144,21 @@ void X11HotKeys::followMapping() {
         registration.grab.reset();
         registration.combination.state = *map_.stateOf(registration.modifiers);
     }
+    bool lost = false;
     for (auto& registration : registrations_) {
         registration.grab = KeyGrab::take(connection_, registration.combination, map_.locks);
+        lost = lost || !registration.grab;
+    }
+    // Whoever has it may be about to follow the mapping as well.
+    if (lost) {
+        retry_.start(firstRetry);
+        reportLoss();
+    }
+}
+
+void X11HotKeys::reportLoss() {
+    if (const auto handler = lossHandler_) {
+        handler();
     }
 }
 

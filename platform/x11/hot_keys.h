@@ -10,8 +10,10 @@
 
 namespace vantrel::x11 {
 
-// Key combinations that are grabbed on the root window; no other key is ever seen. They cannot be
-// had while another program has grabbed the whole keyboard, as an open menu does.
+// Key combinations that are grabbed on the root window; no other key is seen, but those that are
+// pressed while the key of one is held: the server keeps the whole keyboard here until that comes
+// up, and so the window in front is told neither of the press nor of its end. Combinations cannot
+// be had while another program has grabbed the whole keyboard, as an open menu does.
 //
 // Every change of a preference unregisters the shortcuts and registers them again. So a grab
 // outlives its registration until the events at hand are handled: a registration of the same
@@ -22,6 +24,7 @@ public:
     explicit X11HotKeys(Connection& connection);
 
     void setHandler(std::function<void(HotKeyId)> handler) override;
+    void setLossHandler(std::function<void()> handler) override;
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
@@ -41,16 +44,19 @@ private:
     void deliverPresses();
     void releaseUnregistered();
     void followMapping();
+    void reportLoss();
     Registration* find(KeyCombination combination);
 
     Connection& connection_;
     ModifierMap map_;
     std::function<void(HotKeyId)> handler_;
+    std::function<void()> lossHandler_;
     std::vector<Registration> registrations_;
     Ref lastRef_ = 0;
     std::vector<KeyCombination> pressed_; // not delivered yet
     bool mappingChanged_ = false;
     QTimer release_;
+    QTimer retry_; // after a loss, a few times
     Subscription events_;
 };
 

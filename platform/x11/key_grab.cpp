@@ -10,11 +10,10 @@ namespace vantrel::x11 {
 
 namespace {
 
-// The state with every set of locks that does not overlap it.
+// The state with every set of locks.
 std::vector<std::uint32_t> withLocks(std::uint32_t state, std::uint32_t locks) {
-    const auto free = locks & ~state;
     std::vector<std::uint32_t> states;
-    for (auto subset = free;; subset = (subset - 1) & free) {
+    for (auto subset = locks;; subset = (subset - 1) & locks) {
         states.push_back(state | subset);
         if (subset == 0) {
             return states;

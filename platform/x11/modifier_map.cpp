@@ -86,6 +86,8 @@ ModifierMap ModifierMap::read(const Connection& connection) {
     map.option = of.lowestBitOf(XK_Alt_L, XK_Alt_R, map.option);
     map.command = of.lowestBitOf(XK_Super_L, XK_Super_R, map.command);
     map.locks |= of.bitsOf(XK_Num_Lock) | of.bitsOf(XK_Scroll_Lock);
+    // One that shares its bit with a modifier cannot be told from it.
+    map.locks &= ~(map.option | map.command | XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL);
     return map;
 }
 

@@ -12,7 +12,7 @@ namespace vantrel::x11 {
 struct ModifierMap {
     std::uint32_t option = XCB_MOD_MASK_1;   // Alt
     std::uint32_t command = XCB_MOD_MASK_4;  // Super
-    std::uint32_t locks = XCB_MOD_MASK_LOCK; // Caps Lock, Num Lock and Scroll Lock
+    std::uint32_t locks = XCB_MOD_MASK_LOCK; // Caps, Num and Scroll Lock; none of the modifiers
 
     bool operator==(const ModifierMap&) const = default;
 

@@ -160,13 +160,15 @@ TEST_F(HotKeysDesktopTest, AreReportedOnceHoweverLongTheyAreHeld) {
     // The press and repetitions.
     ASSERT_TRUE(runUntil([this] { return keyEvents > 3; }));
     EXPECT_EQ(modes.size(), 1U);
-    // The keyboard is free although the key is still down.
-    tap('a');
-    EXPECT_TRUE(otherReceived(InputEvent::Type::keyPress, keyA));
     input.releaseKey('h');
+    tap('a');
+    EXPECT_TRUE(otherReceived(InputEvent::Type::keyPress, keyA)) << "the keyboard is free again";
     input.pressKey('h');
     EXPECT_TRUE(runUntil([this] { return modes.size() == 2; }));
+    input.releaseKey('h');
+    settle();
     EXPECT_FALSE(otherReceived(InputEvent::Type::keyPress, keyH));
+    EXPECT_FALSE(otherReceived(InputEvent::Type::keyRelease, keyH)) << "of a press it never saw";
 }
 
 TEST_F(HotKeysDesktopTest, LeaveAloneWhatAnotherProgramHolds) {
@@ -234,6 +236,29 @@ TEST_F(HotKeysDesktopTest, FollowAltAndSuperToOtherModifiers) {
     runProgram({"xmodmap", "-e", "clear mod4", "-e", "clear mod3", "-e", "add mod3 = Alt_L"});
     EXPECT_TRUE(bothWork());
     EXPECT_FALSE(otherReceived(InputEvent::Type::keyPress, keyH));
+}
+
+TEST_F(HotKeysDesktopTest, WorkWhereALockSharesTheBitOfAModifier) {
+    runProgram({"xmodmap", "-e", "add mod4 = Scroll_Lock"});
+    preferences.highlightShortcut = {4, modifier::control | modifier::command, "⌃⌘H"};
+    ASSERT_EQ(manager->register_(preferences), std::nullopt);
+    EXPECT_THAT(pressed('h', XK_Super_L), ElementsAre(CursorMode::highlight));
+}
+
+TEST_F(HotKeysDesktopTest, ThatANewMappingLosesAreReportedAndTriedAgain) {
+    std::vector<bool> works;
+    manager->onLoss = [&] { works.push_back(manager->register_(preferences) == std::nullopt); };
+    ASSERT_EQ(manager->register_(preferences), std::nullopt);
+    ASSERT_TRUE(other.grabKey(keyH, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_3));
+    runProgram({"xmodmap", "-e", "clear mod1", "-e", "clear mod3", "-e", "add mod3 = Alt_L"});
+    ASSERT_TRUE(runUntil([&] { return !works.empty(); }));
+    EXPECT_FALSE(works.front());
+    EXPECT_THAT(pressed('l'), ElementsAre(CursorMode::laser));
+    xcb_ungrab_key(other.connection().get(), XCB_GRAB_ANY, other.connection().root(),
+                   XCB_MOD_MASK_ANY);
+    other.connection().sync();
+    EXPECT_TRUE(runUntil([&] { return works.back(); }));
+    EXPECT_THAT(pressed('h'), ElementsAre(CursorMode::highlight));
 }
 
 TEST_F(HotKeysDesktopTest, AreRegisteredAgainWithoutAskingTheServer) {
