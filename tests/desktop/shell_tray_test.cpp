@@ -107,6 +107,10 @@ TEST_F(TrayTest, ThePopoverClosesOnAClickElsewhereOnEscapeAndOnTheIconAgain) {
         EXPECT_TRUE(isGone(popover)) << i;
         EXPECT_TRUE(staysHidden(popover)) << i;
     }
+    clickIcon();
+    EXPECT_TRUE(shown(popover));
+    tray->kill(); // which gives its room to the windows
+    EXPECT_TRUE(isGone(popover));
     EXPECT_TRUE(program.running());
     EXPECT_EQ(errors(), "");
 }
