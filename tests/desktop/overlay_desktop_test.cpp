@@ -287,6 +287,20 @@ TEST_F(LettingGoTest, TheDiscComesAndComesBackWithoutABox) {
     }
 }
 
+// A player that asks for it makes the manager let go whatever lies above.
+TEST_F(LettingGoTest, HasNoBoxForLongWhereAPlayerDoesWithoutTheManager) {
+    const std::uint32_t bypass = 1;
+    start();
+    EXPECT_TRUE(discComes({300, 300}));
+    xcb_change_property(watcher.get(), XCB_PROP_MODE_REPLACE, background->id(),
+                        watcher.atom("_NET_WM_BYPASS_COMPOSITOR"), XCB_ATOM_CARDINAL, 32, 1,
+                        &bypass);
+    watcher.sync();
+    EXPECT_TRUE(becomes({300, 299}, yellow, 12));
+    EXPECT_EQ(pixel({269, 269}), blue);
+    background.reset();
+}
+
 TEST_F(LettingGoTest, LeavesTheManagerAloneWhileNothingIsShown) {
     start(CursorMode::off);
     runFor(std::chrono::milliseconds(100));
