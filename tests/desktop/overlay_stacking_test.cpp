@@ -12,6 +12,12 @@ protected:
         paintDesktop();
         input.moveTo({300, 300});
     }
+    // The picture tells it only once the compositing manager has painted.
+    bool isOnTop(const ClientWindow& window) const {
+        const auto tree = ownReply(xcb_query_tree_reply(
+            watcher.get(), xcb_query_tree(watcher.get(), watcher.root()), nullptr));
+        return xcb_query_tree_children(tree.get())[tree->children_len - 1] == window.id();
+    }
     ClientWindowOptions wholeScreen() const {
         return {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | green};
     }
@@ -52,6 +58,7 @@ TEST_F(OverlayStackingTest, GoesAboveAWindowThatIsRaised) {
                       XCB_COPY_FROM_PARENT, 0, nullptr);
     watcher.sync();
     other.raise();
+    EXPECT_TRUE(runUntil([&] { return !isOnTop(other); }));
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
 }
 
@@ -59,16 +66,11 @@ TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
     ClientWindow rival(server.display(), wholeScreen());
     start();
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
-    const auto rivalIsOnTop = [&] {
-        const auto tree = ownReply(xcb_query_tree_reply(
-            watcher.get(), xcb_query_tree(watcher.get(), watcher.root()), nullptr));
-        return xcb_query_tree_children(tree.get())[tree->children_len - 1] == rival.id();
-    };
     // It goes above whenever it was covered, as a screen locker does.
     int rounds = 0;
     while (rounds < 50) {
         rival.raise();
-        if (!runUntil([&] { return !rivalIsOnTop(); }, std::chrono::milliseconds(300))) {
+        if (!runUntil([&] { return !isOnTop(rival); }, std::chrono::milliseconds(300))) {
             break;
         }
         ++rounds;
@@ -84,7 +86,7 @@ TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
             return pixel({265, 300}) != green;
         },
         std::chrono::milliseconds(250)));
-    EXPECT_TRUE(rivalIsOnTop());
+    EXPECT_TRUE(isOnTop(rival));
     // Others it still goes above, whether they open or are raised.
     ClientWindow menu(server.display(), wholeScreen());
     EXPECT_TRUE(becomes({300, 300}, blended(yellow, 0.35, green)));
