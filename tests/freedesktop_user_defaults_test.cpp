@@ -196,6 +196,13 @@ TEST_F(UserDefaultsFiles, AreKeptWhenTheyAreOfNoUse) {
             EXPECT_EQ(contentOf(file), next);
         }
     }
+    putFile(file, "third");
+    FileUserDefaults defaults(folder);
+    EXPECT_EQ(defaults.data(key), "third");
+    defaults.keepUnusable(key);
+    putFile(file, "usable, of another program");
+    defaults.setData(key, "changed");
+    defaults.flush();
     EXPECT_EQ(contentOf(folder / aside), "first");
     EXPECT_EQ(contentOf(folder / (aside + "-2")), "second");
     EXPECT_THAT(namesIn(folder), ElementsAre(key, aside, aside + "-2"));
@@ -259,7 +266,7 @@ TEST_F(UserDefaultsFiles, OnASlowDiskNeitherHoldUpTheCallerNorHideTheNewestValue
     ASSERT_EQ(flock(slowDisk, LOCK_EX), 0);
 
     FileUserDefaults defaults(folder);
-    for (const char* value : {"first", "second", "newest"}) {
+    for (const char* value : {"first", "second", "newest", "newest"}) {
         defaults.setData(key, value);
         EXPECT_EQ(defaults.data(key), value);
     }
