@@ -19,7 +19,10 @@ struct KeyPress {
     std::uint16_t keyCode = 0;       // virtual key code: a position, whatever the layout
     std::uint32_t modifierFlags = 0; // keyflag bits
     // UTF-8: what the key produces with no modifier but Shift; absent when it produces nothing.
+    // None of the characters that nobody sees, such as a space.
     std::optional<std::string> charactersIgnoringModifiers;
+    std::string
+        name{}; // of a key without such characters, for example "F5"; empty when it has none
 
     bool operator==(const KeyPress&) const = default;
 };

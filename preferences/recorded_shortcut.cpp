@@ -27,6 +27,13 @@ std::string upperCase(const std::string& text) {
     return QString::fromStdString(text).toUpper().toStdString();
 }
 
+std::string keyText(const KeyPress& press) {
+    if (press.charactersIgnoringModifiers) {
+        return upperCase(*press.charactersIgnoringModifiers);
+    }
+    return press.name.empty() ? std::to_string(press.keyCode) : press.name;
+}
+
 } // namespace
 
 std::optional<Shortcut> Shortcut::fromKeyPress(const KeyPress& press) {
@@ -42,9 +49,7 @@ std::optional<Shortcut> Shortcut::fromKeyPress(const KeyPress& press) {
             shortcut.display += key.symbol;
         }
     }
-    shortcut.display += press.charactersIgnoringModifiers
-                            ? upperCase(*press.charactersIgnoringModifiers)
-                            : std::to_string(press.keyCode);
+    shortcut.display += keyText(press);
     return shortcut;
 }
 

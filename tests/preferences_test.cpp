@@ -65,6 +65,8 @@ TEST(Shortcut, IsRecordedWithItsModifiersInAFixedOrder) {
         {{0, command | shift | option | control, "a"}, Shortcut{0, 6912, "⌃⌥⇧⌘A"}},
         {{27, option, "ß"}, Shortcut{27, 2048, "⌥SS"}},
         {{122, control, std::nullopt}, Shortcut{122, 4096, "⌃122"}},
+        {{126, control, std::nullopt, "Up"}, Shortcut{126, 4096, "⌃Up"}},
+        {{83, control, "1", "KP_End"}, Shortcut{83, 4096, "⌃1"}},
         {{0, shift | capsLock, "a"}, std::nullopt},
     };
     for (const auto& [press, shortcut] : table) {

@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <string_view>
 
+#include <QChar>
 #include <xkbcommon/xkbcommon-x11.h>
 
 namespace vantrel::x11 {
@@ -57,8 +59,22 @@ std::string_view accentOf(xkb_keysym_t symbol) {
     return index < accents.size() ? accents[index] : std::string_view();
 }
 
-bool isControlCharacter(std::uint32_t character) {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+bool isSeen(std::uint32_t character) {
+    return QChar::isPrint(character) && !QChar::isSpace(character);
+}
+
+// A key is called by what is written on it, not by what it was on the first terminals.
+std::string nameOfSymbol(xkb_keysym_t symbol) {
+    if (symbol == XKB_KEY_NoSymbol) {
+        return {};
+    }
+    if (symbol == XKB_KEY_Page_Up || symbol == XKB_KEY_Page_Down) {
+        return symbol == XKB_KEY_Page_Up ? "Page_Up" : "Page_Down";
+    }
+    std::array<char, 64> text{};
+    xkb_keysym_get_name(symbol, text.data(), text.size());
+    text.front() = static_cast<char>(std::toupper(text.front()));
+    return text.data();
 }
 
 // Also of keys that change the layout.
@@ -80,9 +96,12 @@ public:
     [[nodiscard]] std::uint32_t flagsOf(std::uint32_t state) const;
     [[nodiscard]] std::optional<std::string> charactersOf(std::uint32_t key,
                                                           std::uint32_t state) const;
+    [[nodiscard]] std::string nameOf(std::uint32_t key, std::uint32_t state) const;
     [[nodiscard]] bool isModifier(std::uint32_t key) const;
 
 private:
+    [[nodiscard]] State stateWith(std::uint32_t shift, std::uint32_t group) const;
+
     ModifierMap modifiers_;
     Keymap keymap_;
 };
@@ -106,15 +125,22 @@ std::uint32_t X11Keyboard::Layout::flagsOf(std::uint32_t state) const {
     return left == 0 ? flags : 0;
 }
 
+// Num Lock is always on: the keys of the numeric pad are known by their digits.
+State X11Keyboard::Layout::stateWith(std::uint32_t shift, std::uint32_t group) const {
+    State keys(keymap_ ? xkb_state_new(keymap_.get()) : nullptr);
+    if (keys) {
+        const auto numLock = modifiers_.locks & ~std::uint32_t{XCB_MOD_MASK_LOCK};
+        xkb_state_update_mask(keys.get(), shift, 0, numLock, 0, 0, group);
+    }
+    return keys;
+}
+
 std::optional<std::string> X11Keyboard::Layout::charactersOf(std::uint32_t key,
                                                              std::uint32_t state) const {
-    const State keys(keymap_ ? xkb_state_new(keymap_.get()) : nullptr);
+    const auto keys = stateWith(state & XCB_MOD_MASK_SHIFT, groupOf(state));
     if (!keys) {
         return std::nullopt;
     }
-    // Num Lock is always on: the keys of the numeric pad are known by their digits.
-    const auto numLock = modifiers_.locks & ~std::uint32_t{XCB_MOD_MASK_LOCK};
-    xkb_state_update_mask(keys.get(), state & XCB_MOD_MASK_SHIFT, 0, numLock, 0, 0, groupOf(state));
     const auto accent = accentOf(xkb_state_key_get_one_sym(keys.get(), key));
     if (!accent.empty()) {
         return std::string(accent);
@@ -122,10 +148,16 @@ std::optional<std::string> X11Keyboard::Layout::charactersOf(std::uint32_t key,
     std::array<char, 64> text{};
     const auto length = xkb_state_key_get_utf8(keys.get(), key, text.data(), text.size());
     if (length <= 0 || static_cast<std::size_t>(length) >= text.size() ||
-        isControlCharacter(xkb_state_key_get_utf32(keys.get(), key))) {
+        !isSeen(xkb_state_key_get_utf32(keys.get(), key))) {
         return std::nullopt;
     }
     return std::string(text.data(), static_cast<std::size_t>(length));
+}
+
+// Without Shift, with which Tab would be something else.
+std::string X11Keyboard::Layout::nameOf(std::uint32_t key, std::uint32_t state) const {
+    const auto keys = stateWith(0, groupOf(state));
+    return keys ? nameOfSymbol(xkb_state_key_get_one_sym(keys.get(), key)) : std::string();
 }
 
 bool X11Keyboard::Layout::isModifier(std::uint32_t key) const {
@@ -155,7 +187,8 @@ std::optional<KeyPress> X11Keyboard::press(std::uint32_t key, std::uint32_t stat
     if (!keyCode) {
         return std::nullopt;
     }
-    return KeyPress{*keyCode, layout().flagsOf(state), layout().charactersOf(key, state)};
+    return KeyPress{*keyCode, layout().flagsOf(state), layout().charactersOf(key, state),
+                    layout().nameOf(key, state)};
 }
 
 bool X11Keyboard::isModifier(std::uint32_t key) const {

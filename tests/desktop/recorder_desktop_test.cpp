@@ -148,10 +148,11 @@ TEST_F(RecorderDesktopTest, RecordsWhatIsPressed) {
         {{XK_Super_L, 'q'}, {12, 256, "⌘Q"}},
         {{XK_Super_R, XK_Shift_L, 'k'}, {40, 768, "⇧⌘K"}},
         {{XK_Control_L, XK_Shift_R, '7'}, {26, 4608, "⌃⇧&"}},
-        {{XK_Alt_L, XK_space}, {49, 2048, "⌥ "}},
-        {{XK_Control_L, XK_F3}, {99, 4096, "⌃99"}},
-        {{XK_Control_L, XK_Left}, {123, 4096, "⌃123"}},
-        {{XK_Control_L, XK_Tab}, {48, 4096, "⌃48"}},
+        {{XK_Alt_L, XK_space}, {49, 2048, "⌥Space"}},
+        {{XK_Control_L, XK_F3}, {99, 4096, "⌃F3"}},
+        {{XK_Control_L, XK_Up}, {126, 4096, "⌃Up"}},
+        {{XK_Control_L, XK_Page_Down}, {121, 4096, "⌃Page_Down"}},
+        {{XK_Control_L, XK_Shift_L, XK_Tab}, {48, 4608, "⌃⇧Tab"}},
         {{XK_Control_L, XK_KP_Home}, {89, 4096, "⌃7"}},
     };
     for (const auto& [chord, shortcut] : cases) {
