@@ -1,46 +1,39 @@
 #include "components_fixture.h"
+#include "overlay/effect_drawing.h"
 #include "ui/components/choice_button.h"
 #include "ui/components/color_choices.h"
 #include "ui/components/color_well.h"
+#include "ui/components/toolkit_language.h"
 
 #include <QColorDialog>
+#include <QDialogButtonBox>
 
 namespace vantrel {
 namespace {
 
 using ColorChoicesTest = ViewTest;
 
-TEST_F(ColorChoicesTest, ColoursAreNamedByTheSixPresets) {
-    const char* const english[] = {"Yellow", "Green", "Blue", "Red", "Purple", "White"};
-    const char* const chinese[] = {"黄色", "绿色", "蓝色", "红色", "紫色", "白色"};
-    const auto presets = EffectColor::presets();
-    for (std::size_t i = 0; i < presets.size(); ++i) {
-        EXPECT_EQ(colorName(presets[i]).english, english[i]);
-        EXPECT_EQ(colorName(presets[i]).chinese, chinese[i]);
-        EXPECT_FALSE(isCustom(presets[i], Palette::highlight));
+TEST_F(ColorChoicesTest, AColourIsNamedByThePresetsAndSelectedInItsPalette) {
+    struct Case {
+        std::uint32_t color;
+        std::string english, chinese, ofHighlight, ofLaser; // what is selected in the palettes
+    };
+    const Case cases[] = {
+        {0x0A84FF, "Blue", "蓝色", "Blue", "Blue"},
+        {0xFACC15, "Yellow", "黄色", "Yellow", "Custom color"},
+        {0x0A84FE, "Custom color", "自定义颜色", "Custom color", "Custom color"},
+    };
+    for (const auto& [rgb, english, chinese, ofHighlight, ofLaser] : cases) {
+        const auto color = EffectColor::fromRgb(rgb);
+        EXPECT_EQ(colorName(color).english, english);
+        EXPECT_EQ(colorName(color).chinese, chinese);
+        change([&](auto& preferences) { preferences.highlight.color = color; });
+        show(colorChoices(view, highlightColor(), Palette::highlight));
+        EXPECT_EQ(checked(), std::vector{ofHighlight});
+        show(colorChoices(view, highlightColor(), Palette::laser));
+        EXPECT_EQ(checked(), std::vector{ofLaser});
+        EXPECT_EQ(parts<ChoiceButton>().size(), 3U);
     }
-    const auto almostBlue = EffectColor::fromRgb(0x0A84FE);
-    EXPECT_EQ(colorName(almostBlue).english, "Custom color");
-    EXPECT_EQ(colorName(almostBlue).chinese, "自定义颜色");
-    EXPECT_TRUE(isCustom(almostBlue, Palette::highlight));
-}
-
-TEST_F(ColorChoicesTest, OnlyTheColourInUseIsSelected) {
-    show(colorChoices(view, highlightColor(), Palette::highlight));
-    change([](auto& preferences) { preferences.highlight.color = EffectColor::fromRgb(0x0A84FF); });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Blue"});
-    change([](auto& preferences) { preferences.highlight.color = EffectColor::fromRgb(0x0A84FE); });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Custom color"});
-}
-
-TEST_F(ColorChoicesTest, TheLaserOffersThreeColours) {
-    show(colorChoices(view, laserColor(), Palette::laser));
-    EXPECT_EQ(parts<ChoiceButton>().size(), 3U);
-    EXPECT_EQ(checked(), std::vector<std::string>{"Red"});
-    const auto yellow = EffectColor::fromRgb(0xFACC15);
-    change([&](auto& preferences) { preferences.laser.color = yellow; });
-    EXPECT_EQ(checked(), std::vector<std::string>{"Custom color"});
-    EXPECT_EQ(colorName(yellow).english, "Yellow");
 }
 
 TEST_F(ColorChoicesTest, AWhiteSwatchHasABlackTick) {
@@ -82,17 +75,53 @@ TEST_F(ColorChoicesTest, WhatIsPickedInTheDialogIsNotWrittenBackIntoTheWell) {
     EXPECT_EQ(preferences().highlight.color, EffectColor::fromRgb(0xFF453A));
 }
 
-TEST_F(ColorChoicesTest, CancellingTheDialogBringsTheOldColourBack) {
+TEST_F(ColorChoicesTest, CancellingTheDialogBringsBackWhatWasLastChosenElsewhere) {
     auto* well = new CustomColorWell(view, laserColor(), Text{"Custom color", "自定义颜色"});
     show(well);
     const auto before = preferences().laser.color;
+    const auto choose = [&](EffectColor color) {
+        state.changePreferences([&](auto& preferences) { preferences.laser.color = color; });
+    };
+    const auto pick = [&] { well->dialog()->setCurrentColor(QColor(1, 2, 3)); };
+    const auto green = EffectColor::fromRgb(0x34C759);
+    const std::pair<std::function<void()>, EffectColor> cases[] = {
+        {[] {}, before},
+        {[&] { pick(); }, before},
+        {[&] { choose(green); }, green},
+        {[&] { pick(), choose(green); }, green},
+        {[&] { pick(), choose(green), pick(); }, green},
+        {[&] { pick(), choose(green), choose(before); }, before},
+    };
+    for (const auto& [meanwhile, left] : cases) {
+        choose(before);
+        update();
+        well->click();
+        meanwhile();
+        well->dialog()->reject();
+        update();
+        EXPECT_EQ(preferences().laser.color, left);
+        EXPECT_EQ(well->color(), toQColor(left));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+TEST_F(ColorChoicesTest, TheDialogSpeaksTheLanguageOfTheInterface) {
+    const ToolkitLanguage toolkit(view);
+    auto* well = new CustomColorWell(view, laserColor(), Text{"Custom color", "自定义颜色"});
+    show(well);
     well->click();
-    well->dialog()->setCurrentColor(QColor(1, 2, 3));
-    EXPECT_EQ(preferences().laser.color, EffectColor::fromRgb(0x010203));
-    well->dialog()->reject();
-    update();
-    EXPECT_EQ(preferences().laser.color, before);
-    EXPECT_EQ(well->color(), QColor(0xFF, 0x45, 0x3A));
+    const auto expect = [&](const QString& title, const QString& cancel) {
+        EXPECT_EQ(well->dialog()->windowTitle(), title);
+        const auto* buttons = well->dialog()->findChild<QDialogButtonBox*>();
+        EXPECT_TRUE(buttons->button(QDialogButtonBox::Cancel)->text().contains(cancel));
+    };
+    for (const auto language : {AppLanguage::chinese, AppLanguage::english, AppLanguage::chinese}) {
+        change([&](auto& preferences) { preferences.language = language; });
+        change([](auto& preferences) { preferences.laser.diameter += 1; });
+        language == AppLanguage::english
+            ? expect(QStringLiteral("Custom color"), QStringLiteral("Cancel"))
+            : expect(QStringLiteral("自定义颜色"), QStringLiteral("取消"));
+    }
 }
 
 TEST_F(ColorChoicesTest, TheDialogGoesOnWhenItsWellIsGone) {

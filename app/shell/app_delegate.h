@@ -6,6 +6,7 @@
 #include "app/shell/popover.h"
 #include "platform/command_answer.h"
 #include "platform/status_item.h"
+#include "ui/components/toolkit_language.h"
 #include "ui/components/view_context.h"
 
 #include <QObject>
@@ -76,6 +77,7 @@ private:
     SettingsStore store_;
     AppState state_;
     ViewContext view_;
+    ToolkitLanguage toolkitLanguage_{view_};
     Popover popover_;
     std::map<std::string_view, std::unique_ptr<QWidget>> windows_;
     const QWidget* lastUsed_ = nullptr; // of the windows

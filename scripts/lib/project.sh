@@ -24,7 +24,7 @@ desktop_packages=(
 test_packages=(
     "${desktop_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
-    libgmock-dev libgtest-dev locales sway trayer x11-xkb-utils
+    libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland zsh
 )
 # What starts programs by their desktop entries, and the manual; besides those of the tests.

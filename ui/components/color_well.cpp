@@ -26,6 +26,28 @@ EffectColor toEffectColor(const QColor& color) {
     return {part(parts.red()), part(parts.green()), part(parts.blue())};
 }
 
+// What a dialog knows of the bound colour.
+struct Picking {
+    Binding<EffectColor> color;
+    EffectColor before = color.get(); // what cancelling brings back
+    EffectColor known = before;
+
+    // Whether the colour has been changed elsewhere: then that is what cancelling leaves.
+    bool takeOver() {
+        const auto bound = color.get();
+        if (bound == known) {
+            return false;
+        }
+        before = known = bound;
+        return true;
+    }
+    void cancel() {
+        if (!takeOver() && known != before) {
+            color.set(before);
+        }
+    }
+};
+
 } // namespace
 
 void CustomColorWell::Coordinator::colorChanged(const QColor& picked) {
@@ -36,14 +58,15 @@ void CustomColorWell::Coordinator::colorChanged(const QColor& picked) {
 CustomColorWell::CustomColorWell(ViewContext& view, const Binding<EffectColor>& color,
                                  const Wording& label)
     : view_(view),
+      label_(label),
       coordinator_(std::make_shared<Coordinator>(Coordinator{color, std::nullopt})),
       color_(toQColor(color.get())) {
     setAutoDefault(true); // Enter works it
     setCheckable(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, &CustomColorWell::openDialog);
-    view.follow(this, [this, label] {
-        setAccessibleName(view_.say(label));
+    view.follow(this, [this] {
+        setAccessibleName(view_.say(label_));
         follow();
     });
 }
@@ -53,16 +76,8 @@ void CustomColorWell::follow() {
     const auto bound = coordinator_->color.get();
     if (coordinator_->lastChange != bound) {
         coordinator_->lastChange = bound;
-        setColor(toQColor(bound));
-    }
-}
-
-void CustomColorWell::setColor(const QColor& color) {
-    color_ = color;
-    update();
-    if (dialog_ != nullptr) {
-        const QSignalBlocker silence(dialog_);
-        dialog_->setCurrentColor(color);
+        color_ = toQColor(bound);
+        update();
     }
 }
 
@@ -82,18 +97,29 @@ void CustomColorWell::openDialog() {
 // The dialog may outlive the well, whose panel closes when the dialog takes the focus.
 QColorDialog* CustomColorWell::makeDialog() {
     auto* dialog = new QColorDialog(color_);
-    dialog->setWindowTitle(accessibleName());
-    const auto pick = [coordinator = coordinator_, well = QPointer(this)](const QColor& picked) {
+    const auto picking = std::make_shared<Picking>(Picking{coordinator_->color});
+    const auto pick = [picking, coordinator = coordinator_,
+                       well = QPointer(this)](const QColor& picked) {
+        picking->takeOver();
         if (well != nullptr) {
             well->color_ = picked;
             well->update();
         }
         coordinator->colorChanged(picked);
+        picking->known = picking->color.get();
     };
     connect(dialog, &QColorDialog::currentColorChanged, dialog, pick);
-    connect(dialog, &QDialog::rejected, dialog, [pick, before = color_] { pick(before); });
+    connect(dialog, &QDialog::rejected, dialog, [picking] { picking->cancel(); });
     connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
-    connect(&view_.root(), &QObject::destroyed, dialog, [dialog] { delete dialog; });
+    auto& view = view_.root();
+    view.follow(dialog, [&view, dialog, picking, label = label_] {
+        dialog->setWindowTitle(view.say(label));
+        if (picking->takeOver()) {
+            const QSignalBlocker silence(dialog);
+            dialog->setCurrentColor(toQColor(picking->known));
+        }
+    });
+    connect(&view, &QObject::destroyed, dialog, [dialog] { delete dialog; });
     if (window()->windowType() == Qt::Window && window()->windowHandle() != nullptr) {
         dialog->winId();
         dialog->windowHandle()->setTransientParent(window()->windowHandle());

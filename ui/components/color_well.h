@@ -14,7 +14,8 @@ class QColorDialog;
 namespace vantrel {
 
 // Shows a colour, and opens the desktop's colour dialog on it. What is picked there takes effect at
-// once, while it is still being dragged; cancelling the dialog brings the old colour back.
+// once, while it is still being dragged. Cancelling the dialog brings back the colour that it was
+// opened on, or the one that was chosen elsewhere meanwhile.
 class CustomColorWell : public QPushButton {
 public:
     // Between a well, its dialog and the bound colour.
@@ -42,11 +43,11 @@ protected:
 
 private:
     void follow();
-    void setColor(const QColor& color);
     QColorDialog* makeDialog();
     void paintBadge(QPainter& painter);
 
     ViewContext& view_;
+    const Wording label_;
     std::shared_ptr<Coordinator> coordinator_;
     QColor color_;
     QPointer<QColorDialog> dialog_;
