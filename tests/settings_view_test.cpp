@@ -71,16 +71,16 @@ TEST_F(SettingsViewTest, TellsWhatIsWrongWithTheShortcuts) {
 
 TEST_F(SettingsViewTest, ShortcutsAreClearedAndRestored) {
     openSettings(SettingsTab::controls);
-    EXPECT_EQ(button("Toggle Highlight")->text(), QStringLiteral("⌃⌥H"));
+    EXPECT_EQ(button("Toggle Highlight shortcut")->text(), QStringLiteral("⌃⌥H"));
     EXPECT_EQ(assignments([&] { click("Clear shortcut"); }), 1);
     EXPECT_EQ(preferences().highlightShortcut, std::nullopt);
     EXPECT_NE(preferences().laserShortcut, std::nullopt);
-    EXPECT_EQ(button("Toggle Highlight")->text(), QStringLiteral("Record shortcut"));
+    EXPECT_EQ(button("Toggle Highlight shortcut")->text(), QStringLiteral("Record shortcut"));
     change([](auto& preferences) { preferences.laserShortcut = std::nullopt; });
     EXPECT_EQ(assignments([&] { click("Restore default shortcuts"); }), 2);
     EXPECT_EQ(preferences().highlightShortcut, Shortcut::defaultHighlight());
     EXPECT_EQ(preferences().laserShortcut, Shortcut::defaultLaser());
-    EXPECT_EQ(button("Toggle Laser")->text(), QStringLiteral("⌃⌥L"));
+    EXPECT_EQ(button("Toggle Laser shortcut")->text(), QStringLiteral("⌃⌥L"));
 }
 
 TEST_F(SettingsViewTest, ClickMonitoringCanBeTriedAgain) {
@@ -178,8 +178,9 @@ TEST_F(SettingsViewTest, TheKeyboardReachesTheShortcutsInReadingOrderAndWorksThe
     EXPECT_EQ(tabStops(),
               (std::vector<std::string>{
                   "Off", "Highlight", "Laser Pointer", "Appearance", "Effects", "Controls",
-                  "General", "About", "Toggle Highlight", "Clear shortcut", "Toggle Laser",
-                  "Clear shortcut", "Restore default shortcuts", "Refresh monitoring"}));
+                  "General", "About", "Toggle Highlight shortcut", "Clear shortcut",
+                  "Toggle Laser shortcut", "Clear shortcut", "Restore default shortcuts",
+                  "Refresh monitoring"}));
     const auto press = [&](const char* name, Qt::Key key) {
         button(name)->setFocus(Qt::TabFocusReason);
         QTest::keyClick(QApplication::focusWidget(), key);

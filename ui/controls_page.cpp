@@ -9,22 +9,40 @@ namespace vantrel {
 
 namespace {
 
-using ShortcutField = std::optional<Shortcut> AppPreferences::*;
+struct ShortcutSlot {
+    Text title;
+    Text name; // of the button that records it, for screen readers
+    std::optional<Shortcut> AppPreferences::*field;
+};
+constexpr ShortcutSlot highlightSlot{{"Toggle Highlight", "切换高亮"},
+                                     {"Toggle Highlight shortcut", "切换高亮快捷键"},
+                                     &AppPreferences::highlightShortcut};
+constexpr ShortcutSlot laserSlot{{"Toggle Laser", "切换激光笔"},
+                                 {"Toggle Laser shortcut", "切换激光笔快捷键"},
+                                 &AppPreferences::laserShortcut};
 
-QWidget* recorder(ViewContext& view, const Text& title, ShortcutField field) {
+QWidget* recorder(ViewContext& view, const ShortcutSlot& slot) {
     auto* recorder =
-        new ShortcutRecorder(view, view.binding(field), Text{"Record shortcut", "录入快捷键"});
-    view.follow(recorder,
-                [recorder, &view, title] { recorder->setAccessibleName(view.say(title)); });
+        new ShortcutRecorder(view, view.binding(slot.field), Text{"Record shortcut", "录入快捷键"});
+    view.follow(recorder, [recorder, &view, name = slot.name] {
+        recorder->setAccessibleName(view.say(name));
+    });
     return recorder;
 }
 
-QWidget* shortcutRow(ViewContext& view, const Text& title, ShortcutField field) {
-    const auto shortcut = view.binding(field);
-    return row(8, {paragraph(view, title), recorder(view, title, field),
-                   iconButton(view, "xmark.circle", 13, Tone::secondary,
-                              Text{"Clear shortcut", "清除快捷键"},
-                              [shortcut] { shortcut.set(std::nullopt); })});
+QWidget* clearButton(ViewContext& view, const ShortcutSlot& slot) {
+    const auto shortcut = view.binding(slot.field);
+    auto* button =
+        iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Clear shortcut", "清除快捷键"},
+                   [shortcut] { shortcut.set(std::nullopt); });
+    view.follow(button, [button, &view, title = slot.title] {
+        button->setAccessibleDescription(view.say(title));
+    });
+    return button;
+}
+
+QWidget* shortcutRow(ViewContext& view, const ShortcutSlot& slot) {
+    return row(8, {paragraph(view, slot.title), recorder(view, slot), clearButton(view, slot)});
 }
 
 // Whatever the code, there is a text.
@@ -50,9 +68,7 @@ QWidget* shortcutsCard(ViewContext& view) {
     return new SectionCard(
         view, Text{"Global Shortcuts", "全局快捷键"},
         column(16,
-               {shortcutRow(view, {"Toggle Highlight", "切换高亮"},
-                            &AppPreferences::highlightShortcut),
-                shortcutRow(view, {"Toggle Laser", "切换激光笔"}, &AppPreferences::laserShortcut),
+               {shortcutRow(view, highlightSlot), shortcutRow(view, laserSlot),
                 shortcutProblem(view),
                 paragraph(view,
                           Text{"Click to record a shortcut with Control, Option or Command. Esc "
