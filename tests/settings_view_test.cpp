@@ -176,11 +176,10 @@ TEST_F(SettingsViewTest, LinksThatAreNotConfiguredLeadToTheHelp) {
 TEST_F(SettingsViewTest, TheKeyboardReachesTheShortcutsInReadingOrderAndWorksThem) {
     openSettings(SettingsTab::controls);
     EXPECT_EQ(tabStops(),
-              (std::vector<std::string>{
-                  "Off", "Highlight", "Laser Pointer", "Appearance", "Effects", "Controls",
-                  "General", "About", "Toggle Highlight shortcut", "Clear shortcut",
-                  "Toggle Laser shortcut", "Clear shortcut", "Restore default shortcuts",
-                  "Refresh monitoring"}));
+              (std::vector<std::string>{"Controls", "General", "About", "Toggle Highlight shortcut",
+                                        "Clear shortcut", "Toggle Laser shortcut", "Clear shortcut",
+                                        "Restore default shortcuts", "Refresh monitoring", "Off",
+                                        "Highlight", "Laser Pointer", "Appearance", "Effects"}));
     const auto press = [&](const char* name, Qt::Key key) {
         button(name)->setFocus(Qt::TabFocusReason);
         QTest::keyClick(QApplication::focusWidget(), key);
@@ -192,6 +191,28 @@ TEST_F(SettingsViewTest, TheKeyboardReachesTheShortcutsInReadingOrderAndWorksThe
     EXPECT_EQ(preferences().highlightShortcut, Shortcut::defaultHighlight());
     press("Effects", Qt::Key_Space);
     EXPECT_TRUE(says("Click Effects"));
+}
+
+TEST_F(SettingsViewTest, TheKeyboardIsAtNoModeUnlessItGoesThere) {
+    auto& settings = openSettings(SettingsTab::appearance);
+    const auto expectHarmless = [&](CursorMode mode) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        EXPECT_EQ(state.mode().get(), mode);
+    };
+    setMode(CursorMode::highlight);
+    expectHarmless(CursorMode::highlight);
+    // A shortcut takes the slider away.
+    named("Diameter")->setFocus();
+    setMode(CursorMode::laser);
+    expectHarmless(CursorMode::laser);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), named("Red"));
+    button("Off")->setFocus();
+    settings.hide();
+    settings.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&settings));
+    expectHarmless(CursorMode::laser);
 }
 
 TEST_F(SettingsViewTest, KeysScrollThePageWhereverTheFocusIs) {

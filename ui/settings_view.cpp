@@ -15,6 +15,7 @@
 
 #include <QHideEvent>
 #include <QMessageBox>
+#include <QShowEvent>
 
 #include <array>
 
@@ -84,11 +85,15 @@ QWidget* tabButton(ViewContext& view, SettingsTab tab) {
     return button;
 }
 
-QWidget* tabBar(ViewContext& view) {
+std::vector<QWidget*> makeTabButtons(ViewContext& view) {
     std::vector<QWidget*> buttons;
     for (std::size_t i = 0; i < tabs.size(); ++i) {
         buttons.push_back(tabButton(view, static_cast<SettingsTab>(i)));
     }
+    return buttons;
+}
+
+QWidget* tabBar(ViewContext& view, const std::vector<QWidget*>& buttons) {
     auto* bar = choiceRow(view, 4, Text{"Settings", "设置"}, buttons);
     setAccessibleRole(bar, QAccessible::PageTabList);
     return row(0, {bar})->padded({16, 0, 16, 12});
@@ -148,11 +153,14 @@ QMessageBox* makeResetAlert(ViewContext& view, QWidget* parent) {
 
 } // namespace
 
-SettingsView::SettingsView(ViewContext& view)
-    : VantrelBackground(
-          column(0, {header(view), row(0, {modeChoices(view, true)})->padded({20, 0, 20, 14}),
-                     tabBar(view), divider(), pages(view, [this] { confirmReset(); })})),
-      view_(view) {}
+SettingsView::SettingsView(ViewContext& view) : SettingsView(view, makeTabButtons(view)) {}
+
+SettingsView::SettingsView(ViewContext& view, const std::vector<QWidget*>& tabButtons)
+    : VantrelBackground(column(
+          0, {header(view), row(0, {modeChoices(view, true)})->padded({20, 0, 20, 14}),
+              tabBar(view, tabButtons), divider(), pages(view, [this] { confirmReset(); })})),
+      view_(view),
+      tabButtons_(tabButtons) {}
 
 QMessageBox* SettingsView::resetAlert() const {
     return alert_;
@@ -162,6 +170,13 @@ void SettingsView::confirmReset() {
     if (alert_ == nullptr) {
         alert_ = makeResetAlert(view_, this);
         alert_->open();
+    }
+}
+
+// Enter on the first stop would switch the effects off.
+void SettingsView::showEvent(QShowEvent* event) {
+    if (!event->spontaneous()) {
+        tabButtons_[static_cast<std::size_t>(view_.state().selectedTab().get())]->setFocus();
     }
 }
 

@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+#include <vector>
+
 class QMessageBox;
 
 namespace vantrel {
@@ -20,10 +22,15 @@ public:
     [[nodiscard]] QMessageBox* resetAlert() const;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
+    // Of the tabs, in the order of SettingsTab.
+    SettingsView(ViewContext& view, const std::vector<QWidget*>& tabButtons);
+
     ViewContext& view_;
+    const std::vector<QWidget*> tabButtons_;
     QPointer<QMessageBox> alert_;
 };
 

@@ -6,6 +6,15 @@
 
 namespace vantrel {
 
+namespace {
+
+bool hasKeyboard(const QWidget& part) {
+    const auto* focused = part.window()->focusWidget();
+    return focused != nullptr && (focused == &part || part.isAncestorOf(focused));
+}
+
+} // namespace
+
 // The keyboard would come last to what is added last.
 void Switcher::visitHere(const QWidget& part) {
     std::vector<QWidget*> stops;
@@ -42,6 +51,9 @@ void Switcher::showPart(Part& part) {
         return;
     }
     if (current_ != nullptr) {
+        if (hasKeyboard(*current_)) {
+            setFocus();
+        }
         current_->hide();
     }
     current_ = part.widget;

@@ -11,7 +11,8 @@
 namespace vantrel {
 
 // Shows one of several parts. Each is built when it is first shown, and kept; while it is not shown
-// it is not brought up to date either.
+// it is not brought up to date either. When the keyboard is in a part that goes, it
+// comes to rest before the first stop of the next one.
 class Switcher : public QWidget {
 public:
     using Builder = std::function<QWidget*(ViewContext& view)>;
