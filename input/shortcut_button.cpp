@@ -58,9 +58,25 @@ void ShortcutButton::grabKeyboardIfFocused() {
     }
 }
 
+void ShortcutButton::refuse() {
+    constexpr int flash = 200; // milliseconds
+    alertSound_.beep();
+    refusal_.start(flash, this);
+    update();
+}
+
+void ShortcutButton::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == refusal_.timerId()) {
+        refusal_.stop();
+        update();
+    }
+    QPushButton::timerEvent(event);
+}
+
 void ShortcutButton::stop() {
     recording_ = false;
     grab_.reset();
+    refusal_.stop();
     update();
 }
 
@@ -69,6 +85,25 @@ void ShortcutButton::cancel() {
         stop();
         updateTitle();
     }
+}
+
+void ShortcutButton::giveFocusUp() {
+    clearFocus();
+    window()->installEventFilter(this);
+}
+
+// Of the window: the toolkit would let Tab begin with its first part.
+bool ShortcutButton::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || window()->focusWidget() != nullptr || !isVisible()) {
+        return false;
+    }
+    const auto key = static_cast<QKeyEvent*>(event)->key();
+    if (key != Qt::Key_Tab && key != Qt::Key_Backtab) {
+        return false;
+    }
+    watched->removeEventFilter(this);
+    setFocus(Qt::OtherFocusReason);
+    return focusNextPrevChild(key == Qt::Key_Tab);
 }
 
 bool ShortcutButton::event(QEvent* event) {
@@ -116,31 +151,31 @@ void ShortcutButton::handleKey(const QKeyEvent& event) {
     if (const auto press = keyboard_.press(event.nativeScanCode(), event.nativeModifiers())) {
         handlePress(*press);
     } else if (!keyboard_.isModifier(event.nativeScanCode())) {
-        alertSound_.beep();
+        refuse();
     }
 }
 
 // The keyboard is given back before the new shortcut is known to anybody: it may be registered at
-// once, and the button may be gone.
+// once.
 void ShortcutButton::handlePress(const KeyPress& press) {
     if (press.keyCode == escapeKey) {
         cancel();
-        clearFocus();
+        giveFocusUp();
     } else if (clears(press)) {
         stop();
         report(std::nullopt);
     } else if (const auto shortcut = Shortcut::fromKeyPress(press)) {
         cancel();
-        clearFocus();
+        giveFocusUp();
         report(shortcut);
     } else {
-        alertSound_.beep();
+        refuse();
     }
 }
 
 void ShortcutButton::report(const std::optional<Shortcut>& shortcut) const {
-    if (const auto callback = onShortcut) {
-        callback(shortcut);
+    if (onShortcut) {
+        onShortcut(shortcut);
     }
 }
 
@@ -172,9 +207,14 @@ void ShortcutButton::paintEvent(QPaintEvent* event) {
         constexpr double lineWidth = 2;
         constexpr double radius = 5;
         constexpr double inset = lineWidth / 2;
+        auto color = palette().color(QPalette::Active, QPalette::Highlight);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), lineWidth));
+        painter.setPen(QPen(color, lineWidth));
+        if (refusal_.isActive()) {
+            color.setAlphaF(0.5F);
+            painter.setBrush(color);
+        }
         painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius,
                                 radius);
     }

@@ -4,6 +4,7 @@
 #include "platform/keyboard.h"
 #include "preferences/shortcut.h"
 
+#include <QBasicTimer>
 #include <QPushButton>
 
 #include <functional>
@@ -27,13 +28,16 @@ private:
 
 // Shows a shortcut. Once it is clicked, the next combination of keys with Control, Option or
 // Command is the new one; Escape cancels, and Backspace or Delete clears it. Recording also
-// ends, with nothing changed, when the button loses the focus.
+// ends, with nothing changed, when the button loses the focus. A key that is refused rings the
+// alert and lights the button up for a moment.
+//
+// Once Escape or a shortcut has ended the recording, nothing has the focus; Tab goes on from here.
 class ShortcutButton : public QPushButton {
 public:
     // Both must outlive the button.
     ShortcutButton(const Keyboard& keyboard, AlertSound& alertSound);
 
-    // Receives the recorded shortcut, or nothing when the user clears it. May delete the button.
+    // Receives the recorded shortcut, or nothing when the user clears it.
     std::function<void(const std::optional<Shortcut>&)> onShortcut;
     QString prompt = QStringLiteral("Record shortcut"); // the title while recording
     QString savedTitle;                                 // the title otherwise
@@ -45,12 +49,14 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -58,13 +64,16 @@ private:
     void handlePress(const KeyPress& press);
     void report(const std::optional<Shortcut>& shortcut) const;
     void grabKeyboardIfFocused();
+    void refuse();
     void stop();
     void cancel();
+    void giveFocusUp();
 
     const Keyboard& keyboard_;
     AlertSound& alertSound_;
     bool recording_ = false;
     std::optional<KeyboardGrab> grab_; // only while recording
+    QBasicTimer refusal_;              // runs while a refusal is shown
 };
 
 } // namespace vantrel

@@ -44,7 +44,7 @@ protected:
                                         Text{"Record shortcut", "录入快捷键"});
         recorder->setAccessibleName(QStringLiteral("Toggle highlight"));
         other = new QLineEdit;
-        show(column(0, {recorder, other}));
+        show(column(0, {new QLineEdit, recorder, other}));
         other->setFocus();
     }
 
@@ -83,7 +83,6 @@ TEST_F(ShortcutRecorderTest, TakesTheNextCombinationAndWritesItOnce) {
     const Case cases[] = {
         {j, controlOption, {38, 6144, "⌃⌥J"}, "⌃⌥J"},
         {q, keyflag::command, {12, 256, "⌘Q"}, "⌘Q"},
-        {tab, keyflag::control, {48, 4096, "⌃\t"}, "⌃\t"},
         {f3, keyflag::option | keyflag::shift, {99, 2560, "⌥⇧99"}, "⌥⇧99"},
         // Two ampersands show as one.
         {seven, keyflag::control | keyflag::shift, {26, 4608, "⌃⇧&"}, "⌃⇧&&"},
@@ -137,10 +136,14 @@ TEST_F(ShortcutRecorderTest, RefusesOtherKeysAndGoesOn) {
         {shiftKey, 0, 0}, {shiftKey, controlOption, 0},
     };
     click();
+    const auto picture = [this] { return recorder->grab().toImage(); };
+    const auto usual = picture();
     for (const auto& [key, flags, beeps] : cases) {
         desktop.alertSound.beeps = 0;
         EXPECT_TRUE(press(key, flags, Qt::Key_Tab));
         EXPECT_EQ(desktop.alertSound.beeps, beeps) << key;
+        EXPECT_EQ(picture() != usual, beeps > 0) << key;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return picture() == usual; }));
         expectRecording();
     }
     press(j, controlOption, Qt::Key_J, {}, true);
@@ -148,48 +151,6 @@ TEST_F(ShortcutRecorderTest, RefusesOtherKeysAndGoesOn) {
     EXPECT_EQ(shortcut(), Shortcut::defaultHighlight());
     press(j, controlOption);
     EXPECT_EQ(shortcut(), (Shortcut{38, 6144, "⌃⌥J"}));
-}
-
-TEST_F(ShortcutRecorderTest, EndsWithNothingChangedWhenTheUserTurnsAway) {
-    QWidget elsewhere;
-    const std::function<void()> ways[] = {
-        [this] { other->setFocus(); },
-        [this] { recorder->setEnabled(false); },
-        [this] { window->setEnabled(false); },
-        [this] { recorder->hide(); },
-        [this] { window->hide(); },
-        [this] { window->close(); },
-        [&] {
-            elsewhere.show();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
-        },
-    };
-    for (std::size_t i = 0; i < std::size(ways); ++i) {
-        SCOPED_TRACE(i);
-        click();
-        expectRecording();
-        ways[i]();
-        expectIdle("⌃⌥H");
-        EXPECT_EQ(shortcut(), Shortcut::defaultHighlight());
-        elsewhere.hide();
-        open();
-    }
-    click();
-    expectRecording();
-    window.reset();
-    EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
-}
-
-TEST_F(ShortcutRecorderTest, TakesTheKeyboardOnceItHasTheFocus) {
-    QWidget elsewhere;
-    elsewhere.show();
-    elsewhere.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
-    recorder->click();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    expectRecording();
-    press(escape, 0);
-    expectIdle("⌃⌥H");
 }
 
 TEST_F(ShortcutRecorderTest, KeepsThePromptUpWhileTheShortcutOrTheLanguageChanges) {
@@ -235,8 +196,8 @@ TEST_F(ShortcutRecorderTest, IsWorkedByKeyboardAlone) {
     EXPECT_TRUE(press(enter, 0, Qt::Key_Return));
     expectRecording();
     press(j, controlOption);
-    recorder->setFocus();
-    QTest::keyClick(recorder, Qt::Key_Tab);
+    ASSERT_EQ(window->focusWidget(), nullptr);
+    QTest::keyClick(window.get(), Qt::Key_Tab);
     EXPECT_TRUE(other->hasFocus());
     EXPECT_EQ(shortcut(), (Shortcut{38, 6144, "⌃⌥J"}));
 }
@@ -256,16 +217,6 @@ TEST_F(ShortcutRecorderTest, TellsScreenReadersWhatItShows) {
     const auto recording = recorder->grab().toImage();
     EXPECT_EQ(recording.pixelColor(recording.width() / 2, 0), accent);
     EXPECT_NE(idle.pixelColor(idle.width() / 2, 0), accent);
-}
-
-TEST_F(ShortcutRecorderTest, MayBeDeletedByWhoReceivesTheShortcut) {
-    click();
-    recorder->onShortcut = [this](const auto&) { delete std::exchange(recorder, nullptr); };
-    auto* button = recorder;
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_J, {}, j, 0, controlOption);
-    QCoreApplication::sendEvent(button, &event);
-    EXPECT_EQ(recorder, nullptr);
-    EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
 }
 
 } // namespace
