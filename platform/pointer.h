@@ -11,8 +11,8 @@ class Pointer {
 public:
     virtual ~Pointer() = default;
 
-    // Where its hot spot is now, asked anew at each call; the last known place when the desktop
-    // does not answer, and nothing when it does not know itself.
+    // Where its hot spot is now, asked anew in each turn of the event loop; the last known place
+    // when the desktop does not answer, and nothing when it does not know itself.
     [[nodiscard]] virtual std::optional<GlobalPoint> location() = 0;
 };
 

@@ -271,9 +271,18 @@ void Connection::dispatch() {
     if (dispatching_) {
         return;
     }
+    // Enough for what answers bring along; each turn of the event loop takes time of its own.
+    constexpr int most = 8;
     dispatching_ = true;
-    if (deliverGulp()) {
+    for (int gulps = 0; gulps < most; ++gulps) {
+        beginTurn();
+        if (!deliverGulp()) {
+            break;
+        }
         forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });
+        if (!hasQueuedEvents()) {
+            break;
+        }
     }
     xcb_flush(connection_);
     dispatching_ = false;

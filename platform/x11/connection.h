@@ -96,11 +96,17 @@ public:
     // Adds to what the root window reports, whoever else wants something of it.
     void selectRootEvents(std::uint32_t mask);
 
-    // Handles what has arrived, in one gulp, and sends what that led to. What arrives meanwhile is
-    // for the next time: a server that always has something to say must not hold up the rest.
+    // Handles what has arrived, in gulps, and sends what that led to. When much arrives meanwhile,
+    // some is left for the next time: a server that always has something to say must not hold up
+    // the rest.
     void dispatch();
     // Whether events wait in memory, where the descriptor does not tell of them.
     [[nodiscard]] bool hasQueuedEvents();
+
+    // Goes up with each gulp, and when the event loop is about to wait. What the server has said in
+    // an earlier turn may have changed since.
+    [[nodiscard]] std::uint64_t turn() const { return turn_; }
+    void beginTurn() { ++turn_; }
 
     // Called once, when the server has gone away.
     Observers<> lost;
@@ -129,6 +135,7 @@ private:
     std::optional<bool> xwayland_;
     QSize rootSize_;
     std::uint32_t rootEvents_ = 0;
+    std::uint64_t turn_ = 1;
     std::vector<EventHandler*> handlers_; // null where one has left
     Owned<xcb_generic_event_t> ahead_;    // taken from the queue, not handled yet
     bool dispatching_ = false;

@@ -23,6 +23,7 @@ EventLoop::EventLoop(Connection& connection)
         if (connection_.hasQueuedEvents()) {
             dispatcher->wakeUp();
         }
+        connection_.beginTurn();
     });
 }
 

@@ -1,5 +1,7 @@
 #include "platform/x11/pointer.h"
 
+#include <utility>
+
 namespace vantrel::x11 {
 
 X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens, const Clock& clock)
@@ -10,6 +12,13 @@ X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens, const 
 }
 
 std::optional<GlobalPoint> X11Pointer::location() {
+    if (std::exchange(askedIn_, connection_.turn()) != connection_.turn()) {
+        ask();
+    }
+    return known_ ? std::optional(lastLocation()) : std::nullopt;
+}
+
+void X11Pointer::ask() {
     auto* xcb = connection_.xcb();
     const Owned<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));
@@ -17,7 +26,6 @@ std::optional<GlobalPoint> X11Pointer::location() {
         pixel_ = QPoint(reply->root_x, reply->root_y);
         known_ = !xwayland_ || xwayland_->isKnown(*reply, clock_.uptime());
     }
-    return known_ ? std::optional(lastLocation()) : std::nullopt;
 }
 
 GlobalPoint X11Pointer::lastLocation() const {

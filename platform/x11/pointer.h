@@ -11,16 +11,20 @@ class X11Pointer final : public Pointer {
 public:
     X11Pointer(Connection& connection, const X11Screens& screens, const Clock& clock);
 
+    // Asks once in each turn of the connection, however many want to know.
     [[nodiscard]] std::optional<GlobalPoint> location() override;
     // The place in the last answer, without asking.
     [[nodiscard]] GlobalPoint lastLocation() const;
 
 private:
+    void ask();
+
     Connection& connection_;
     const X11Screens& screens_;
     const Clock& clock_;
     QPoint pixel_;
     bool known_ = true;
+    std::uint64_t askedIn_ = 0;               // the turn
     std::optional<XwaylandPointer> xwayland_; // where the server is one
 };
 
