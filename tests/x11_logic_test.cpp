@@ -2,6 +2,7 @@
 #include "platform/x11/desktop_scale.h"
 #include "platform/x11/desktop_settings.h"
 #include "platform/x11/display_link.h"
+#include "platform/x11/event_monitors.h"
 #include "platform/x11/pixel_map.h"
 #include "platform/x11/raise_policy.h"
 #include "platform/x11/screens.h"
@@ -180,6 +181,21 @@ TEST(PaceCheckTest, ForgivesACounterThatStartsAnew) {
         const bool again = i % 20 == 0;
         EXPECT_EQ(check.add(i % 20, i * 16'667), again ? Verdict::none : Verdict::blank) << i;
     }
+}
+
+TEST(FingersTest, PressOnceWhenTheFirstComesDown) {
+    Fingers fingers;
+    EXPECT_TRUE(fingers.down(10, 1));
+    EXPECT_FALSE(fingers.down(10, 2));
+    EXPECT_FALSE(fingers.down(11, 3));
+    fingers.up(3);
+    fingers.deviceGone(11);
+    fingers.up(1);
+    EXPECT_FALSE(fingers.down(10, 4));
+    fingers.deviceGone(10); // whose fingers are never lifted
+    EXPECT_TRUE(fingers.down(12, 5));
+    fingers.up(5);
+    EXPECT_TRUE(fingers.down(12, 6));
 }
 
 TEST(RaisePolicyTest, YieldsToAWindowThatAnswersEveryTime) {

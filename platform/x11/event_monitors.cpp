@@ -1,6 +1,8 @@
 #include "platform/x11/event_monitors.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 #include <utility>
 
 #include <xcb/xinput.h>
@@ -27,33 +29,41 @@ bool isWheel(std::uint32_t button) {
 
 } // namespace
 
+bool Fingers::down(std::uint16_t device, std::uint32_t touch) {
+    fingers_.push_back({device, touch});
+    return fingers_.size() == 1;
+}
+
+void Fingers::up(std::uint32_t touch) {
+    std::erase_if(fingers_, [touch](const Finger& finger) { return finger.touch == touch; });
+}
+
+void Fingers::deviceGone(std::uint16_t device) {
+    std::erase_if(fingers_, [device](const Finger& finger) { return finger.device == device; });
+}
+
 X11EventMonitors::X11EventMonitors(Connection& connection, X11Pointer& pointer)
     : connection_(connection), pointer_(pointer), events_(connection.addHandler(*this)) {}
 
 std::optional<EventMonitors::Token> X11EventMonitors::addGlobal(EventMask mask,
                                                                 GlobalHandler handler) {
     newest_ = xcb_no_operation(connection_.xcb()).sequence;
-    global_.push_back({++lastToken_, mask, newest_, std::move(handler)});
+    monitors_.push_back({++lastToken_, mask, newest_, std::move(handler)});
     select();
     return lastToken_;
 }
 
-std::optional<EventMonitors::Token> X11EventMonitors::addLocal(EventMask mask,
-                                                               LocalHandler handler) {
-    newest_ = xcb_no_operation(connection_.xcb()).sequence;
-    local_.push_back({++lastToken_, mask, newest_, std::move(handler)});
-    select();
-    return lastToken_;
+std::optional<EventMonitors::Token> X11EventMonitors::addLocal(EventMask /*mask*/,
+                                                               LocalHandler /*handler*/) {
+    return ++lastToken_;
 }
 
 void X11EventMonitors::remove(Token token) {
-    const auto forget = [token](auto& monitors) {
-        for (auto& monitor : monitors) {
-            monitor.mask = monitor.token == token ? 0 : monitor.mask;
-        }
-    };
-    forget(global_);
-    forget(local_);
+    const auto monitor = std::ranges::find(monitors_, token, &Monitor::token);
+    if (monitor == monitors_.end()) {
+        return;
+    }
+    monitor->mask = 0;
     if (!sending_) {
         eraseRemoved();
     }
@@ -61,37 +71,40 @@ void X11EventMonitors::remove(Token token) {
 }
 
 void X11EventMonitors::eraseRemoved() {
-    std::erase_if(global_, [](const auto& monitor) { return monitor.mask == 0; });
-    std::erase_if(local_, [](const auto& monitor) { return monitor.mask == 0; });
+    std::erase_if(monitors_, [](const auto& monitor) { return monitor.mask == 0; });
 }
 
 void X11EventMonitors::select() {
     EventMask wanted = 0;
-    for (const auto& monitor : global_) {
-        wanted |= monitor.mask;
-    }
-    for (const auto& monitor : local_) {
+    for (const auto& monitor : monitors_) {
         wanted |= monitor.mask;
     }
     std::uint32_t events = 0;
+    std::uint32_t hierarchy = 0;
     if ((wanted & motionMask) != 0) {
         events |= XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
     }
     if ((wanted & pressMask) != 0) {
         events |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
                   XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
+        hierarchy = XCB_INPUT_XI_EVENT_MASK_HIERARCHY;
     }
     if (std::exchange(selected_, events) == events) {
         return;
     }
     // A finger may be lifted while nobody looks.
     fingers_.clear();
-    // Of the pointers only: what moves them is seen through them.
-    const struct {
+    struct Selection {
         xcb_input_event_mask_t head;
         std::uint32_t events;
-    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-    xcb_input_xi_select_events(connection_.xcb(), connection_.root(), 1, &selection.head);
+    };
+    // Of the pointers only: what moves them is seen through them.
+    const std::array<Selection, 2> selections{{
+        {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events},
+        {{XCB_INPUT_DEVICE_ALL, 1}, hierarchy},
+    }};
+    xcb_input_xi_select_events(connection_.xcb(), connection_.root(), selections.size(),
+                               &selections.front().head);
 }
 
 void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
@@ -114,6 +127,9 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
     case XCB_INPUT_RAW_TOUCH_END:
         noteFinger(event);
         break;
+    case XCB_INPUT_HIERARCHY:
+        noteDevices(event);
+        break;
     default:
         break;
     }
@@ -130,13 +146,23 @@ void X11EventMonitors::notePress(const xcb_generic_event_t& event) {
 void X11EventMonitors::noteFinger(const xcb_generic_event_t& event) {
     const auto& touch = reinterpret_cast<const xcb_input_raw_touch_begin_event_t&>(event);
     if (touch.event_type == XCB_INPUT_RAW_TOUCH_END) {
-        std::erase(fingers_, touch.detail);
-        return;
-    }
-    if (fingers_.empty()) {
+        fingers_.up(touch.detail);
+    } else if (fingers_.down(touch.sourceid, touch.detail)) {
         presses_.push_back({.button = leftButton, .sequence = event.full_sequence});
     }
-    fingers_.push_back(touch.detail);
+}
+
+void X11EventMonitors::noteDevices(const xcb_generic_event_t& event) {
+    constexpr std::uint32_t gone = XCB_INPUT_HIERARCHY_MASK_SLAVE_REMOVED |
+                                   XCB_INPUT_HIERARCHY_MASK_SLAVE_DETACHED |
+                                   XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
+    const auto& change = reinterpret_cast<const xcb_input_hierarchy_event_t&>(event);
+    const std::span devices(xcb_input_hierarchy_infos(&change), change.num_infos);
+    for (const auto& device : devices) {
+        if ((device.flags & gone) != 0) {
+            fingers_.deviceGone(device.deviceid);
+        }
+    }
 }
 
 void X11EventMonitors::eventsDrained() {
@@ -162,34 +188,17 @@ void X11EventMonitors::deliverPresses() {
         const auto type = button == leftButton    ? EventType::leftMouseDown
                           : button == rightButton ? EventType::rightMouseDown
                                                   : EventType::otherMouseDown;
-        sendPress(type, place, press.sequence);
+        send({.type = type, .locationInWindow = {place.x, place.y}}, press.sequence);
     }
-}
-
-void X11EventMonitors::sendPress(EventType type, GlobalPoint place, std::uint32_t sequence) {
-    const auto* window = windowAt_ ? windowAt_(place) : nullptr;
-    const auto origin = window != nullptr ? window->convertPointToScreen({}) : GlobalPoint{};
-    send({.type = type, .locationInWindow = toLocal(place, origin), .window = window}, sequence);
 }
 
 void X11EventMonitors::send(const Event& event, std::uint32_t sequence) {
     sending_ = true;
     // A monitor that is added meanwhile hears of the next event.
-    const auto wants = [&event, sequence, last = lastToken_](const auto& monitor) {
-        return (monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last &&
-               static_cast<std::int32_t>(sequence - monitor.since) >= 0;
-    };
-    if (event.window == nullptr) {
-        for (const auto& monitor : global_) {
-            if (wants(monitor)) {
-                monitor.handler(event);
-            }
-        }
-    } else {
-        for (const auto& monitor : local_) {
-            if (wants(monitor) && monitor.handler(event) == std::nullopt) {
-                break;
-            }
+    for (const auto last = lastToken_; const auto& monitor : monitors_) {
+        if ((monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last &&
+            static_cast<std::int32_t>(sequence - monitor.since) >= 0) {
+            monitor.handler(event);
         }
     }
     sending_ = false;

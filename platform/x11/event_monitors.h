@@ -9,34 +9,46 @@
 
 namespace vantrel::x11 {
 
+// The fingers that are on touchscreens.
+class Fingers {
+public:
+    // Whether it is the first one, which makes a press; those beside it make none.
+    bool down(std::uint16_t device, std::uint32_t touch);
+    void up(std::uint32_t touch);
+    // Nobody may tell of the end of its touches.
+    void deviceGone(std::uint16_t device);
+    void clear() { fingers_.clear(); }
+
+private:
+    struct Finger {
+        std::uint16_t device = 0;
+        std::uint32_t touch = 0;
+    };
+
+    std::vector<Finger> fingers_;
+};
+
 // Motion and presses of every mouse, touchpad and tablet, seen whoever has grabbed the pointer.
 // They are told of when all that had arrived was read: first the presses, in their order and each
 // with the place of the pointer, then the motion, once however many there were. A motion carries
-// the place of the last query, as the raw events have none and asking is for who needs it; it
-// always goes to the global monitors. A monitor that is added hears of no press from before, such
-// as the one that led to it and waits to be read.
+// the place of the last query, as the raw events have none and asking is for who needs it. What
+// happens in this program's own windows goes to the global monitors like all else. A monitor that
+// is added hears of no press from before, such as the one that led to it and waits to be read.
 class X11EventMonitors final : public EventMonitors, private EventHandler {
 public:
-    // The window of this application that a press at the point goes to, null when there is none.
-    using WindowAt = std::function<const EventWindow*(GlobalPoint)>;
-
     X11EventMonitors(Connection& connection, X11Pointer& pointer);
 
-    // Until it is set, every press is taken for another application's. The program leaves it at
-    // that: it treats presses in its own windows like all others.
-    void setWindowAt(WindowAt windowAt) { windowAt_ = std::move(windowAt); }
-
     std::optional<Token> addGlobal(EventMask mask, GlobalHandler handler) override;
+    // Has nothing left to hear.
     std::optional<Token> addLocal(EventMask mask, LocalHandler handler) override;
     void remove(Token token) override;
 
 private:
-    template <typename Handler>
     struct Monitor {
         Token token = 0;
         EventMask mask = 0;      // 0 once it was removed
         std::uint32_t since = 0; // the number of a request: presses before it are not for it
-        Handler handler;
+        GlobalHandler handler;
     };
 
     void handleEvent(const xcb_generic_event_t& event) override;
@@ -45,22 +57,19 @@ private:
     void notePress(const xcb_generic_event_t& event);
     void noteFinger(const xcb_generic_event_t& event);
     void deliverPresses();
-    void sendPress(EventType type, GlobalPoint place, std::uint32_t sequence);
+    void noteDevices(const xcb_generic_event_t& event);
     void send(const Event& event, std::uint32_t sequence);
     void eraseRemoved();
 
     Connection& connection_;
     X11Pointer& pointer_;
-    WindowAt windowAt_;
     Token lastToken_ = 0;
-    std::uint32_t newest_ = 0; // monitor's since
-    // Lists, so that a handler may add a monitor while they are walked along.
-    std::list<Monitor<GlobalHandler>> global_;
-    std::list<Monitor<LocalHandler>> local_;
+    std::uint32_t newest_ = 0;    // monitor's since
+    std::list<Monitor> monitors_; // a list, so that a handler may add one while it is walked along
     std::uint32_t selected_ = 0;
     bool sending_ = false;
     std::vector<RawPress> presses_;
-    std::vector<std::uint32_t> fingers_; // that are down
+    Fingers fingers_;
     bool moved_ = false;
     Subscription events_;
 };

@@ -480,25 +480,6 @@ TEST_F(ClicksDesktopTest, OfOneGulpComeInTheirOrderBeforeTheMotion) {
     x11->eventMonitors.remove(*token);
 }
 
-// One whose bottom-left corner is at (200, 400).
-class OwnWindow final : public EventWindow {
-public:
-    [[nodiscard]] GlobalPoint convertPointToScreen(Point point) const override {
-        return {point.x + 200, point.y + 400};
-    }
-};
-
-TEST_F(ClicksDesktopTest, InAWindowOfThisProgramAreSeenByTheLocalMonitorOnly) {
-    const OwnWindow window;
-    x11->eventMonitors.setWindowAt([&window](GlobalPoint) { return &window; });
-    int globalEvents = 0;
-    const auto token = x11->eventMonitors.addGlobal(
-        maskOf(EventType::leftMouseDown), [&globalEvents](const Event&) { ++globalEvents; });
-    EXPECT_THAT(clickedWith(Button::left), ElementsAre(left));
-    EXPECT_EQ(globalEvents, 0);
-    x11->eventMonitors.remove(*token);
-}
-
 TEST_F(ClicksDesktopTest, MayRemoveAndAddMonitorsWhileTheyAreReported) {
     int later = 0;
     std::optional<EventMonitors::Token> token;
