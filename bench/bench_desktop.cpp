@@ -77,12 +77,14 @@ Contenders contendersFor(const std::string& program) {
     const auto here = std::filesystem::canonical("/proc/self/exe").parent_path();
     const Contender floor{.command = {here / "vantrel_floor"}};
     const Contender floorAtRest{.command = {here / "vantrel_floor", "--display-link"}};
+    const Contender floorAtShortcut{.command = {here / "vantrel_floor", "--shortcut"}};
     const Contender empty{.command = {here / "vantrel_empty_tray"}};
     if (program.empty()) {
-        return {floor, floorAtRest, empty, floor, floorAtRest, empty, false};
+        return {floor,       floorAtRest,     floorAtShortcut, empty, floor,
+                floorAtRest, floorAtShortcut, empty,           false};
     }
     const Contender tested{.command = {std::filesystem::canonical(program)}};
-    return {tested, tested, tested, floor, floorAtRest, empty};
+    return {tested, tested, tested, tested, floor, floorAtRest, floorAtShortcut, empty};
 }
 
 Milliseconds timeToChange(const desktop::XConnection& connection,

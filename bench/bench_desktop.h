@@ -35,11 +35,13 @@ struct Contender {
 struct Contenders {
     Contender program;       // as a follower of the pointer
     Contender programAtRest; // the same, compared with floorAtRest
+    Contender programAtShortcut;
     Contender programAsApplication;
     Contender floor;
-    Contender floorAtRest; // keeps a display link
+    Contender floorAtRest;     // keeps a display link
+    Contender floorAtShortcut; // shows and hides its mark by the shortcut of Highlight
     Contender emptyTray;
-    bool reacts = true; // to clicks and shortcuts; the floor in the program's place does not
+    bool reacts = true; // to clicks and modes; the floor in the program's place does not
 };
 
 // The floor and the empty tray application lie beside this executable. Without a program the floor

@@ -1,6 +1,7 @@
 // The least that a follower of the pointer can do: one small translucent window with one disc as
 // its background, moved once for each gulp of raw motion. With --display-link it also asks for
-// every frame of the display, and for the pointer at each.
+// every frame of the display, and for the pointer at each. With --shortcut it follows nothing: the
+// window is made ready where the pointer is, and mapped and unmapped by Control Alt H.
 
 #include <array>
 #include <cmath>
@@ -93,16 +94,52 @@ void follow(xcb_connection_t* c, xcb_window_t root, xcb_window_t window, bool al
     xcb_flush(c);
 }
 
+xcb_keycode_t keycodeOf(xcb_connection_t* c, xcb_keysym_t symbol) {
+    const xcb_setup_t* setup = xcb_get_setup(c);
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    auto* keys = xcb_get_keyboard_mapping_reply(
+        c, xcb_get_keyboard_mapping(c, setup->min_keycode, count), nullptr);
+    int key = 0;
+    while (xcb_get_keyboard_mapping_keysyms(keys)[key * keys->keysyms_per_keycode] != symbol) {
+        ++key;
+    }
+    std::free(keys);
+    return static_cast<xcb_keycode_t>(setup->min_keycode + key);
+}
+
+void mapAtShortcut(xcb_connection_t* c, xcb_window_t root, xcb_window_t window) {
+    xcb_grab_key(c, 0, root, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, keycodeOf(c, 'h'),
+                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_flush(c);
+    bool mapped = true;
+    while (xcb_generic_event_t* event = xcb_wait_for_event(c)) {
+        if (event->response_type == XCB_KEY_PRESS) {
+            mapped = !mapped;
+            mapped ? xcb_map_window(c, window) : xcb_unmap_window(c, window);
+            xcb_flush(c);
+        }
+        std::free(event);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool displayLink = argc > 1 && std::strcmp(argv[1], "--display-link") == 0;
+    const auto asked = [&](const char* option) {
+        return argc > 1 && std::strcmp(argv[1], option) == 0;
+    };
+    const bool displayLink = asked("--display-link");
     xcb_connection_t* c = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(c) != 0) {
         return EXIT_FAILURE;
     }
     const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(c)).data;
     const xcb_window_t window = makeWindow(c, screen);
+    if (asked("--shortcut")) {
+        follow(c, screen.root, window, true);
+        mapAtShortcut(c, screen.root, window);
+        return EXIT_SUCCESS;
+    }
     selectRawMotion(c, screen.root);
     if (displayLink) {
         xcb_present_select_input(c, xcb_generate_id(c), window,

@@ -10,9 +10,9 @@ struct Effort {
     int turns = 12;
     int motionsInTurn = 25;
     double secondsInTurn = 1;
-    int starts = 15;
-    int openings = 5; // of a window after each start
-    int reopenings = 100;
+    int starts = 12;
+    int openings = 4; // of a window after each start
+    int reopenings = 60;
     int commands = 100;
 
     static Effort smoke() {
@@ -34,7 +34,7 @@ struct Effort {
 [[nodiscard]] Report measureRest(const Contenders& contenders, const Effort& effort);
 // Three displays with eight live clicks, compared with plain motion on them; frames missed.
 [[nodiscard]] Report measureClicks(const Contenders& contenders, const Effort& effort);
-// From a pressed shortcut to the first changed pixel, compared with plain motion.
+// From a pressed shortcut to the first changed pixel.
 [[nodiscard]] Report measureShortcut(const Contenders& contenders, const Effort& effort);
 // The same with the panel and the settings open, compared with none.
 [[nodiscard]] Report measureSwitch(const Contenders& contenders, const Effort& effort);

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 constexpr int rowDistance = 20;
 constexpr auto quietTime = 150ms;
-constexpr auto clickDistance = 500ms;
+constexpr auto clickDistance = 50ms;
 constexpr auto pollInterval = 100us;
 constexpr desktop::PixelPoint restingPlace{400, 400};
 
@@ -28,10 +28,12 @@ desktop::WindowQuery windowOf(const TrayProgram& program) {
     return {.program = program.name, .width = 560, .height = 640};
 }
 
-// Two clicks in short order would be a double click.
+// Two clicks in short order would be a double click, unless the pointer moves on the icon between
+// them.
 void readyToClick(TrayDesktop& desktop, const TrayProgram& program) {
     desktop.bench.input.moveTo(restingPlace);
     std::this_thread::sleep_for(clickDistance);
+    desktop.bench.input.moveTo({program.icon.x + 1, program.icon.y + 1});
     desktop.bench.input.moveTo(desktop::centerOf(program.icon));
 }
 
