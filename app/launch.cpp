@@ -1,7 +1,7 @@
 #include "app/command_language.h"
-#include "app/program.h"
 #include "app/running_instance.h"
 #include "app/start.h"
+#include "app/vantrel_app.h"
 #include "platform/freedesktop/bus_probe.h"
 #include "platform/freedesktop/command_socket.h"
 #include "platform/freedesktop/termination_signals.h"
@@ -72,7 +72,7 @@ public:
     ServerLoss(const ServerLoss&) = delete;
     ServerLoss& operator=(const ServerLoss&) = delete;
 
-    void setProgram(Program* program) { program_ = program; }
+    void setProgram(VantrelApp* program) { program_ = program; }
 
 private:
     void endProgram() {
@@ -82,7 +82,7 @@ private:
     }
 
     static inline ServerLoss* current_ = nullptr;
-    Program* program_ = nullptr;
+    VantrelApp* program_ = nullptr;
 };
 
 int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
@@ -98,7 +98,7 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     int toolkitArgc = std::min(start.argc, 1);
     const QApplication application(toolkitArgc, start.argv);
     vantrel::installPlainStyle();
-    Program program(connection, commands, start.command, start.launched);
+    VantrelApp program(connection, commands, start.command, start.launched);
     serverLoss.setProgram(&program);
     signals.deliverTo([] { QCoreApplication::exit(); });
     const int status = QApplication::exec();

@@ -20,9 +20,10 @@ bool needsConfiguring(const OverlayView& view, CursorMode mode, const AppPrefere
 } // namespace
 
 // Called by the display link and the monitors; holds the manager weakly.
-class OverlayWindowManager::FrameTarget {
+class OverlayWindowManager::OverlayFrameTarget {
 public:
-    explicit FrameTarget(const std::shared_ptr<OverlayWindowManager*>& owner) : owner_(owner) {}
+    explicit OverlayFrameTarget(const std::shared_ptr<OverlayWindowManager*>& owner)
+        : owner_(owner) {}
 
     void operator()() const {
         if (const auto owner = owner_.lock()) {
@@ -111,12 +112,12 @@ OverlayWindowManager::Overlay OverlayWindowManager::makeOverlay(const Screen& sc
 void OverlayWindowManager::startDisplayLink() {
     if (const auto* screen = fastestScreen(desktop_.screens.list())) {
         displayLink_ = desktop_.displayLinks.create(
-            *screen, frameRateRange(screen->maximumFramesPerSecond), FrameTarget(self_));
+            *screen, frameRateRange(screen->maximumFramesPerSecond), OverlayFrameTarget(self_));
     }
 }
 
 void OverlayWindowManager::startMotionMonitors() {
-    const FrameTarget target(self_);
+    const OverlayFrameTarget target(self_);
     if (!globalMotionMonitor_) {
         globalMotionMonitor_ =
             desktop_.eventMonitors.addGlobal(motionMask, [target](const Event&) { target(); });

@@ -60,7 +60,7 @@ private:
         std::unique_ptr<OverlayView> view;
         std::unique_ptr<OverlayWindow> window;
     };
-    class FrameTarget;
+    class OverlayFrameTarget;
 
     [[nodiscard]] Overlay makeOverlay(const Screen& screen) const;
     void startDisplayLink();

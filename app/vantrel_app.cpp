@@ -1,4 +1,4 @@
-#include "app/program.h"
+#include "app/vantrel_app.h"
 
 #include "platform/x11/activation.h"
 
@@ -10,8 +10,8 @@
 
 namespace vantrel {
 
-Program::Program(x11::Connection& connection, CommandSocket& commands, const Command& command,
-                 std::function<void()> launched)
+VantrelApp::VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
+                       std::function<void()> launched)
     : connection_(connection),
       commands_(commands),
       x11_(connection),
@@ -28,11 +28,11 @@ Program::Program(x11::Connection& connection, CommandSocket& commands, const Com
     });
 }
 
-Program::~Program() {
+VantrelApp::~VantrelApp() {
     end();
 }
 
-AppDesktop Program::appDesktop() {
+AppDesktop VantrelApp::appDesktop() {
     return {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
                         x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
             .hotKeys = x11_.hotKeys,
@@ -43,7 +43,7 @@ AppDesktop Program::appDesktop() {
             .locale = locale_};
 }
 
-ViewDesktop Program::viewDesktop() {
+ViewDesktop VantrelApp::viewDesktop() {
     return {.clock = x11_.clock,
             .cursors = cursors_,
             .screens = x11_.screens,
@@ -55,13 +55,13 @@ ViewDesktop Program::viewDesktop() {
             .inWaylandSession = connection_.isXwayland()};
 }
 
-ShellDesktop Program::shellDesktop() {
+ShellDesktop VantrelApp::shellDesktop() {
     return {.userDefaults = defaults_, .statusItem = statusItem_, .activate = [this](WId window) {
                 x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
             }};
 }
 
-void Program::observeDesktop() {
+void VantrelApp::observeDesktop() {
     // After the delegate has saved.
     subscriptions_.push_back(workspace_.onWillSleep([this] { defaults_.flush(); }));
     subscriptions_.push_back(workspace_.onWillShutDown([this] {
@@ -82,7 +82,7 @@ void Program::observeDesktop() {
         [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
 }
 
-void Program::takeCommands() {
+void VantrelApp::takeCommands() {
     commands_.setHandler([this](const CommandWords& words) -> CommandAnswer {
         if (const auto command = parseCommand(words)) {
             return delegate_.carryOut(*command);
@@ -100,7 +100,7 @@ void Program::takeCommands() {
         [announce](const std::optional<std::string>&) { announce(); }));
 }
 
-RemoteControl Program::remoteControl() {
+RemoteControl VantrelApp::remoteControl() {
     using Action = Command::Action;
     // What a command line could not ask for, the bus cannot either.
     const auto carryOut = [this](Action action, const CommandWords& words) {
@@ -124,11 +124,11 @@ RemoteControl Program::remoteControl() {
 }
 
 // Also from within an event loop that has not been started yet.
-void Program::quit() {
+void VantrelApp::quit() {
     mainQueue_.async([] { QCoreApplication::exit(); });
 }
 
-void Program::end() {
+void VantrelApp::end() {
     if (!std::exchange(ended_, true)) {
         commands_.setHandler({});
         delegate_.applicationWillTerminate();

@@ -22,15 +22,15 @@ namespace vantrel {
 
 // The program on this machine's desktop, from its launch to its end. Needs the toolkit's
 // application object.
-class Program {
+class VantrelApp {
 public:
     // The connection and the socket, on which it takes commands, must outlive it. The callback
     // comes once, when the command that it was started for was carried out.
-    Program(x11::Connection& connection, CommandSocket& commands, const Command& command,
-            std::function<void()> launched);
-    ~Program();
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
+    VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
+               std::function<void()> launched);
+    ~VantrelApp();
+    VantrelApp(const VantrelApp&) = delete;
+    VantrelApp& operator=(const VantrelApp&) = delete;
 
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
