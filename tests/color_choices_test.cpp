@@ -13,31 +13,42 @@ namespace {
 
 using ColorChoicesTest = ViewTest;
 
-TEST_F(ColorChoicesTest, AColourIsNamedByThePresetsAndSelectedInItsPalette) {
+TEST_F(ColorChoicesTest, OnlyTheColourInUseIsSelectedAndItsNameIsThatOfThePreset) {
     struct Case {
-        std::uint32_t color;
-        std::string english, chinese, ofHighlight, ofLaser; // what is selected in the palettes
+        std::uint32_t rgb;
+        Text name;
+        const char* ofHighlight;
+        const char* ofLaser;
     };
+    const Text custom{"Custom color", "自定义颜色"};
     const Case cases[] = {
-        {0x0A84FF, "Blue", "蓝色", "Blue", "Blue"},
-        {0xFACC15, "Yellow", "黄色", "Yellow", "Custom color"},
-        {0x0A84FE, "Custom color", "自定义颜色", "Custom color", "Custom color"},
+        {0x0A84FF, {"Blue", "蓝色"}, "Blue", "Blue"},
+        {0x0A84FE, custom, "Custom color", "Custom color"},
+        {0xFACC15, {"Yellow", "黄色"}, "Yellow", "Custom color"},
+        {0xFFFFFF, {"White", "白色"}, "White", "Custom color"},
+        {0xFF453A, {"Red", "红色"}, "Red", "Red"},
     };
-    for (const auto& [rgb, english, chinese, ofHighlight, ofLaser] : cases) {
-        const auto color = EffectColor::fromRgb(rgb);
-        EXPECT_EQ(colorName(color).english, english);
-        EXPECT_EQ(colorName(color).chinese, chinese);
-        change([&](auto& preferences) { preferences.highlight.color = color; });
-        show(colorChoices(view, highlightColor(), Palette::highlight));
-        EXPECT_EQ(checked(), std::vector{ofHighlight});
-        show(colorChoices(view, highlightColor(), Palette::laser));
-        EXPECT_EQ(checked(), std::vector{ofLaser});
-        EXPECT_EQ(parts<ChoiceButton>().size(), 3U);
+    for (const auto palette : {Palette::highlight, Palette::laser}) {
+        const bool laser = palette == Palette::laser;
+        const auto bound = laser ? laserColor() : highlightColor();
+        auto* choices = new ColorChoices(view, bound, palette);
+        show(choices);
+        EXPECT_EQ(parts<ChoiceButton>().size(), laser ? 3U : 6U);
+        for (const auto& [rgb, name, ofHighlight, ofLaser] : cases) {
+            const auto color = EffectColor::fromRgb(rgb);
+            bound.set(color);
+            update();
+            const std::string selected = laser ? ofLaser : ofHighlight;
+            EXPECT_EQ(checked(), std::vector{selected});
+            EXPECT_EQ(choices->isCustom(), selected == custom.english);
+            EXPECT_EQ(colorName(color).english, name.english);
+            EXPECT_EQ(colorName(color).chinese, name.chinese);
+        }
     }
 }
 
 TEST_F(ColorChoicesTest, AWhiteSwatchHasABlackTick) {
-    show(colorChoices(view, highlightColor(), Palette::highlight));
+    show(new ColorChoices(view, highlightColor(), Palette::highlight));
     const auto darkest = [&](const char* name) {
         auto* swatch = named<QAbstractButton>(name);
         swatch->click();

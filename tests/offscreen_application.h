@@ -28,8 +28,8 @@ public:
         qInstallMessageHandler(previous_);
     }
 
-    static void useFont(const char* family) {
-        const QFont font(QString::fromUtf8(family), 10);
+    static void useFont(const char* family, int points = 10) {
+        const QFont font(QString::fromUtf8(family), points);
         ASSERT_EQ(QFontInfo(font).family(), font.family());
         QApplication::setFont(font);
     }

@@ -1,7 +1,10 @@
+#include "overlay/preview_canvas.h"
 #include "views_fixture.h"
 
+#include <QAccessible>
 #include <QRegularExpression>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace vantrel {
 namespace {
@@ -38,15 +41,36 @@ TEST_F(WelcomeTest, EnterDismissesItWhereverTheFocusIs) {
 
 class HelpTest : public ViewsTest {};
 
-TEST_F(HelpTest, OnlyConfiguredLinksCanBeOpened) {
-    configureLinks("<key>PrivacyURL</key><string>https://example.org/privacy</string>"
-                   "<key>SupportURL</key><string>mailto:help@example.org</string>");
+TEST_F(HelpTest, EveryLinkLeadsToItsPageOrWhereItIsNotConfiguredToTheHelp) {
+    struct Case {
+        const char* name;
+        const char* page;
+    };
+    const Case ofAbout[] = {{"Privacy", "https://example.org/privacy"},
+                            {"Terms of use", "https://example.org/terms"},
+                            {"Help and support", "mailto:help@example.org"}};
+    const Case ofHelp[] = {{"Privacy policy", "https://example.org/privacy"},
+                           {"Terms of use", "https://example.org/terms"},
+                           {"Contact support", "mailto:help@example.org"}};
+    int helps = 0;
+    state.openWindow = [&](AppWindow asked) { helps += asked == AppWindow::help ? 1 : 0; };
+    openSettings(SettingsTab::about);
+    click("Privacy");
+    EXPECT_EQ(helps, 1);
     open<HelpView>();
-    EXPECT_FALSE(button("Terms of use")->isEnabled());
-    click("Privacy policy");
-    click("Contact support");
-    EXPECT_EQ(desktop.workspace.opened,
-              (std::vector<std::string>{"https://example.org/privacy", "mailto:help@example.org"}));
+    EXPECT_FALSE(button("Contact support")->isEnabled());
+    configureLinks("<key>PrivacyURL</key><string>https://example.org/privacy</string>"
+                   "<key>TermsURL</key><string>https://example.org/terms</string>"
+                   "<key>SupportURL</key><string>mailto:help@example.org</string>");
+    const auto follow = [&](const Case& link) {
+        click(link.name);
+        EXPECT_EQ(desktop.workspace.opened.back(), link.page) << link.name;
+    };
+    openSettings(SettingsTab::about);
+    std::ranges::for_each(ofAbout, follow);
+    open<HelpView>();
+    std::ranges::for_each(ofHelp, follow);
+    EXPECT_EQ(helps, 1);
 }
 
 TEST_F(HelpTest, ScrollsByKeyboardAlsoWithoutALinkToGoTo) {
@@ -154,17 +178,127 @@ TEST_F(AllViewsTest, NoTextIsCutInTheSmallestWindow) {
     });
 }
 
-TEST_F(AllViewsTest, WhatTheKeyboardStopsAtHasAName) {
+TEST_F(AllViewsTest, ScreenReadersAreToldANameWhereverTheKeyboardStops) {
     forEachView([&](const std::string& where) {
-        for (const auto* part : window->findChildren<QWidget*>()) {
-            const auto* button = qobject_cast<const QAbstractButton*>(part);
-            if (part->isVisible() && (part->focusPolicy() & Qt::TabFocus) != 0) {
-                EXPECT_FALSE(part->accessibleName().isEmpty() &&
-                             (button == nullptr || button->text().isEmpty()))
-                    << where << ": " << part->metaObject()->className();
+        for (auto* part : window->findChildren<QWidget*>()) {
+            if (!part->isVisible() || (part->focusPolicy() & Qt::TabFocus) == 0) {
+                continue;
             }
+            auto* told = QAccessible::queryAccessibleInterface(part);
+            // A pop-up's own name is what was chosen.
+            const auto labels = told->relations(QAccessible::Label);
+            const bool isPopUp = qobject_cast<QComboBox*>(part) != nullptr;
+            EXPECT_FALSE(isPopUp ? labels.isEmpty() : told->text(QAccessible::Name).isEmpty())
+                << where << ": " << part->metaObject()->className();
         }
     });
+}
+
+TEST_F(AllViewsTest, APreviewShowsTheEffectThatItIsNamedAfter) {
+    forEachView([&](const std::string& where) {
+        for (auto* preview : parts<PreviewCanvas>()) {
+            if (preview->accessibleName().isEmpty() || !preview->isVisible()) {
+                continue;
+            }
+            const auto color = preview->grab().toImage().pixelColor(preview->width() / 2 - 5,
+                                                                    preview->height() / 2);
+            const bool isRed = color.red() > 2 * color.green();
+            EXPECT_EQ(isRed, preview->accessibleName().contains(QStringLiteral("laser"))) << where;
+        }
+    });
+}
+
+// Every control writes its own field, and nothing else, once.
+class ControlsTest : public ViewsTest {
+protected:
+    struct Case {
+        const char* control;
+        Qt::Key key;
+        std::function<void(AppPreferences&)> effect;
+    };
+
+    void expect(CursorMode mode, const std::vector<Case>& cases) {
+        AppPreferences start;
+        start.language = AppLanguage::english;
+        start.lastMode = mode;
+        start.highlight.idleHide = true;
+        for (const auto& [name, key, effect] : cases) {
+            state.changePreferences([&](auto& preferences) { preferences = start; });
+            update();
+            auto* control = named(name);
+            ASSERT_NE(control, nullptr);
+            QWheelEvent wheel({5, 5}, control->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, {},
+                              Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(control, &wheel);
+            EXPECT_EQ(preferences(), start) << name;
+            auto expected = start;
+            effect(expected);
+            EXPECT_EQ(assignments([&] {
+                          control->setFocus(Qt::TabFocusReason);
+                          QTest::keyClick(control, key);
+                          update();
+                      }),
+                      1)
+                << name;
+            EXPECT_EQ(preferences(), expected) << name;
+        }
+    }
+
+    const std::vector<Case> ofHighlight{
+        {"Filled", Qt::Key_Space, [](auto& p) { p.highlight.style = HighlightStyle::filled; }},
+        {"Ring", Qt::Key_Space, [](auto& p) { p.highlight.style = HighlightStyle::ring; }},
+        {"Glow", Qt::Key_Space, [](auto& p) { p.highlight.style = HighlightStyle::glow; }},
+        {"Purple", Qt::Key_Space,
+         [](auto& p) { p.highlight.color = EffectColor::fromRgb(0xBF5AF2); }},
+        {"Diameter", Qt::Key_Home, [](auto& p) { p.highlight.diameter = 24; }},
+        {"Diameter", Qt::Key_End, [](auto& p) { p.highlight.diameter = 120; }},
+        {"Opacity", Qt::Key_Home, [](auto& p) { p.highlight.opacity = 0.1; }},
+        {"Opacity", Qt::Key_End, [](auto& p) { p.highlight.opacity = 0.9; }},
+        {"Hide when idle", Qt::Key_Space, [](auto& p) { p.highlight.idleHide = false; }},
+    };
+    const std::vector<Case> ofLaser{
+        {"Green", Qt::Key_Space, [](auto& p) { p.laser.color = EffectColor::fromRgb(0x34C759); }},
+        {"Dot diameter", Qt::Key_Home, [](auto& p) { p.laser.diameter = 6; }},
+        {"Dot diameter", Qt::Key_End, [](auto& p) { p.laser.diameter = 24; }},
+        {"Low", Qt::Key_Space, [](auto& p) { p.laser.glow = GlowStrength::low; }},
+        {"High", Qt::Key_Return, [](auto& p) { p.laser.glow = GlowStrength::high; }},
+    };
+};
+
+TEST_F(ControlsTest, OfThePanel) {
+    setMode(CursorMode::highlight);
+    open<MenuPanel>();
+    expect(CursorMode::highlight, ofHighlight);
+    expect(CursorMode::highlight,
+           {{"Click effects", Qt::Key_Down, [](auto& p) { p.click.style = ClickStyle::pulse; }},
+            {"Click effects", Qt::Key_Up, [](auto& p) { p.click.style = ClickStyle::none; }}});
+    setMode(CursorMode::laser);
+    open<MenuPanel>();
+    expect(CursorMode::laser, ofLaser);
+}
+
+TEST_F(ControlsTest, OfTheSettings) {
+    openSettings(SettingsTab::appearance);
+    expect(CursorMode::off, ofHighlight);
+    expect(CursorMode::off,
+           {{"Wait time", Qt::Key_Down, [](auto& p) { p.highlight.idleSeconds = 5; }},
+            {"Wait time", Qt::Key_Up, [](auto& p) { p.highlight.idleSeconds = 2; }},
+            {"Wait time", Qt::Key_End, [](auto& p) { p.highlight.idleSeconds = 10; }}});
+    openSettings(SettingsTab::effects);
+    expect(CursorMode::off, ofLaser);
+    expect(CursorMode::off,
+           {{"None", Qt::Key_Space, [](auto& p) { p.click.style = ClickStyle::none; }},
+            {"Ripple", Qt::Key_Space, [](auto& p) { p.click.style = ClickStyle::ripple; }},
+            {"Pulse", Qt::Key_Space, [](auto& p) { p.click.style = ClickStyle::pulse; }},
+            {"Left button", Qt::Key_Space, [](auto& p) { p.click.left = false; }},
+            {"Right button", Qt::Key_Space, [](auto& p) { p.click.right = false; }}});
+    openSettings(SettingsTab::general);
+    expect(CursorMode::off,
+           {{"Language", Qt::Key_Home, [](auto& p) { p.language = AppLanguage::system; }},
+            {"Language", Qt::Key_Up, [](auto& p) { p.language = AppLanguage::chinese; }}});
+    setMode(CursorMode::laser);
+    openSettings(SettingsTab::appearance);
+    expect(CursorMode::laser, ofLaser);
 }
 
 } // namespace

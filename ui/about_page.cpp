@@ -1,5 +1,5 @@
+#include "ui/components/action_row.h"
 #include "ui/components/brand_mark.h"
-#include "ui/components/buttons.h"
 #include "ui/components/label.h"
 #include "ui/components/section_card.h"
 #include "ui/components/stack.h"
@@ -33,8 +33,8 @@ QWidget* identity(ViewContext& view) {
 
 QWidget* learnMore(ViewContext& view) {
     const auto link = [&view](const Text& title, std::string_view symbol, ReleaseLink kind) {
-        return actionRow(view, title, symbol, std::nullopt,
-                         [&state = view.state(), kind] { state.openLink(kind); });
+        return new ActionRow(view, title, symbol, std::nullopt,
+                             [&state = view.state(), kind] { state.openLink(kind); });
     };
     return new SectionCard(
         view, Text{"Learn more", "了解更多"},

@@ -1,3 +1,4 @@
+#include "ui/components/accessibility.h"
 #include "ui/components/buttons.h"
 #include "ui/components/label.h"
 #include "ui/components/section_card.h"
@@ -24,9 +25,7 @@ constexpr ShortcutSlot laserSlot{{"Toggle Laser", "切换激光笔"},
 QWidget* recorder(ViewContext& view, const ShortcutSlot& slot) {
     auto* recorder =
         new ShortcutRecorder(view, view.binding(slot.field), Text{"Record shortcut", "录入快捷键"});
-    view.follow(recorder, [recorder, &view, name = slot.name] {
-        recorder->setAccessibleName(view.say(name));
-    });
+    nameForScreenReaders(view, recorder, slot.name);
     return recorder;
 }
 

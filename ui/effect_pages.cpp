@@ -30,9 +30,9 @@ QWidget* waitTime(ViewContext& view) {
 QWidget* highlightCard(ViewContext& view) {
     return new SectionCard(
         view, Text{"Cursor Highlight", "鼠标高亮"},
-        column(spacing, {highlightChoices(view, false),
-                         effectPreview(view, Text{"Local highlight preview", "高亮局部预览"},
-                                       {.height = 104}),
+        column(spacing, {new HighlightChoices(view, Density::regular),
+                         new EffectPreview(view, Text{"Local highlight preview", "高亮局部预览"},
+                                           {.height = 104}),
                          colorRow(view, highlightColors(view)), highlightDiameter(view),
                          highlightOpacity(view), divider(), idleToggle(view, ControlSize::regular),
                          view.showWhile(waitTime(view), [&view] {
@@ -43,8 +43,8 @@ QWidget* highlightCard(ViewContext& view) {
 QWidget* laserCard(ViewContext& view) {
     return new SectionCard(
         view, Text{"Laser Pointer", "激光笔"},
-        column(spacing, {effectPreview(view, Text{"Local laser preview", "激光局部预览"},
-                                       {.laser = true, .height = 100}),
+        column(spacing, {new EffectPreview(view, Text{"Local laser preview", "激光局部预览"},
+                                           {.laser = true, .height = 100}),
                          colorRow(view, laserColors(view)), laserDiameter(view),
                          laserGlow(view, Text{"Glow", "光晕强度"})}));
 }
@@ -61,18 +61,19 @@ QWidget* buttonToggles(ViewContext& view) {
 QWidget* clickCard(ViewContext& view) {
     return new SectionCard(
         view, Text{"Click Effects", "点击反馈"},
-        column(spacing,
-               {segmentedPicker(view, Text{"Type", "类型"},
-                                view.binding(&AppPreferences::click, &ClickSettings::style),
-                                clickStyles()),
-                buttonToggles(view),
-                effectPreview(view, Text{"Local click preview", "点击局部预览"}, {.height = 120}),
-                paragraph(view,
-                          Text{"Click this preview to test. Color follows Highlight; effects are "
-                               "available only in Highlight mode.",
-                               "点击此预览区域测试。颜色跟随高亮，仅在 Highlight 模式使用。"},
-                          captionText.toned(Tone::secondary)),
-                clickMonitorNotice(view)}));
+        column(
+            spacing,
+            {segmentedPicker(view, Text{"Type", "类型"},
+                             view.binding(&AppPreferences::click, &ClickSettings::style),
+                             clickStyles()),
+             buttonToggles(view),
+             new EffectPreview(view, Text{"Local click preview", "点击局部预览"}, {.height = 120}),
+             paragraph(view,
+                       Text{"Click this preview to test. Color follows Highlight; effects are "
+                            "available only in Highlight mode.",
+                            "点击此预览区域测试。颜色跟随高亮，仅在 Highlight 模式使用。"},
+                       captionText.toned(Tone::secondary)),
+             clickMonitorNotice(view)}));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ui/help_view.h"
 
+#include "ui/components/accessibility.h"
 #include "ui/components/buttons.h"
 #include "ui/components/label.h"
 #include "ui/components/scroll_view.h"
@@ -80,7 +81,7 @@ HelpView::HelpView(ViewContext& view) : HelpView(view, new ScrollView(content(vi
 // The text is what the keyboard is at first: there may be no link to go to.
 HelpView::HelpView(ViewContext& view, ScrollView* text) : VantrelBackground(text) {
     text->setFocusPolicy(Qt::StrongFocus);
-    view.follow(text, [text, &view] { text->setAccessibleName(view.say(title)); });
+    nameForScreenReaders(view, text, title);
 }
 
 } // namespace vantrel

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int margin = 16;
 constexpr int partSpacing = 12;
-constexpr int sectionSpacing = 10;
+constexpr int smallestGap = 6;   // between the parts of a section
 constexpr int buttonPadding = 4; // inside a button around what is seen of it
 constexpr TextStyle secondaryCaption = captionText.toned(Tone::secondary);
 
@@ -65,8 +65,19 @@ QWidget* footer(ViewContext& view) {
         ->padded(margin - buttonPadding, 0);
 }
 
+// Parts as far apart as there is room for: how high they are is a matter of the desktop's font.
 QWidget* section(std::initializer_list<QWidget*> parts) {
-    return new ScrollView(column(sectionSpacing, parts)->padded(2, 3));
+    auto* spread = column(smallestGap / 2, {});
+    for (auto* part : parts) {
+        if (part != *parts.begin()) {
+            spread->add(spacer());
+        }
+        spread->add(part);
+    }
+    if (parts.size() > 1) {
+        spread->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
+    }
+    return new ScrollView(spread->padded(2, 3));
 }
 
 QWidget* highlightSection(ViewContext& view) {
@@ -75,16 +86,19 @@ QWidget* highlightSection(ViewContext& view) {
                                   "点击监听未能启动，请在设置中重试。"},
                              secondaryCaption);
     return section(
-        {highlightChoices(view, true), highlightColors(view), highlightDiameter(view),
-         highlightOpacity(view), idleToggle(view, ControlSize::small),
-         popUpPicker(view, Text{"Click effects", "点击反馈"},
-                     view.binding(&AppPreferences::click, &ClickSettings::style), clickStyles()),
-         view.showWhile(notice, [&view] { return !view.state().clickAvailable().get(); })});
+        {new HighlightChoices(view, Density::compact), highlightColors(view),
+         highlightDiameter(view), highlightOpacity(view), idleToggle(view, ControlSize::small),
+         column(
+             smallestGap,
+             {popUpPicker(view, Text{"Click effects", "点击反馈"},
+                          view.binding(&AppPreferences::click, &ClickSettings::style),
+                          clickStyles()),
+              view.showWhile(notice, [&view] { return !view.state().clickAvailable().get(); })})});
 }
 
 QWidget* laserSection(ViewContext& view) {
-    return section({effectPreview(view, Text{"Local laser preview", "激光局部预览"},
-                                  {.laser = true, .height = 70}),
+    return section({new EffectPreview(view, Text{"Local laser preview", "激光局部预览"},
+                                      {.laser = true, .height = 70}),
                     laserColors(view), laserDiameter(view), laserGlow(view, Text{"Glow", "光晕"})});
 }
 
@@ -135,7 +149,7 @@ std::optional<double> availableHeight(const ViewContext& view, const QWidget* no
         return std::nullopt;
     }
     const int taken = notice != nullptr && hasWaylandNotice(view)
-                          ? notice->heightForWidth(MenuPanel::fixedWidth) + partSpacing
+                          ? notice->heightForWidth(MenuPanel::ownWidth()) + partSpacing
                           : 0;
     return screens.front().visibleFrame.height - taken;
 }
@@ -148,27 +162,32 @@ QWidget* modeSection(ViewContext& view) {
 
 } // namespace
 
-int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight) {
-    constexpr double smallest = 76;
-    constexpr double otherParts = 350; // of the panel and around it
-    const double preferred = mode == CursorMode::highlight ? 286
-                             : mode == CursorMode::laser   ? 208
+int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight, double textScale) {
+    const double smallest = 76 * textScale;
+    const double otherParts = 350 * textScale; // of the panel and around it
+    const double preferred = mode == CursorMode::highlight ? 286 * textScale
+                             : mode == CursorMode::laser   ? 208 * textScale
                                                            : smallest;
     const double available = visibleHeight ? std::max(*visibleHeight - otherParts, smallest) : 450;
     return static_cast<int>(std::min(preferred, available));
 }
 
+int MenuPanel::ownWidth() {
+    return qRound(340 * textScale());
+}
+
 MenuPanel::MenuPanel(ViewContext& view) : MenuPanel(view, waylandNotice(view), modeSection(view)) {}
 
 MenuPanel::MenuPanel(ViewContext& view, QWidget* notice, QWidget* section)
-    : VantrelBackground(column(partSpacing, {header(view), inset(modeBadge(view)), notice,
-                                             inset(divider()), inset(modeChoices(view, true)),
-                                             insetSection(section), inset(divider()), footer(view)})
-                            ->padded(0, margin)) {
-    setFixedWidth(fixedWidth);
+    : VantrelBackground(
+          column(partSpacing, {header(view), inset(modeBadge(view)), notice, inset(divider()),
+                               inset(new ModeChoices(view, Density::compact)),
+                               insetSection(section), inset(divider()), footer(view)})
+              ->padded(0, margin)) {
+    setFixedWidth(ownWidth());
     const auto fit = [&view, notice, section] {
-        section->setFixedHeight(
-            panelSectionHeight(view.state().mode().get(), availableHeight(view, notice)));
+        section->setFixedHeight(panelSectionHeight(view.state().mode().get(),
+                                                   availableHeight(view, notice), textScale()));
     };
     view.follow(section, fit);
     screens_ = view.desktop().screens.onChange([this, fit] {

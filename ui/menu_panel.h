@@ -9,8 +9,9 @@
 namespace vantrel {
 
 // How high the section of a mode is, in points, on a main screen of which that height is free, or
-// when there is none.
-[[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight);
+// when there is none, with texts of that scale.
+[[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight,
+                                     double textScale = 1);
 
 // In the user defaults: true once the notice about Wayland sessions was dismissed.
 inline constexpr std::string_view waylandNoticeDismissedKey = "waylandNoticeDismissed";
@@ -19,12 +20,13 @@ inline constexpr std::string_view waylandNoticeDismissedKey = "waylandNoticeDism
 // as its hint, and as high when everything is to be seen.
 class MenuPanel : public VantrelBackground {
 public:
-    static constexpr int fixedWidth = 340; // points
+    // In points: 340 with texts of the usual size.
+    [[nodiscard]] static int ownWidth();
 
     explicit MenuPanel(ViewContext& view);
 
     [[nodiscard]] QSize sizeHint() const override {
-        return {fixedWidth, heightForWidth(fixedWidth)};
+        return {ownWidth(), heightForWidth(ownWidth())};
     }
 
 private:

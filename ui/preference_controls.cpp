@@ -16,20 +16,21 @@ StatusBadge* modeBadge(ViewContext& view) {
 }
 
 QWidget* highlightColors(ViewContext& view) {
-    return colorChoices(view, view.binding(&AppPreferences::highlight, &HighlightSettings::color),
-                        Palette::highlight);
+    return new ColorChoices(view,
+                            view.binding(&AppPreferences::highlight, &HighlightSettings::color),
+                            Palette::highlight);
 }
 
 QWidget* highlightDiameter(ViewContext& view) {
-    return valueSlider(view, Text{"Diameter", "直径"},
-                       view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-                       {.low = 24, .high = 120, .suffix = "pt"});
+    return new ValueSlider(view, Text{"Diameter", "直径"},
+                           view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
+                           {.low = 24, .high = 120, .suffix = "pt"});
 }
 
 QWidget* highlightOpacity(ViewContext& view) {
-    return valueSlider(view, Text{"Opacity", "不透明度"},
-                       view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
-                       {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true});
+    return new ValueSlider(view, Text{"Opacity", "不透明度"},
+                           view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
+                           {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true});
 }
 
 SwitchToggle* idleToggle(ViewContext& view, ControlSize size) {
@@ -39,14 +40,14 @@ SwitchToggle* idleToggle(ViewContext& view, ControlSize size) {
 }
 
 QWidget* laserColors(ViewContext& view) {
-    return colorChoices(view, view.binding(&AppPreferences::laser, &LaserSettings::color),
-                        Palette::laser);
+    return new ColorChoices(view, view.binding(&AppPreferences::laser, &LaserSettings::color),
+                            Palette::laser);
 }
 
 QWidget* laserDiameter(ViewContext& view) {
-    return valueSlider(view, Text{"Dot diameter", "光点直径"},
-                       view.binding(&AppPreferences::laser, &LaserSettings::diameter),
-                       {.low = 6, .high = 24, .suffix = "pt"});
+    return new ValueSlider(view, Text{"Dot diameter", "光点直径"},
+                           view.binding(&AppPreferences::laser, &LaserSettings::diameter),
+                           {.low = 6, .high = 24, .suffix = "pt"});
 }
 
 QWidget* laserGlow(ViewContext& view, const Wording& title) {

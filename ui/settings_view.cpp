@@ -1,6 +1,5 @@
 #include "ui/settings_view.h"
 
-#include "ui/components/accessibility.h"
 #include "ui/components/brand_mark.h"
 #include "ui/components/buttons.h"
 #include "ui/components/choice_button.h"
@@ -14,6 +13,7 @@
 #include "ui/settings_pages.h"
 
 #include <QHideEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QShowEvent>
 
@@ -73,12 +73,13 @@ QWidget* tabButton(ViewContext& view, SettingsTab tab) {
     const auto& [title, symbolName, subtitle] = tabOf(tab);
     auto* symbol = new Symbol(symbolName, 15);
     auto* text = label(view, title, {11, QFont::Medium})->centered();
-    auto* button = new ChoiceButton(
-        view, {title, isSelected, [&state = view.state(), tab] { state.selectTab(tab); }}, tabLook,
-        column(5, {symbol, text}, Alignment::center)->padded(0, 9));
-    setAccessibleRole(button, QAccessible::PageTab);
+    auto* button =
+        new ChoiceButton(view,
+                         {title, isSelected, [&state = view.state(), tab] { state.selectTab(tab); },
+                          QAccessible::PageTab},
+                         tabLook, column(5, {symbol, text}, Alignment::center)->padded(0, 9));
     view.follow(button, [symbol, text, isSelected] {
-        const auto tone = isSelected() ? Tone::accent : Tone::secondary;
+        const auto tone = isSelected() ? Tone::accentText : Tone::secondary;
         symbol->setTone(tone);
         text->setTone(tone);
     });
@@ -94,8 +95,10 @@ std::vector<QWidget*> makeTabButtons(ViewContext& view) {
 }
 
 QWidget* tabBar(ViewContext& view, const std::vector<QWidget*>& buttons) {
-    auto* bar = choiceRow(view, 4, Text{"Settings", "设置"}, buttons);
-    setAccessibleRole(bar, QAccessible::PageTabList);
+    auto* bar = new ChoiceRow(view, 4, Text{"Settings", "设置"}, QAccessible::PageTabList);
+    for (auto* button : buttons) {
+        bar->add(button);
+    }
     return row(0, {bar})->padded({16, 0, 16, 12});
 }
 
@@ -157,8 +160,9 @@ SettingsView::SettingsView(ViewContext& view) : SettingsView(view, makeTabButton
 
 SettingsView::SettingsView(ViewContext& view, const std::vector<QWidget*>& tabButtons)
     : VantrelBackground(column(
-          0, {header(view), row(0, {modeChoices(view, true)})->padded({20, 0, 20, 14}),
-              tabBar(view, tabButtons), divider(), pages(view, [this] { confirmReset(); })})),
+          0,
+          {header(view), row(0, {new ModeChoices(view, Density::compact)})->padded({20, 0, 20, 14}),
+           tabBar(view, tabButtons), divider(), pages(view, [this] { confirmReset(); })})),
       view_(view),
       tabButtons_(tabButtons) {}
 
@@ -178,6 +182,17 @@ void SettingsView::showEvent(QShowEvent* event) {
     if (!event->spontaneous()) {
         tabButtons_[static_cast<std::size_t>(view_.state().selectedTab().get())]->setFocus();
     }
+}
+
+void SettingsView::keyPressEvent(QKeyEvent* event) {
+    const bool next = event->matches(QKeySequence::NextChild);
+    if (!next && !event->matches(QKeySequence::PreviousChild)) {
+        VantrelBackground::keyPressEvent(event);
+        return;
+    }
+    const auto shown = static_cast<std::size_t>(view_.state().selectedTab().get());
+    const auto step = next ? 1 : tabs.size() - 1;
+    view_.state().selectTab(static_cast<SettingsTab>((shown + step) % tabs.size()));
 }
 
 // Nobody could see any more what the alert asks about.

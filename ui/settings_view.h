@@ -24,6 +24,8 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    // Ctrl+Tab shows the next tab.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     // Of the tabs, in the order of SettingsTab.

@@ -19,7 +19,7 @@ namespace {
 constexpr Chrome tileChrome{
     .fill = {Tone::sheet, 0.65}, .outline = {Tone::primary, 0.06}, .radius = 16};
 
-QWidget* tile(ViewContext& view, PreviewCanvas* preview, const Text& title, const Text& line) {
+QWidget* tile(ViewContext& view, EffectPreview* preview, const Text& title, const Text& line) {
     return new Plate(
         tileChrome,
         column(6, {preview, paragraph(view, title, {14, QFont::DemiBold})->centered(),
@@ -29,9 +29,9 @@ QWidget* tile(ViewContext& view, PreviewCanvas* preview, const Text& title, cons
 
 QWidget* tiles(ViewContext& view) {
     auto* highlight =
-        effectPreview(view, Text{"Local highlight preview", "高亮局部预览"}, {.height = 92});
-    auto* laser = effectPreview(view, Text{"Local laser preview", "激光局部预览"},
-                                {.laser = true, .height = 92});
+        new EffectPreview(view, Text{"Local highlight preview", "高亮局部预览"}, {.height = 92});
+    auto* laser = new EffectPreview(view, Text{"Local laser preview", "激光局部预览"},
+                                    {.laser = true, .height = 92});
     return row(12, {tile(view, highlight, {"Cursor Highlight", "鼠标高亮"},
                          {"Follow every movement", "轻松跟随每次移动"}),
                     tile(view, laser, {"Laser Pointer", "激光笔"},

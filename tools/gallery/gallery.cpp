@@ -5,6 +5,7 @@
 #include "overlay/drawn_cursor.h"
 #include "platform/headless/headless_desktop.h"
 #include "platform/system_clock.h"
+#include "ui/components/action_row.h"
 #include "ui/components/background.h"
 #include "ui/components/brand_mark.h"
 #include "ui/components/buttons.h"
@@ -63,16 +64,16 @@ QWidget* highlightCard(ViewContext& view) {
     const auto color = view.binding(&AppPreferences::highlight, &HighlightSettings::color);
     auto* content = column(
         16,
-        {highlightChoices(view, false),
-         effectPreview(view, Text{"Local highlight preview", "高亮局部预览"}, {.height = 104}),
+        {new HighlightChoices(view, Density::regular),
+         new EffectPreview(view, Text{"Local highlight preview", "高亮局部预览"}, {.height = 104}),
          row(8, {label(view, Text{"Color", "颜色"}, calloutText), spacer(),
-                 colorChoices(view, color, Palette::highlight)}),
-         valueSlider(view, Text{"Diameter", "直径"},
-                     view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-                     {.low = 24, .high = 120, .suffix = "pt"}),
-         valueSlider(view, Text{"Opacity", "不透明度"},
-                     view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
-                     {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true}),
+                 new ColorChoices(view, color, Palette::highlight)}),
+         new ValueSlider(view, Text{"Diameter", "直径"},
+                         view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
+                         {.low = 24, .high = 120, .suffix = "pt"}),
+         new ValueSlider(view, Text{"Opacity", "不透明度"},
+                         view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
+                         {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true}),
          divider(),
          new SwitchToggle(view, Text{"Hide when idle", "闲置时隐藏"},
                           view.binding(&AppPreferences::highlight, &HighlightSettings::idleHide)),
@@ -88,14 +89,14 @@ QWidget* highlightCard(ViewContext& view) {
 QWidget* laserCard(ViewContext& view) {
     auto* content = column(
         16,
-        {effectPreview(view, Text{"Local laser preview", "激光局部预览"},
-                       {.laser = true, .height = 100}),
+        {new EffectPreview(view, Text{"Local laser preview", "激光局部预览"},
+                           {.laser = true, .height = 100}),
          row(8, {label(view, Text{"Color", "颜色"}, calloutText), spacer(),
-                 colorChoices(view, view.binding(&AppPreferences::laser, &LaserSettings::color),
-                              Palette::laser)}),
-         valueSlider(view, Text{"Dot diameter", "光点直径"},
-                     view.binding(&AppPreferences::laser, &LaserSettings::diameter),
-                     {.low = 6, .high = 24, .suffix = "pt"}),
+                 new ColorChoices(view, view.binding(&AppPreferences::laser, &LaserSettings::color),
+                                  Palette::laser)}),
+         new ValueSlider(view, Text{"Dot diameter", "光点直径"},
+                         view.binding(&AppPreferences::laser, &LaserSettings::diameter),
+                         {.low = 6, .high = 24, .suffix = "pt"}),
          segmentedPicker(view, Text{"Glow", "光晕强度"},
                          view.binding(&AppPreferences::laser, &LaserSettings::glow),
                          {{GlowStrength::low, Text{"Low", "低"}},
@@ -120,10 +121,10 @@ QWidget* laserCard(ViewContext& view) {
 
 QWidget* rowsCard(ViewContext& view) {
     auto* content = column(
-        8, {actionRow(view, Text{"Privacy", "隐私说明"}, "hand.raised",
-                      Text{"With a subtitle below", "下面的副标题"}, [] {}),
+        8, {new ActionRow(view, Text{"Privacy", "隐私说明"}, "hand.raised",
+                          Text{"With a subtitle below", "下面的副标题"}, [] {}),
             divider(),
-            actionRow(view, Text{"Terms of use", "使用条款"}, "doc.text", std::nullopt, [] {}),
+            new ActionRow(view, Text{"Terms of use", "使用条款"}, "doc.text", std::nullopt, [] {}),
             divider(),
             symbolLabel(
                 view, "checkmark.shield", Tone::green,
@@ -167,10 +168,11 @@ QWidget* pictogramsCard(ViewContext& view) {
 }
 
 QWidget* gallery(ViewContext& view) {
-    auto* left = column(
-        16, {modeChoices(view, true), highlightChoices(view, true), highlightCard(view), spacer()});
-    auto* right = column(16, {modeChoices(view, false), laserCard(view), rowsCard(view),
-                              pictogramsCard(view), spacer()});
+    auto* left =
+        column(16, {new ModeChoices(view, Density::compact),
+                    new HighlightChoices(view, Density::compact), highlightCard(view), spacer()});
+    auto* right = column(16, {new ModeChoices(view, Density::regular), laserCard(view),
+                              rowsCard(view), pictogramsCard(view), spacer()});
     left->setFixedWidth(420);
     right->setFixedWidth(420);
     return new VantrelBackground(new ScrollView(

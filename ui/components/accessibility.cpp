@@ -24,7 +24,6 @@ class Described final : public QAccessibleWidget {
 public:
     explicit Described(QWidget* widget) : QAccessibleWidget(widget) {}
 
-    // May have changed since the toolkit asked for this interface, which it keeps.
     [[nodiscard]] QAccessible::Role role() const override {
         return roleOf(*object()).value_or(QAccessible::NoRole);
     }
@@ -101,6 +100,14 @@ void setAccessibleRole(QWidget* widget, QAccessible::Role role) {
 
 void hideFromScreenReaders(QWidget* widget) {
     mark(widget, QAccessible::NoRole);
+}
+
+void nameForScreenReaders(ViewContext& view, QWidget* widget, const Wording& name) {
+    view.follow(widget, [widget, &view, name] {
+        if (const auto said = view.say(name); said != widget->accessibleName()) {
+            widget->setAccessibleName(said);
+        }
+    });
 }
 
 } // namespace vantrel

@@ -1,15 +1,18 @@
 #pragma once
 
-#include <QAccessible>
+#include "ui/components/view_context.h"
 
-class QWidget;
+#include <QAccessible>
 
 namespace vantrel {
 
-// Tells screen readers what a widget is that the toolkit has no role for.
+// Tells screen readers what a widget is that the toolkit has no role for, or another one. Before
+// the widget is given a text or a state, as the toolkit keeps what it took it for then.
 void setAccessibleRole(QWidget* widget, QAccessible::Role role);
 // For decoration, and for the faces of buttons that have a name themselves. Counts for everything
 // inside the widget too.
 void hideFromScreenReaders(QWidget* widget);
+// Follows the language. Screen readers hear of it only when it changes.
+void nameForScreenReaders(ViewContext& view, QWidget* widget, const Wording& name);
 
 } // namespace vantrel

@@ -10,17 +10,6 @@
 
 namespace vantrel {
 
-namespace {
-
-QColor laidOver(const QColor& below, const QColor& color, float opacity) {
-    const auto mixed = [opacity](float a, float b) { return a + (b - a) * opacity; };
-    return QColor::fromRgbF(mixed(below.redF(), color.redF()),
-                            mixed(below.greenF(), color.greenF()),
-                            mixed(below.blueF(), color.blueF()));
-}
-
-} // namespace
-
 VantrelBackground::VantrelBackground(QWidget* content) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -46,6 +35,10 @@ void VantrelBackground::changeEvent(QEvent* event) {
 }
 
 void VantrelBackground::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Close)) {
+        window()->close();
+        return;
+    }
     for (auto* area : findChildren<QScrollArea*>()) {
         auto* scrolled = dynamic_cast<ScrollView*>(area);
         if (scrolled != nullptr && scrolled->isVisible()) {
@@ -59,9 +52,9 @@ void VantrelBackground::keyPressEvent(QKeyEvent* event) {
 void VantrelBackground::paintEvent(QPaintEvent* /*event*/) {
     const auto window = palette().color(QPalette::Window);
     QLinearGradient gradient(0, 0, width(), height());
-    gradient.setColorAt(0, laidOver(window, QColor::fromRgbF(0.0F, 0.48F, 1.0F), 0.08F));
+    gradient.setColorAt(0, laidOver(window, QColor::fromRgbF(0.0F, 0.48F, 1.0F), 0.08));
     gradient.setColorAt(0.5, window);
-    gradient.setColorAt(1, laidOver(window, QColor::fromRgbF(1.0F, 0.8F, 0.0F), 0.04F));
+    gradient.setColorAt(1, laidOver(window, QColor::fromRgbF(1.0F, 0.8F, 0.0F), 0.04));
     QPainter(this).fillRect(rect(), gradient);
 }
 

@@ -69,7 +69,7 @@ PlainButton::PlainButton(ViewContext& view, const Wording& name,
     face->setAttribute(Qt::WA_TransparentForMouseEvents);
     hideFromScreenReaders(face);
     connect(this, &QAbstractButton::clicked, this, action);
-    view.follow(this, [this, &view, name] { setAccessibleName(view.say(name)); });
+    nameForScreenReaders(view, this, name);
 }
 
 QSize PlainButton::sizeHint() const {
@@ -103,27 +103,6 @@ PlainButton* labelButton(ViewContext& view, std::string_view symbol, const Wordi
                          const TextStyle& style, const std::function<void()>& action) {
     auto* face = row(5, {new Symbol(symbol, style.size, style.tone), label(view, title, style)});
     return new PlainButton(view, title, action, face->padded(4, 3));
-}
-
-PlainButton* actionRow(ViewContext& view, const Wording& title, std::string_view symbol,
-                       const std::optional<Wording>& subtitle,
-                       const std::function<void()>& action) {
-    constexpr TextStyle titleStyle{13, QFont::Medium};
-    auto* texts = column(
-        3, {label(view, title, titleStyle),
-            subtitle ? label(view, *subtitle, captionText.toned(Tone::secondary)) : nullptr});
-    auto* picture = row(0, {new Symbol(symbol, 17, Tone::blue)});
-    picture->setFixedWidth(24);
-    auto* face =
-        row(12, {picture, texts, spacer(), new Symbol("chevron.right", 10, Tone::tertiary)});
-    auto* button = new PlainButton(view, title, action, face->padded(0, 5));
-    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    if (subtitle) {
-        view.follow(button, [button, &view, text = *subtitle] {
-            button->setAccessibleDescription(view.say(text));
-        });
-    }
-    return button;
 }
 
 bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event) {

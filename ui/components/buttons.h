@@ -6,7 +6,6 @@
 #include <QPushButton>
 
 #include <functional>
-#include <optional>
 #include <string_view>
 
 namespace vantrel {
@@ -33,11 +32,6 @@ protected:
 [[nodiscard]] PlainButton* labelButton(ViewContext& view, std::string_view symbol,
                                        const Wording& title, const TextStyle& style,
                                        const std::function<void()>& action);
-// A row that leads somewhere, across its whole width.
-[[nodiscard]] PlainButton* actionRow(ViewContext& view, const Wording& title,
-                                     std::string_view symbol,
-                                     const std::optional<Wording>& subtitle,
-                                     const std::function<void()>& action);
 
 // Clicks the button when the key is Enter, once however long that is held. Returns whether it is.
 bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event);

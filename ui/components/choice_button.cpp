@@ -2,7 +2,6 @@
 
 #include "ui/components/accessibility.h"
 #include "ui/components/buttons.h"
-#include "ui/components/stack.h"
 
 #include <QBoxLayout>
 #include <QKeyEvent>
@@ -13,8 +12,9 @@ namespace vantrel {
 ChoiceButton::ChoiceButton(ViewContext& view, const ChoiceRole& role, const ChoiceLook& look,
                            QWidget* face)
     : look_(look) {
+    setAccessibleRole(this, role.kind);
     setAutoExclusive(false);
-    setAccessibleRole(this, QAccessible::RadioButton);
+    setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -22,10 +22,8 @@ ChoiceButton::ChoiceButton(ViewContext& view, const ChoiceRole& role, const Choi
     face->setAttribute(Qt::WA_TransparentForMouseEvents);
     hideFromScreenReaders(face);
     connect(this, &QAbstractButton::clicked, this, role.choose);
-    view.follow(this, [this, &view, role] {
-        setAccessibleName(view.say(role.name));
-        setChecked(role.isSelected());
-    });
+    nameForScreenReaders(view, this, role.name);
+    view.follow(this, [this, role] { setChecked(role.isSelected()); });
 }
 
 QSize ChoiceButton::sizeHint() const {
@@ -47,22 +45,17 @@ void ChoiceButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     drawChrome(painter, palette(), rect(), chrome);
-    if (isDown()) {
+    if (isDown() || (underMouse() && !isChecked())) {
         drawChrome(painter, palette(), rect(),
-                   {.fill = {Tone::primary, 0.08}, .radius = chrome.radius});
+                   {.fill = {Tone::primary, isDown() ? 0.08 : 0.04}, .radius = chrome.radius});
     }
     drawFocusRing(painter, *this, rect(), chrome.radius);
 }
 
-QWidget* choiceRow(ViewContext& view, int spacing, const Wording& name,
-                   const std::vector<QWidget*>& choices) {
-    auto* group = row(spacing, {});
-    for (auto* choice : choices) {
-        group->add(choice);
-    }
-    setAccessibleRole(group, QAccessible::Grouping);
-    view.follow(group, [group, &view, name] { group->setAccessibleName(view.say(name)); });
-    return group;
+ChoiceRow::ChoiceRow(ViewContext& view, int spacing, const Wording& name, QAccessible::Role role)
+    : Stack(Qt::Horizontal, spacing, {}, Alignment::center) {
+    setAccessibleRole(this, role);
+    nameForScreenReaders(view, this, name);
 }
 
 } // namespace vantrel

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "ui/components/accessibility.h"
+#include "ui/components/stack.h"
 #include "ui/components/style.h"
-#include "ui/components/view_context.h"
 
 #include <QRadioButton>
 
 #include <functional>
-#include <vector>
 
 namespace vantrel {
 
@@ -15,6 +15,7 @@ struct ChoiceRole {
     Wording name;
     std::function<bool()> isSelected;
     std::function<void()> choose;
+    QAccessible::Role kind = QAccessible::RadioButton;
 };
 
 struct ChoiceLook {
@@ -43,7 +44,10 @@ private:
 
 // Choices side by side, told to screen readers as one group. They share the width evenly unless
 // they have widths of their own.
-[[nodiscard]] QWidget* choiceRow(ViewContext& view, int spacing, const Wording& name,
-                                 const std::vector<QWidget*>& choices);
+class ChoiceRow : public Stack {
+public:
+    ChoiceRow(ViewContext& view, int spacing, const Wording& name,
+              QAccessible::Role role = QAccessible::Grouping);
+};
 
 } // namespace vantrel

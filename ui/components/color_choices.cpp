@@ -1,11 +1,8 @@
 #include "ui/components/color_choices.h"
 
 #include "overlay/effect.h"
-#include "ui/components/accessibility.h"
-#include "ui/components/choice_button.h"
 #include "ui/components/color_well.h"
 #include "ui/components/pictogram.h"
-#include "ui/components/stack.h"
 
 #include <QPainter>
 
@@ -49,6 +46,8 @@ protected:
         painter.drawEllipse(middle, discSide / 2, discSide / 2);
         if (isChecked()) {
             paintSelection(painter, middle);
+        } else if (underMouse()) {
+            paintRing(painter, middle, toneColor(Tone::primary, palette(), 0.25));
         }
         drawFocusRing(painter, *this, rect(), width() / 2.0);
     }
@@ -60,7 +59,10 @@ private:
         painter.drawPixmap(
             middle - QPointF(side, side) / 2,
             pictogram("checkmark", side, tick, devicePixelRatio(), SymbolWeight::bold));
-        painter.setPen(QPen(toneColor(Tone::accent, palette()), 2));
+        paintRing(painter, middle, toneColor(Tone::accent, palette()));
+    }
+    static void paintRing(QPainter& painter, QPointF middle, const QColor& color) {
+        painter.setPen(QPen(color, 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(middle, ringSide / 2, ringSide / 2);
     }
@@ -87,25 +89,20 @@ Text colorName(const EffectColor& color) {
                                   : presetNames[static_cast<std::size_t>(found - presets.begin())];
 }
 
-bool isCustom(const EffectColor& color, Palette palette) {
-    const auto colors = colorsOf(palette);
-    return std::ranges::find(colors, color) == colors.end();
-}
-
-QWidget* colorChoices(ViewContext& view, const Binding<EffectColor>& color, Palette palette) {
-    // Discs 8 apart, though each is as wide as the line around it.
-    auto* choices = row(6, {});
+// Discs 8 apart, though each is as wide as the line around it.
+ColorChoices::ColorChoices(ViewContext& view, const Binding<EffectColor>& color, Palette palette)
+    : ChoiceRow(view, 6, Text{"Color", "颜色"}), color_(color), palette_(palette) {
     for (const auto& preset : colorsOf(palette)) {
-        choices->add(new Swatch(view, color, preset));
+        add(new Swatch(view, color, preset));
     }
     auto* well = new CustomColorWell(view, color, customName);
-    view.follow(well, [well, color, palette] { well->setChecked(isCustom(color.get(), palette)); });
-    choices->add(row(0, {well})->padded({1, 0, 0, 0}));
-    setAccessibleRole(choices, QAccessible::Grouping);
-    view.follow(choices, [choices, &view] {
-        choices->setAccessibleName(view.say(Text{"Color", "颜色"}));
-    });
-    return hugging(choices);
+    view.follow(well, [this, well] { well->setChecked(isCustom()); });
+    add(row(0, {well})->padded({1, 0, 0, 0}));
+    hugging(this);
+}
+
+bool ColorChoices::isCustom() const {
+    return std::ranges::count(colorsOf(palette_), color_.get()) == 0;
 }
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/components/view_context.h"
+#include "ui/components/choice_button.h"
 
 #include <span>
 
@@ -11,10 +11,18 @@ enum class Palette : unsigned char { highlight, laser };
 [[nodiscard]] std::span<const EffectColor> colorsOf(Palette palette);
 // Of all six preset colours, whichever palette they are offered in.
 [[nodiscard]] Text colorName(const EffectColor& color);
-[[nodiscard]] bool isCustom(const EffectColor& color, Palette palette);
 
 // Swatches of a palette, and a well for any other colour.
-[[nodiscard]] QWidget* colorChoices(ViewContext& view, const Binding<EffectColor>& color,
-                                    Palette palette);
+class ColorChoices : public ChoiceRow {
+public:
+    ColorChoices(ViewContext& view, const Binding<EffectColor>& color, Palette palette);
+
+    // Whether the colour is none of the palette's.
+    [[nodiscard]] bool isCustom() const;
+
+private:
+    Binding<EffectColor> color_;
+    Palette palette_;
+};
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #include "ui/components/color_well.h"
 
 #include "overlay/effect.h"
+#include "ui/components/accessibility.h"
 #include "ui/components/pictogram.h"
 
 #include <QColorDialog>
@@ -61,14 +62,14 @@ CustomColorWell::CustomColorWell(ViewContext& view, const Binding<EffectColor>& 
       label_(label),
       coordinator_(std::make_shared<Coordinator>(Coordinator{color, std::nullopt})),
       color_(toQColor(color.get())) {
+    // The toolkit takes what can be checked for a check box, which opens nothing.
+    setAccessibleRole(this, QAccessible::PushButton);
     setAutoDefault(true); // Enter works it
     setCheckable(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, &CustomColorWell::openDialog);
-    view.follow(this, [this] {
-        setAccessibleName(view_.say(label_));
-        follow();
-    });
+    nameForScreenReaders(view, this, label);
+    view.follow(this, [this] { follow(); });
 }
 
 // What came from the dialog does not go back into it: that would disturb who is dragging there.
@@ -97,6 +98,7 @@ void CustomColorWell::openDialog() {
 // The dialog may outlive the well, whose panel closes when the dialog takes the focus.
 QColorDialog* CustomColorWell::makeDialog() {
     auto* dialog = new QColorDialog(color_);
+    dialog->setPalette(palette()); // tinted as what it belongs to
     const auto picking = std::make_shared<Picking>(Picking{coordinator_->color});
     const auto pick = [picking, coordinator = coordinator_,
                        well = QPointer(this)](const QColor& picked) {
@@ -128,7 +130,7 @@ QColorDialog* CustomColorWell::makeDialog() {
 }
 
 QSize CustomColorWell::sizeHint() const {
-    return {49, 34};
+    return {46, 34};
 }
 
 void CustomColorWell::paintEvent(QPaintEvent* /*event*/) {
@@ -150,7 +152,7 @@ void CustomColorWell::paintEvent(QPaintEvent* /*event*/) {
 
 void CustomColorWell::paintBadge(QPainter& painter) {
     const int side = pictogramSide(11);
-    const QPointF corner(wellRect.right() + 3 - side, wellRect.center().y() - 10 - side / 2.0);
+    const QPointF corner(wellRect.right() - side, wellRect.center().y() - 10 - side / 2.0);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     painter.drawEllipse(QRectF(corner, QSizeF(side, side)).adjusted(3, 3, -3, -3));

@@ -7,7 +7,6 @@
 
 namespace vantrel {
 
-// A preview canvas that follows the preferences.
 struct EffectPreviewOptions {
     bool laser = false;
     bool interactive = true;
@@ -16,9 +15,15 @@ struct EffectPreviewOptions {
     std::function<AppPreferences(AppPreferences)> variation;
 };
 
-[[nodiscard]] PreviewCanvas* effectPreview(ViewContext& view, const EffectPreviewOptions& options);
-// With a name for screen readers.
-[[nodiscard]] PreviewCanvas* effectPreview(ViewContext& view, const Wording& name,
-                                           const EffectPreviewOptions& options);
+// A preview canvas that follows the preferences.
+class EffectPreview : public PreviewCanvas {
+public:
+    // A sample, of which screen readers are told nothing.
+    EffectPreview(ViewContext& view, const EffectPreviewOptions& options);
+    EffectPreview(ViewContext& view, const Wording& name, const EffectPreviewOptions& options);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
 
 } // namespace vantrel

@@ -1,10 +1,7 @@
 #include "ui/components/highlight_choices.h"
 
-#include "ui/components/accessibility.h"
-#include "ui/components/choice_button.h"
 #include "ui/components/effect_preview.h"
 #include "ui/components/label.h"
-#include "ui/components/stack.h"
 
 namespace vantrel {
 
@@ -27,21 +24,22 @@ Text styleTitle(HighlightStyle style) {
     return {};
 }
 
-PreviewCanvas* sample(ViewContext& view, HighlightStyle style, bool compact) {
-    return effectPreview(view, {.interactive = false,
-                                .height = compact ? 38 : 48,
-                                .variation = [style, compact](AppPreferences preferences) {
-                                    preferences.highlight.style = style;
-                                    preferences.highlight.diameter = compact ? 30 : 38;
-                                    preferences.highlight.opacity = 0.8;
-                                    return preferences;
-                                }});
+EffectPreview* sample(ViewContext& view, HighlightStyle style, Density density) {
+    const bool compact = density == Density::compact;
+    return new EffectPreview(view, {.interactive = false,
+                                    .height = compact ? 38 : 48,
+                                    .variation = [style, compact](AppPreferences preferences) {
+                                        preferences.highlight.style = style;
+                                        preferences.highlight.diameter = compact ? 30 : 38;
+                                        preferences.highlight.opacity = 0.8;
+                                        return preferences;
+                                    }});
 }
 
-QWidget* styleChoice(ViewContext& view, HighlightStyle style, bool compact) {
+QWidget* styleChoice(ViewContext& view, HighlightStyle style, Density density) {
     const auto binding = view.binding(&AppPreferences::highlight, &HighlightSettings::style);
     const Text title = styleTitle(style);
-    auto* face = column(5, {sample(view, style, compact),
+    auto* face = column(5, {sample(view, style, density),
                             label(view, title, {12, QFont::Medium})->centered()})
                      ->padded(6);
     return new ChoiceButton(view,
@@ -52,11 +50,11 @@ QWidget* styleChoice(ViewContext& view, HighlightStyle style, bool compact) {
 
 } // namespace
 
-QWidget* highlightChoices(ViewContext& view, bool compact) {
-    return choiceRow(view, 8, Text{"Highlight style", "高亮样式"},
-                     {styleChoice(view, HighlightStyle::filled, compact),
-                      styleChoice(view, HighlightStyle::ring, compact),
-                      styleChoice(view, HighlightStyle::glow, compact)});
+HighlightChoices::HighlightChoices(ViewContext& view, Density density)
+    : ChoiceRow(view, 8, Text{"Highlight style", "高亮样式"}) {
+    for (const auto style : allCases<HighlightStyle>()) {
+        add(styleChoice(view, style, density));
+    }
 }
 
 } // namespace vantrel

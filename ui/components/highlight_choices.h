@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ui/components/view_context.h"
+#include "ui/components/choice_button.h"
 
 namespace vantrel {
 
-// Picks the style of the highlight among live samples. In the small form for panels, or in the
-// large one.
-[[nodiscard]] QWidget* highlightChoices(ViewContext& view, bool compact);
+// Picks the style of the highlight among live samples.
+class HighlightChoices : public ChoiceRow {
+public:
+    HighlightChoices(ViewContext& view, Density density);
+};
 
 } // namespace vantrel

@@ -1,9 +1,7 @@
 #include "ui/components/mode_choices.h"
 
-#include "ui/components/choice_button.h"
 #include "ui/components/label.h"
 #include "ui/components/pictogram.h"
-#include "ui/components/stack.h"
 
 namespace vantrel {
 
@@ -23,7 +21,8 @@ Wording modeTitle(ViewContext& view, CursorMode mode) {
     };
 }
 
-QWidget* modeChoice(ViewContext& view, CursorMode mode, bool compact) {
+QWidget* modeChoice(ViewContext& view, CursorMode mode, Density density) {
+    const bool compact = density == Density::compact;
     const auto title = modeTitle(view, mode);
     const auto isSelected = [&view, mode] { return view.state().mode().get() == mode; };
     auto* symbol = new Symbol(modeSymbol(mode), compact ? 18 : 20);
@@ -54,11 +53,11 @@ std::string_view modeSymbol(CursorMode mode) {
     return {};
 }
 
-QWidget* modeChoices(ViewContext& view, bool compact) {
-    return choiceRow(view, 8, Text{"Mode", "模式"},
-                     {modeChoice(view, CursorMode::off, compact),
-                      modeChoice(view, CursorMode::highlight, compact),
-                      modeChoice(view, CursorMode::laser, compact)});
+ModeChoices::ModeChoices(ViewContext& view, Density density)
+    : ChoiceRow(view, 8, Text{"Mode", "模式"}) {
+    for (const auto mode : allCases<CursorMode>()) {
+        add(modeChoice(view, mode, density));
+    }
 }
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/components/view_context.h"
+#include "ui/components/choice_button.h"
 
 #include <string_view>
 
@@ -9,7 +9,10 @@ namespace vantrel {
 // The pictogram of a mode.
 [[nodiscard]] std::string_view modeSymbol(CursorMode mode);
 
-// Switches the mode. In the small form for panels and headers, or in the large one.
-[[nodiscard]] QWidget* modeChoices(ViewContext& view, bool compact);
+// Switches the mode.
+class ModeChoices : public ChoiceRow {
+public:
+    ModeChoices(ViewContext& view, Density density);
+};
 
 } // namespace vantrel

@@ -3,10 +3,9 @@
 #include "ui/components/choice_button.h"
 #include "ui/components/label.h"
 #include "ui/components/plate.h"
-#include "ui/components/stack.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
-#include <QLayout>
 #include <QWheelEvent>
 
 namespace vantrel {
@@ -23,8 +22,15 @@ constexpr Chrome trough{.fill = {Tone::primary, 0.07}, .radius = 8};
 // Lets the wheel scroll what it lies in.
 class PopUp final : public QComboBox {
 public:
+    PopUp() {
+        setFont(bodyText.font());
+        setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        view()->window()->setAttribute(Qt::WA_WindowPropagation); // of the tint
+    }
+
     [[nodiscard]] QSize sizeHint() const override {
-        return QComboBox::sizeHint().expandedTo({0, 26}) + QSize(8, 0);
+        return QComboBox::sizeHint().expandedTo({0, 26}) + QSize(12, 0);
     }
 
 protected:
@@ -47,35 +53,33 @@ QWidget* segment(ViewContext& view, const Wording& title, const Binding<std::siz
 
 QWidget* segmentedPicker(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,
                          const std::vector<Wording>& choices) {
-    std::vector<QWidget*> segments;
+    auto* group = new ChoiceRow(view, 2, title);
     for (std::size_t i = 0; i < choices.size(); ++i) {
-        segments.push_back(segment(view, choices[i], index, i));
+        group->add(segment(view, choices[i], index, i));
     }
-    auto* group = choiceRow(view, 2, title, segments);
-    group->layout()->setContentsMargins(2, 2, 2, 2);
+    group->padded(2);
     return row(12, {hugging(label(view, title)), new Plate(trough, group)});
 }
 
 QWidget* popUpPicker(ViewContext& view, const Wording& title, const Binding<std::size_t>& index,
                      const std::vector<Wording>& choices) {
     auto* popUp = new PopUp;
-    popUp->setFont(bodyText.font());
-    popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    popUp->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    auto* name = label(view, title);
+    name->setBuddy(popUp); // the toolkit tells no other name of a pop-up
     for (std::size_t i = 0; i < choices.size(); ++i) {
         popUp->addItem({});
     }
     QObject::connect(popUp, &QComboBox::activated, popUp,
                      [index](int chosen) { index.set(static_cast<std::size_t>(chosen)); });
-    view.follow(popUp, [popUp, &view, title, index, choices] {
-        popUp->setAccessibleName(view.say(title));
+    nameForScreenReaders(view, popUp, title);
+    view.follow(popUp, [popUp, &view, index, choices] {
         for (std::size_t i = 0; i < choices.size(); ++i) {
             popUp->setItemText(static_cast<int>(i), view.say(choices[i]));
         }
         const auto current = index.get();
         popUp->setCurrentIndex(current < choices.size() ? static_cast<int>(current) : -1);
     });
-    return row(12, {label(view, title), spacer(), popUp});
+    return row(12, {name, spacer(), popUp});
 }
 
 } // namespace vantrel

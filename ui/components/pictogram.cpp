@@ -61,6 +61,7 @@ QPixmap pictogram(std::string_view name, int side, const QColor& color, double d
     }
     QSvgRenderer drawing(drawingOf(path, weight));
     if (!drawing.isValid()) {
+        qWarning("there is no pictogram %s", qUtf8Printable(path));
         return {};
     }
     picture = render(drawing, side, color, devicePixelRatio);

@@ -12,6 +12,7 @@ namespace vantrel {
 namespace {
 
 constexpr double radius = 6;
+constexpr int textMargin = 10; // of a pop-up
 
 bool isDefault(const QStyleOption& option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
@@ -96,8 +97,20 @@ void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
+QRect PlainStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                 SubControl part, const QWidget* widget) const {
+    const QRect rect = QProxyStyle::subControlRect(control, option, part, widget);
+    const bool isText = control == CC_ComboBox && part == SC_ComboBoxEditField;
+    return isText ? rect.adjusted(option->rect.left() + textMargin - rect.left(), 0, 0, 0) : rect;
+}
+
 void installPlainStyle() {
-    if (QApplication::style()->name() == QStringLiteral("fusion")) {
+    const QStyle* style = QApplication::style();
+    // Tools that set the look of such desktops lay a style of their own over it.
+    if (const auto* proxy = qobject_cast<const QProxyStyle*>(style)) {
+        style = proxy->baseStyle();
+    }
+    if (style->inherits("QFusionStyle")) {
         QApplication::setStyle(new PlainStyle);
     }
 }

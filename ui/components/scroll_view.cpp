@@ -1,13 +1,17 @@
 #include "ui/components/scroll_view.h"
 
+#include "ui/components/section_card.h"
 #include "ui/components/stack.h"
 #include "ui/components/style.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStyleOptionSlider>
+
+#include <vector>
 
 namespace vantrel {
 
@@ -26,6 +30,14 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return {ScrollView::gutter, 40}; }
 
 protected:
+    // Some styles take a scroll bar for one that fills all of its rectangle.
+    bool event(QEvent* event) override {
+        const bool done = QScrollBar::event(event);
+        if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
+            setAttribute(Qt::WA_OpaquePaintEvent, false);
+        }
+        return done;
+    }
     void paintEvent(QPaintEvent* /*event*/) override {
         if (minimum() == maximum()) {
             return;
@@ -42,6 +54,45 @@ protected:
     }
 };
 
+// Its cards throw their shadows on it: one of a card's own would end where the card does.
+class Page final : public Stack {
+public:
+    explicit Page(QWidget* content) : Stack(Qt::Vertical, 0, {content}, Alignment::leading) {
+        if ((content->sizePolicy().verticalPolicy() & QSizePolicy::ExpandFlag) == 0) {
+            add(spacer());
+        }
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        for (const auto& card : cards_) {
+            if (card != nullptr && card->isVisibleTo(this)) {
+                card->drawShadow(painter, QRect(card->mapTo(this, QPoint()), card->size()));
+            }
+        }
+    }
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest) {
+            findCards();
+        }
+        return Stack::event(event);
+    }
+
+private:
+    void findCards() {
+        cards_.clear();
+        for (auto* part : findChildren<QWidget*>()) {
+            if (auto* card = dynamic_cast<SectionCard*>(part)) {
+                cards_.emplace_back(card);
+            }
+        }
+        update(); // the shadows of cards that move or go too
+    }
+
+    std::vector<QPointer<SectionCard>> cards_;
+};
+
 } // namespace
 
 ScrollView::ScrollView(QWidget* content) {
@@ -51,7 +102,7 @@ ScrollView::ScrollView(QWidget* content) {
     setVerticalScrollBar(new Indicator);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setWidgetResizable(true);
-    setWidget(column(0, {content, spacer()}));
+    setWidget(new Page(content));
     widget()->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
     connect(qApp, &QApplication::focusChanged, this,

@@ -4,7 +4,8 @@
 
 namespace vantrel {
 
-// Scrolls its content vertically when there is too little room, and keeps it at the top otherwise.
+// Scrolls its content vertically when there is too little room, and keeps it at the top otherwise,
+// or as high as the view when it expands.
 // It is no stop for the keyboard itself: it shows what the keyboard comes to, and keys scroll it
 // that the part with the focus does not take.
 class ScrollView : public QScrollArea {

@@ -5,7 +5,6 @@
 #include "ui/components/stack.h"
 #include "ui/components/style.h"
 
-#include <QEvent>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QVBoxLayout>
@@ -48,28 +47,11 @@ QPixmap shadowPicture(double ratio) {
     return picture;
 }
 
-class Shadow final : public QWidget {
-public:
-    Shadow() {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        hideFromScreenReaders(this);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        const QPixmap picture = shadowPicture(devicePixelRatio());
-        const int reach = qRound(cornerReach * devicePixelRatio());
-        QPainter painter(this);
-        qDrawBorderPixmap(&painter, rect(), {cornerReach, cornerReach, cornerReach, cornerReach},
-                          picture, picture.rect(), {reach, reach, reach, reach});
-    }
-};
-
 } // namespace
 
 SectionCard::SectionCard(ViewContext& view, const Wording& title,
-                         const std::optional<Wording>& subtitle, QWidget* content)
-    : shadow_(new Shadow) {
+                         const std::optional<Wording>& subtitle, QWidget* content) {
+    setAccessibleRole(this, QAccessible::Grouping);
     constexpr TextStyle titleStyle{15, QFont::DemiBold};
     auto* header = column(
         4, {paragraph(view, title, titleStyle),
@@ -78,12 +60,7 @@ SectionCard::SectionCard(ViewContext& view, const Wording& title,
     layout->setContentsMargins(18, 18, 18, 18);
     layout->addWidget(column(16, {header, content}));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    setAccessibleRole(this, QAccessible::Grouping);
-    view.follow(this, [this, &view, title] { setAccessibleName(view.say(title)); });
-}
-
-SectionCard::~SectionCard() {
-    delete shadow_;
+    nameForScreenReaders(view, this, title);
 }
 
 void SectionCard::paintEvent(QPaintEvent* /*event*/) {
@@ -94,33 +71,14 @@ void SectionCard::paintEvent(QPaintEvent* /*event*/) {
         {.fill = {Tone::sheet, 0.72}, .outline = {Tone::primary, 0.06}, .radius = cornerRadius});
 }
 
-bool SectionCard::event(QEvent* event) {
-    switch (event->type()) {
-    case QEvent::ParentChange:
-    case QEvent::Move:
-    case QEvent::Resize:
-    case QEvent::ShowToParent:
-    case QEvent::HideToParent:
-        placeShadow();
-        break;
-    default:
-        break;
-    }
-    return QWidget::event(event);
-}
-
-void SectionCard::placeShadow() {
-    if (shadow_ == nullptr || parentWidget() == nullptr) {
-        return;
-    }
-    if (shadow_->parentWidget() != parentWidget()) {
-        shadow_->setParent(parentWidget());
-    }
-    shadow_->setGeometry(geometry()
-                             .adjusted(-shadowRadius, -shadowRadius, shadowRadius, shadowRadius)
-                             .translated(0, shadowDrop));
-    shadow_->stackUnder(this);
-    shadow_->setVisible(!isHidden());
+void SectionCard::drawShadow(QPainter& painter, const QRect& card) const {
+    const QPixmap picture = shadowPicture(devicePixelRatio());
+    const int reach = qRound(cornerReach * devicePixelRatio());
+    qDrawBorderPixmap(&painter,
+                      card.adjusted(-shadowRadius, -shadowRadius, shadowRadius, shadowRadius)
+                          .translated(0, shadowDrop),
+                      {cornerReach, cornerReach, cornerReach, cornerReach}, picture, picture.rect(),
+                      {reach, reach, reach, reach});
 }
 
 } // namespace vantrel

@@ -2,10 +2,11 @@
 
 #include "ui/components/text.h"
 
-#include <QPointer>
 #include <QWidget>
 
 #include <optional>
+
+class QPainter;
 
 namespace vantrel {
 
@@ -18,18 +19,12 @@ public:
         : SectionCard(view, title, std::nullopt, content) {}
     SectionCard(ViewContext& view, const Wording& title, const std::optional<Wording>& subtitle,
                 QWidget* content);
-    ~SectionCard() override;
-    SectionCard(const SectionCard&) = delete;
-    SectionCard& operator=(const SectionCard&) = delete;
+
+    // Of a card that lies there. For what lies below it and is larger.
+    void drawShadow(QPainter& painter, const QRect& card) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    bool event(QEvent* event) override;
-
-private:
-    void placeShadow();
-
-    QPointer<QWidget> shadow_; // the sibling right below the card, which is wider than the card
 };
 
 } // namespace vantrel

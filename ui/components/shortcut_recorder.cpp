@@ -15,7 +15,7 @@ ShortcutRecorder::ShortcutRecorder(ViewContext& view,
                                    const Wording& recordingTitle)
     : ShortcutButton(view.desktop().keyboard, view.desktop().alertSound) {
     setFont(bodyText.font());
-    setFixedSize(recorderSize);
+    setFixedSize(recorderSize * textScale());
     onShortcut = shortcut.set;
     view.follow(this, [this, &view, shortcut, recordingTitle] {
         const auto bound = shortcut.get();

@@ -1,12 +1,65 @@
 #include "ui/components/style.h"
 
 #include <QApplication>
+#include <QFontInfo>
 #include <QPainter>
 #include <QWidget>
 
 #include <algorithm>
+#include <cmath>
 
 namespace vantrel {
+
+namespace {
+
+constexpr double enoughContrast = 4.5;
+
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+// Where a text of that colour is read worst: on what is most like it of all that it may lie on,
+// under a faint fill of its own.
+QColor groundOf(const QColor& text, const QPalette& palette) {
+    QColor worst = palette.color(QPalette::Active, QPalette::Window);
+    for (const auto role : {QPalette::Base, QPalette::Button}) {
+        const auto ground = palette.color(QPalette::Active, role);
+        worst = contrast(ground, text) < contrast(worst, text) ? ground : worst;
+    }
+    return laidOver(worst, text, 0.1);
+}
+
+// Nearer to the colour of labels where it would be hard to read.
+QColor readable(const QColor& color, const QPalette& palette) {
+    const auto label = palette.color(QPalette::Active, QPalette::WindowText);
+    for (double share = 0; share < 1; share += 0.05) {
+        const auto text = laidOver(color, label, share);
+        if (contrast(text, groundOf(text, palette)) >= enoughContrast) {
+            return text;
+        }
+    }
+    return label;
+}
+
+} // namespace
+
+double contrast(const QColor& a, const QColor& b) {
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor laidOver(const QColor& below, const QColor& color, double opacity) {
+    const auto mixed = [opacity](float a, float b) {
+        return static_cast<float>(std::lerp(double{a}, double{b}, opacity));
+    };
+    return QColor::fromRgbF(mixed(below.redF(), color.redF()),
+                            mixed(below.greenF(), color.greenF()),
+                            mixed(below.blueF(), color.blueF()));
+}
 
 bool isDark(const QPalette& palette) {
     return palette.color(QPalette::Active, QPalette::Window).lightness() < 128;
@@ -14,27 +67,32 @@ bool isDark(const QPalette& palette) {
 
 QColor toneColor(Tone tone, const QPalette& palette) {
     const bool dark = isDark(palette);
+    const auto primary = palette.color(QPalette::Active, QPalette::WindowText);
     switch (tone) {
     case Tone::primary:
-        return palette.color(QPalette::Active, QPalette::WindowText);
+        return primary;
     case Tone::secondary:
-        return toneColor(Tone::primary, palette, dark ? 0.62 : 0.58);
+        return readable(laidOver(palette.color(QPalette::Active, QPalette::Window), primary,
+                                 dark ? 0.62 : 0.58),
+                        palette);
     case Tone::tertiary:
         return toneColor(Tone::primary, palette, 0.32);
     case Tone::sheet:
         return palette.color(QPalette::Active, QPalette::Base);
     case Tone::accent:
         return palette.color(QPalette::Active, QPalette::Highlight);
+    case Tone::accentText:
+        return readable(palette.color(QPalette::Active, QPalette::Highlight), palette);
     case Tone::onAccent:
         return Qt::white;
     case Tone::blue:
-        return dark ? QColor(0x0A, 0x84, 0xFF) : QColor(0x00, 0x6E, 0xE6);
+        return {0x00, 0x6E, 0xE6};
     case Tone::green:
-        return dark ? QColor(0x30, 0xD1, 0x58) : QColor(0x1F, 0x7A, 0x36);
+        return readable(dark ? QColor(0x30, 0xD1, 0x58) : QColor(0x1F, 0x7A, 0x36), palette);
     case Tone::orange:
-        return dark ? QColor(0xFF, 0x9F, 0x0A) : QColor(0xB8, 0x56, 0x00);
+        return readable(dark ? QColor(0xFF, 0x9F, 0x0A) : QColor(0xB8, 0x56, 0x00), palette);
     case Tone::red:
-        return dark ? QColor(0xFF, 0x6B, 0x61) : QColor(0xC9, 0x2A, 0x21);
+        return readable(dark ? QColor(0xFF, 0x6B, 0x61) : QColor(0xC9, 0x2A, 0x21), palette);
     }
     return {};
 }
@@ -45,9 +103,14 @@ QColor toneColor(Tone tone, const QPalette& palette, double opacity) {
     return color;
 }
 
+double textScale() {
+    constexpr double usual = 15; // pixels, of 11 points
+    return std::clamp(QFontInfo(QApplication::font()).pixelSize() / usual, 1.0, 1.5);
+}
+
 QFont TextStyle::font() const {
     QFont font = QApplication::font();
-    font.setPixelSize(size);
+    font.setPixelSize(qRound(size * textScale()));
     font.setWeight(weight);
     return font;
 }

@@ -20,14 +20,24 @@ enum class Tone : unsigned char {
     tertiary,
     sheet, // what stands out from the window
     accent,
+    accentText, // on a faint fill of the accent too
     onAccent,
-    blue,
+    blue, // dark enough for white on it, on light desktops and on dark ones
     green,
     orange,
     red,
 };
 
+// How much of what there is room for.
+enum class Density : unsigned char { compact, regular };
+
+// Of two opaque colours: from 1, when they are equally bright, to 21.
+[[nodiscard]] double contrast(const QColor& a, const QColor& b);
+// Over an opaque colour.
+[[nodiscard]] QColor laidOver(const QColor& below, const QColor& color, double opacity);
+
 [[nodiscard]] bool isDark(const QPalette& palette);
+// Tones of texts stand out enough from the window and from a sheet to be read when they are small.
 [[nodiscard]] QColor toneColor(Tone tone, const QPalette& palette);
 // At a part of its own opacity.
 [[nodiscard]] QColor toneColor(Tone tone, const QPalette& palette, double opacity);
@@ -41,9 +51,12 @@ struct TextStyle {
     [[nodiscard]] constexpr TextStyle weighted(QFont::Weight other) const {
         return {size, other, tone};
     }
-    // In the desktop's family.
+    // In the desktop's family, and larger where the desktop's texts are larger than usual.
     [[nodiscard]] QFont font() const;
 };
+
+// From 1, for desktops with texts of up to 11 points, to 1.5.
+[[nodiscard]] double textScale();
 
 inline constexpr TextStyle titleText{22};
 inline constexpr TextStyle bodyText{13};

@@ -1,5 +1,6 @@
 #include "ui/components/switch_toggle.h"
 
+#include "ui/components/accessibility.h"
 #include "ui/components/style.h"
 
 #include <QPainter>
@@ -15,9 +16,12 @@ constexpr int gap = 8; // between title and switch
 SwitchToggle::SwitchToggle(ViewContext& view, const Wording& title, const Binding<bool>& value,
                            ControlSize size)
     : size_(size) {
-    setFont(TextStyle{size == ControlSize::regular ? 13 : 12}.font());
+    // The toolkit's own check box would be flipped by screen readers without a click.
+    setAccessibleRole(this, QAccessible::CheckBox);
+    setFont(bodyText.font());
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, [value] { value.set(!value.get()); });
+    nameForScreenReaders(view, this, title);
     view.follow(this, [this, &view, title, value] {
         setText(view.say(title));
         setChecked(value.get());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/components/stack.h"
 #include "ui/components/view_context.h"
 
 namespace vantrel {
@@ -16,7 +17,10 @@ struct ValueScale {
 };
 
 // A title, the value, and a slider for it without steps.
-[[nodiscard]] QWidget* valueSlider(ViewContext& view, const Wording& title,
-                                   const Binding<double>& value, const ValueScale& scale);
+class ValueSlider : public Stack {
+public:
+    ValueSlider(ViewContext& view, const Wording& title, const Binding<double>& value,
+                const ValueScale& scale);
+};
 
 } // namespace vantrel
