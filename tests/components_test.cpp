@@ -193,23 +193,6 @@ TEST_F(ComponentsTest, ManyChangesAtOnceLeadToOneRoundOfUpdates) {
     EXPECT_EQ(updates, 1);
 }
 
-TEST_F(ComponentsTest, ScreenReadersHearOfNoNameThatStaysTheSame) {
-    static int renamed;
-    renamed = 0;
-    show(column(8, {new ModeChoices(view, Density::compact), diameterSlider(), idleToggle()}));
-    QAccessible::setActive(true);
-    QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
-        const bool ofText = qobject_cast<QLabel*>(event->object()) != nullptr;
-        renamed += event->type() == QAccessible::NameChanged && !ofText ? 1 : 0;
-    });
-    change([](auto& preferences) { preferences.highlight.diameter = 30; });
-    EXPECT_EQ(renamed, 0);
-    change([](auto& preferences) { preferences.language = AppLanguage::chinese; });
-    EXPECT_GT(renamed, 4);
-    QAccessible::installUpdateHandler(nullptr);
-    QAccessible::setActive(false);
-}
-
 TEST_F(ComponentsTest, APictogramTakesItsTint) {
     const auto picture = pictogram("cursorarrow.rays", 24, Qt::red, 2).toImage();
     ASSERT_EQ(picture.size(), QSize(48, 48));

@@ -193,7 +193,7 @@ TEST_F(SettingsViewTest, TheKeyboardIsAtNoModeUnlessItGoesThere) {
     setMode(CursorMode::laser);
     expectHarmless(CursorMode::laser);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), named("Red"));
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), QStringLiteral("Red"));
     button("Off")->setFocus();
     settings.hide();
     settings.show();
