@@ -34,7 +34,7 @@ TEST_F(ProgramTest, SaysInOneLineWhatItCannotDo) {
 TEST_F(ProgramTest, EndsWithTheServer) {
     input.moveTo({300, 300});
     auto program = start();
-    ASSERT_TRUE(waitFor([&] { return pixelAt(watcher, {300, 300}) != 0; }));
+    ASSERT_TRUE(waitFor([&] { return isMarked(watcher, {300, 300}, 0); }));
     server.stop();
     EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
     EXPECT_EQ(errors(), "");

@@ -26,6 +26,16 @@ inline std::filesystem::path programUnderTest() {
     return named != nullptr ? named : VANTREL_PROGRAM;
 }
 
+// Whether a disc lies over a background there. Where nothing blends, it leaves rows out.
+inline bool isMarked(const XConnection& watcher, PixelPoint place, std::uint32_t background) {
+    for (int row = -2; row <= 2; ++row) {
+        if (pixelAt(watcher, {place.x, place.y + row}) != background) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // The program under test on a private server.
 class ProgramTest : public testing::Test {
 protected:

@@ -168,7 +168,7 @@ TEST_F(TrayTest, OpenWindowsKeepNoClickFromTheWindowBelowTheHighlight) {
     ASSERT_TRUE(shown(settings));
     ClientWindow other(server.display(), {.area = {20, 20, 200, 200}});
     input.moveTo({100, 100});
-    ASSERT_TRUE(waitFor([&] { return pixelAt(watcher, {100, 100}) != 0x336699; }));
+    ASSERT_TRUE(waitFor([&] { return isMarked(watcher, {100, 100}, 0x336699); }));
     input.click();
     EXPECT_EQ(other.events(),
               (std::vector<InputEvent>{{InputEvent::Type::buttonPress, 1, {100, 100}},
