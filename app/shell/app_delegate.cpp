@@ -98,9 +98,17 @@ ProgramStatus AppDelegate::status() const {
 }
 
 void AppDelegate::observeMode() {
-    subscriptions_.push_back(state_.mode().observe([this](CursorMode mode) {
+    const auto show = [this] {
+        const auto mode = state_.mode().get();
         shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
-        later([this] { resizePopover(); });
+    };
+    show();
+    subscriptions_.push_back(state_.mode().observe([this, show](CursorMode /*mode*/) {
+        // The marks come first: the tray takes longer than they do.
+        later([this, show] {
+            show();
+            resizePopover();
+        });
     }));
 }
 
