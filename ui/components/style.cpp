@@ -36,8 +36,8 @@ QColor groundOf(const QColor& text, const QPalette& palette) {
 // Nearer to the colour of labels where it would be hard to read.
 QColor readable(const QColor& color, const QPalette& palette) {
     const auto label = palette.color(QPalette::Active, QPalette::WindowText);
-    for (double share = 0; share < 1; share += 0.05) {
-        const auto text = laidOver(color, label, share);
+    for (int percent = 0; percent < 100; percent += 5) {
+        const auto text = laidOver(color, label, percent / 100.0);
         if (contrast(text, groundOf(text, palette)) >= enoughContrast) {
             return text;
         }
