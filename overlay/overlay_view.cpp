@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 
 namespace vantrel {
 
@@ -55,9 +54,9 @@ void OverlayView::configure(CursorMode mode, const AppPreferences& preferences) 
             show(**soft++, disc, side);
         }
     }
-    for (const auto& disc : effect.discs | std::views::reverse) {
-        if (disc.stops.size() == 1) {
-            show(**plain++, disc, side);
+    for (auto disc = effect.discs.rbegin(); disc != effect.discs.rend(); ++disc) {
+        if (disc->stops.size() == 1) {
+            show(**plain++, *disc, side);
         }
     }
 }
