@@ -219,7 +219,7 @@ bool AutostartLoginItem::unregister() {
 // The path by which the installed desktop entry starts this executable.
 std::optional<std::string> AutostartLoginItem::installedProgram() const {
     for (const auto& path : below(dataDirectories(), "applications")) {
-        if (const auto program = programStartedBy(readEntry(path))) {
+        if (auto program = programStartedBy(readEntry(path))) {
             return program;
         }
     }
