@@ -99,12 +99,14 @@ xcb_keycode_t keycodeOf(xcb_connection_t* c, xcb_keysym_t symbol) {
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
     auto* keys = xcb_get_keyboard_mapping_reply(
         c, xcb_get_keyboard_mapping(c, setup->min_keycode, count), nullptr);
-    int key = 0;
-    while (xcb_get_keyboard_mapping_keysyms(keys)[key * keys->keysyms_per_keycode] != symbol) {
+    const auto* first = xcb_get_keyboard_mapping_keysyms(keys);
+    xcb_keycode_t key = setup->min_keycode;
+    while (*first != symbol) {
+        first += keys->keysyms_per_keycode;
         ++key;
     }
     std::free(keys);
-    return static_cast<xcb_keycode_t>(setup->min_keycode + key);
+    return key;
 }
 
 void mapAtShortcut(xcb_connection_t* c, xcb_window_t root, xcb_window_t window) {
