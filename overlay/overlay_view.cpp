@@ -54,11 +54,11 @@ void OverlayView::configure(CursorMode mode, const AppPreferences& preferences) 
             show(**soft++, disc, side);
         }
     }
-    for (auto disc = effect.discs.rbegin(); disc != effect.discs.rend(); ++disc) {
-        if (disc->stops.size() == 1) {
-            show(**plain++, *disc, side);
+    std::for_each(effect.discs.rbegin(), effect.discs.rend(), [&](const Disc& disc) {
+        if (disc.stops.size() == 1) {
+            show(**plain++, disc, side);
         }
-    }
+    });
 }
 
 void OverlayView::show(Layer& layer, const Disc& disc, double side) {

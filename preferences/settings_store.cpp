@@ -24,7 +24,7 @@ AppPreferences SettingsStore::load() const {
     if (document && !stored) {
         defaults_.keepUnusable(key_);
     }
-    const auto preferences = stored.value_or(AppPreferences());
+    auto preferences = stored.value_or(AppPreferences());
     if (const auto bytes = encodePreferences(preferences)) {
         defaults_.countAs(key_, *bytes);
     }

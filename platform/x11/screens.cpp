@@ -56,6 +56,7 @@ void dropHidden(std::vector<Monitor>& monitors) {
 
 void readNames(const Connection& connection, std::vector<Monitor>& monitors) {
     std::vector<xcb_get_atom_name_cookie_t> cookies;
+    cookies.reserve(monitors.size());
     for (const auto& monitor : monitors) {
         cookies.push_back(xcb_get_atom_name(connection.xcb(), monitor.id));
     }
