@@ -28,12 +28,13 @@ desktop::WindowQuery windowOf(const TrayProgram& program) {
     return {.program = program.name, .width = 560, .height = 640};
 }
 
-// Two clicks in short order would be a double click, unless the pointer moves on the icon between
-// them.
+// Two clicks in short order would be a double click, unless the pointer is seen to move on the icon
+// between them: motions that come together count as their last.
 void readyToClick(TrayDesktop& desktop, const TrayProgram& program) {
     desktop.bench.input.moveTo(restingPlace);
     std::this_thread::sleep_for(clickDistance);
     desktop.bench.input.moveTo({program.icon.x + 1, program.icon.y + 1});
+    std::this_thread::sleep_for(clickDistance);
     desktop.bench.input.moveTo(desktop::centerOf(program.icon));
 }
 
