@@ -30,30 +30,32 @@ void SpriteStack::prepare(std::size_t count) {
 
 SpriteWindow* SpriteStack::acquire() {
     prepare(1);
-    const auto free = std::ranges::find(entries_, false, &Entry::used);
+    // The one right above those in use, which lies where it belongs.
+    auto free = entries_.end();
+    while (free != entries_.begin() && !(free - 1)->used) {
+        --free;
+    }
     if (free == entries_.end()) {
-        return nullptr;
+        free = std::ranges::find(entries_, false, &Entry::used);
+        if (free == entries_.end()) {
+            return nullptr;
+        }
+        std::rotate(free, free + 1, entries_.end());
+        free = entries_.end() - 1;
+        free->window->stackAbove(*(free - 1)->window);
     }
     free->used = true;
     if (shown_) {
-        map(*free);
+        free->window->map();
     }
-    std::rotate(free, free + 1, entries_.end());
-    auto& window = *entries_.back().window;
-    if (entries_.size() > 1) {
-        window.stackAbove(*entries_[entries_.size() - 2].window);
-    }
-    return &window;
-}
-
-void SpriteStack::map(Entry& entry) {
-    if (!std::exchange(entry.mapped, true)) {
-        entry.window->map();
-    }
+    return free->window.get();
 }
 
 void SpriteStack::mapAll() {
-    std::ranges::for_each(entries_, &SpriteStack::map);
+    for (const auto& entry : entries_) {
+        entry.window->map();
+        entry.window->commit();
+    }
 }
 
 void SpriteStack::release(SpriteWindow& window) {
@@ -69,13 +71,16 @@ void SpriteStack::release(SpriteWindow& window) {
 void SpriteStack::setShown(bool shown) {
     shown_ = shown;
     for (auto& entry : entries_) {
-        if (!shown && std::exchange(entry.mapped, false)) {
+        if (!shown) {
             entry.window->unmap();
         }
     }
 }
 
 void SpriteStack::raise() {
+    if (above_.empty()) {
+        return;
+    }
     for (const auto& entry : entries_) {
         entry.window->raise();
     }

@@ -28,10 +28,11 @@ public:
     // On top of the others, and not of anything else. Null when there can be none.
     SpriteWindow* acquire();
     void release(SpriteWindow& window);
+    // Above everything, where something may lie above.
     void raise();
     // Nothing is mapped while hidden, as at first, but what is ready stays ready. Afterwards only
-    // what is acquired is mapped: each window costs a compositing manager time, and the first
-    // picture waits for it.
+    // what is acquired is mapped, by its commit(): each window costs a compositing manager time, and
+    // the first picture waits for it.
     void setShown(bool shown);
     // Maps all that wait.
     void mapAll();
@@ -40,7 +41,6 @@ private:
     struct Entry {
         std::unique_ptr<SpriteWindow> window;
         bool used = false;
-        bool mapped = false;
     };
 
     void handleEvent(const xcb_generic_event_t& event) override;
@@ -48,7 +48,6 @@ private:
     void cameAbove(xcb_window_t window);
     // Whether a window of another program lies above.
     bool noteOrder(xcb_window_t window, bool above);
-    static void map(Entry& entry);
     [[nodiscard]] bool isOurs(xcb_window_t window) const;
 
     Connection& connection_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include <xcb/shape.h>
 
@@ -196,12 +197,11 @@ void SpriteWindow::park() {
     place_.reset();
 }
 
-void SpriteWindow::map() {
-    xcb_map_window(resources_.connection().xcb(), id());
-}
-
 void SpriteWindow::unmap() {
-    xcb_unmap_window(resources_.connection().xcb(), id());
+    mapped_ = false;
+    if (std::exchange(sentMapped_, false)) {
+        xcb_unmap_window(resources_.connection().xcb(), id());
+    }
 }
 
 void SpriteWindow::raise() {
@@ -231,7 +231,10 @@ void SpriteWindow::commit() {
     }
     applyShape();
     applyPlace();
-    if (hasPicture) {
+    if (mapped_ != sentMapped_) {
+        sentMapped_ = mapped_;
+        xcb_map_window(resources_.connection().xcb(), id());
+    } else if (hasPicture) {
         xcb_clear_area(resources_.connection().xcb(), 0, id(), 0, 0, 0, 0);
     }
 }

@@ -55,8 +55,9 @@ private:
 
 // A small window that shows one picture, lets every click through and is never managed by a window
 // manager. While it shows nothing it is parked outside of the root window rather than unmapped:
-// compositing managers fade and animate windows that are mapped. Changes are sent by commit(),
-// other than those of map() and unmap().
+// compositing managers fade and animate windows that are mapped. Changes are sent by commit(), other
+// than unmap() and those of the order. It maps a window last, with all that it is to show, as a
+// compositing manager looks at it then.
 class SpriteWindow {
 public:
     explicit SpriteWindow(SpriteResources& resources);
@@ -74,7 +75,7 @@ public:
     // the clip do not overlap, and stay where they are until the window is placed anew or parked.
     void place(QPoint topLeft, std::span<const QRect> clip);
     void park();
-    void map();
+    void map() { mapped_ = true; }
     void unmap();
     void raise();
     void stackAbove(const SpriteWindow& sibling);
@@ -109,6 +110,8 @@ private:
     Shown sentShown_;
     std::vector<xcb_rectangle_t> shape_;
     bool shapeStale_ = false;
+    bool mapped_ = false;
+    bool sentMapped_ = false;
 };
 
 // The parts of a picture to show when nothing can be translucent: of what is opaque everything, of
