@@ -118,7 +118,8 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
     switch (generic.event_type) {
     case XCB_INPUT_RAW_MOTION:
     case XCB_INPUT_RAW_TOUCH_UPDATE:
-        moved_ = true;
+        // What came together with an answer needs no question of its own.
+        moved_ = moved_ || !pointer_.answeredSince(event);
         break;
     case XCB_INPUT_RAW_BUTTON_PRESS:
         notePress(event);

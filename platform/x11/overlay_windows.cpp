@@ -8,7 +8,8 @@ namespace vantrel::x11 {
 
 namespace {
 
-// Windows that wait beside one for each display: as many clicks as are shown at once.
+// Windows that wait beside one for each display once something shows: as many clicks as are shown
+// at once.
 constexpr std::size_t spareWindows = 8;
 // What the first picture does not need gets ready so long after it.
 constexpr std::chrono::milliseconds readyingTime(50);
@@ -206,8 +207,9 @@ void X11OverlayWindows::compositingChanged() {
     }
     if (!windows_.empty() && blending == Blending::awaited && readying_.isActive()) {
         // The guard is what the manager comes back for, and looks like what lies below until then.
+        // What is mapped just when it comes back, it may forget to paint.
         setGuardColor(cornerColor(connection_));
-        getReady();
+        mapAll();
     } else if (blending == Blending::yes) {
         setGuardColor(0);
     }
@@ -231,7 +233,11 @@ void X11OverlayWindows::makeSprites(SpriteKind kind) {
 }
 
 void X11OverlayWindows::getReady() {
-    readying_.stop();
+    stack_.prepare(screens_.list().size() + spareWindows);
+    mapAll();
+}
+
+void X11OverlayWindows::mapAll() {
     stack_.mapAll();
     if (guard_ != nullptr) {
         guard_->place(guardPlace_.topLeft(), std::span(&guardPlace_, 1));
@@ -248,10 +254,10 @@ void X11OverlayWindows::setGuardColor(QRgb color) {
     }
 }
 
-// A new window takes a wait for the server. So the windows are there before anything shows, and
-// stay while nothing does.
+// A new window takes time of the server and of the compositing manager. So what the first picture
+// needs is there before anything shows, and all stay while nothing does.
 void X11OverlayWindows::prepareWindows() {
-    stack_.prepare(screens_.list().size() + spareWindows);
+    stack_.prepare(screens_.list().size());
 }
 
 } // namespace vantrel::x11

@@ -34,6 +34,7 @@ private:
     void makeSprites(SpriteKind kind);
     void prepareWindows();
     void getReady();
+    void mapAll();
     void setGuardColor(QRgb color);
 
     Connection& connection_;

@@ -20,12 +20,17 @@ std::optional<GlobalPoint> X11Pointer::location() {
 
 void X11Pointer::ask() {
     auto* xcb = connection_.xcb();
-    const Owned<xcb_query_pointer_reply_t> reply(
-        xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, connection_.root()), nullptr));
+    const auto question = xcb_query_pointer(xcb, connection_.root());
+    const Owned<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(xcb, question, nullptr));
     if (reply && reply->same_screen != 0) {
+        answered_ = question.sequence;
         pixel_ = QPoint(reply->root_x, reply->root_y);
         known_ = !xwayland_ || xwayland_->isKnown(*reply, clock_.uptime());
     }
+}
+
+bool X11Pointer::answeredSince(const xcb_generic_event_t& event) const {
+    return static_cast<std::int32_t>(event.full_sequence - answered_) < 0;
 }
 
 GlobalPoint X11Pointer::lastLocation() const {

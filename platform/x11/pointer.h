@@ -15,6 +15,8 @@ public:
     [[nodiscard]] std::optional<GlobalPoint> location() override;
     // The place in the last answer, without asking.
     [[nodiscard]] GlobalPoint lastLocation() const;
+    // Whether that answer tells of the event as well, as the server sent the event before it.
+    [[nodiscard]] bool answeredSince(const xcb_generic_event_t& event) const;
 
 private:
     void ask();
@@ -25,6 +27,7 @@ private:
     QPoint pixel_;
     bool known_ = true;
     std::uint64_t askedIn_ = 0;               // the turn
+    std::uint32_t answered_ = 0;              // the number of the request
     std::optional<XwaylandPointer> xwayland_; // where the server is one
 };
 

@@ -14,44 +14,41 @@ void SpriteStack::setKind(SpriteKind kind) {
     resources_.emplace(connection_, kind);
 }
 
-// The server's answers are waited for all at once.
 void SpriteStack::prepare(std::size_t count) {
     auto waiting = static_cast<std::size_t>(std::ranges::count(entries_, false, &Entry::used));
-    std::vector<std::unique_ptr<SpriteWindow>> made;
     for (; waiting < count; ++waiting) {
-        made.push_back(std::make_unique<SpriteWindow>(*resources_));
+        entries_.push_back({std::make_unique<SpriteWindow>(*resources_)});
     }
-    for (auto& window : made) {
-        if (window->letsClicksThrough()) {
-            entries_.push_back({std::move(window)});
-        }
-    }
+}
+
+// As a rule the server has answered long ago.
+void SpriteStack::removeThoseThatTakeClicks() {
+    std::erase_if(entries_, [](const Entry& entry) {
+        return !entry.used && !entry.window->letsClicksThrough();
+    });
 }
 
 SpriteWindow* SpriteStack::acquire() {
     prepare(1);
-    // The one right above those in use, which lies where it belongs.
-    auto free = entries_.end();
-    while (free != entries_.begin() && !(free - 1)->used) {
-        --free;
-    }
+    removeThoseThatTakeClicks();
+    const auto free = std::ranges::find(entries_, false, &Entry::used);
     if (free == entries_.end()) {
-        free = std::ranges::find(entries_, false, &Entry::used);
-        if (free == entries_.end()) {
-            return nullptr;
-        }
-        std::rotate(free, free + 1, entries_.end());
-        free = entries_.end() - 1;
-        free->window->stackAbove(*(free - 1)->window);
+        return nullptr;
     }
     free->used = true;
     if (shown_) {
         free->window->map();
     }
-    return free->window.get();
+    std::rotate(free, free + 1, entries_.end());
+    auto& window = *entries_.back().window;
+    if (entries_.size() > 1) {
+        window.stackAbove(*entries_[entries_.size() - 2].window);
+    }
+    return &window;
 }
 
 void SpriteStack::mapAll() {
+    removeThoseThatTakeClicks();
     for (const auto& entry : entries_) {
         entry.window->map();
         entry.window->commit();

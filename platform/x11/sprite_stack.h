@@ -23,7 +23,8 @@ public:
     [[nodiscard]] std::optional<SpriteKind> kind() const {
         return resources_ ? std::optional(resources_->kind()) : std::nullopt;
     }
-    // Has so many windows waiting, so that none need be made when a sprite appears.
+    // Has so many windows waiting, so that none need be made when a sprite appears. Waits for
+    // nothing: what the server answers is looked at when a window is first needed.
     void prepare(std::size_t count);
     // On top of the others, and not of anything else. Null when there can be none.
     SpriteWindow* acquire();
@@ -31,8 +32,8 @@ public:
     // Above everything, where something may lie above.
     void raise();
     // Nothing is mapped while hidden, as at first, but what is ready stays ready. Afterwards only
-    // what is acquired is mapped, by its commit(): each window costs a compositing manager time, and
-    // the first picture waits for it.
+    // what is acquired is mapped, by its commit(): each window costs a compositing manager time,
+    // and the first picture waits for it.
     void setShown(bool shown);
     // Maps all that wait.
     void mapAll();
@@ -48,6 +49,7 @@ private:
     void cameAbove(xcb_window_t window);
     // Whether a window of another program lies above.
     bool noteOrder(xcb_window_t window, bool above);
+    void removeThoseThatTakeClicks();
     [[nodiscard]] bool isOurs(xcb_window_t window) const;
 
     Connection& connection_;

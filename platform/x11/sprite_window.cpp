@@ -231,8 +231,7 @@ void SpriteWindow::commit() {
     }
     applyShape();
     applyPlace();
-    if (mapped_ != sentMapped_) {
-        sentMapped_ = mapped_;
+    if (mapped_ && !std::exchange(sentMapped_, true)) {
         xcb_map_window(resources_.connection().xcb(), id());
     } else if (hasPicture) {
         xcb_clear_area(resources_.connection().xcb(), 0, id(), 0, 0, 0, 0);

@@ -55,9 +55,9 @@ private:
 
 // A small window that shows one picture, lets every click through and is never managed by a window
 // manager. While it shows nothing it is parked outside of the root window rather than unmapped:
-// compositing managers fade and animate windows that are mapped. Changes are sent by commit(), other
-// than unmap() and those of the order. It maps a window last, with all that it is to show, as a
-// compositing manager looks at it then.
+// compositing managers fade and animate windows that are mapped. Changes are sent by commit(),
+// other than unmap() and those of the order. It maps a window last, with all that it is to show, as
+// a compositing manager looks at it then.
 class SpriteWindow {
 public:
     explicit SpriteWindow(SpriteResources& resources);
