@@ -1,8 +1,8 @@
 #include "bench_desktop.h"
 
-#include "desktop/harness/displays.h"
-#include "desktop/harness/vantrel_program.h"
-#include "desktop/harness/wait.h"
+#include "testdesk/displays.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
 
 #include <filesystem>
 #include <stdexcept>

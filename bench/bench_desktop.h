@@ -1,10 +1,10 @@
 #pragma once
 
-#include "desktop/harness/child_process.h"
-#include "desktop/harness/desktop_programs.h"
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/screen_capture.h"
-#include "desktop/harness/synthetic_input.h"
+#include "testdesk/child_process.h"
+#include "testdesk/desktop_programs.h"
+#include "testdesk/private_server.h"
+#include "testdesk/screen_capture.h"
+#include "testdesk/synthetic_input.h"
 
 #include <chrono>
 #include <filesystem>

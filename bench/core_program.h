@@ -2,10 +2,10 @@
 
 #include "bench_desktop.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/qt_main_queue.h"
-#include "platform/headless/headless_session.h"
+#include "support/headless_session.h"
 #include "platform/x11/desktop.h"
 
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "tray_desktop.h"
 
-#include "desktop/harness/usage.h"
+#include "testdesk/usage.h"
 
 namespace vantrel::bench {
 namespace {

@@ -3,7 +3,7 @@
 #include "core_program.h"
 #include "motion_latencies.h"
 
-#include "desktop/harness/wait.h"
+#include "testdesk/wait.h"
 
 #include <QEventLoop>
 #include <QTimer>

@@ -1,8 +1,8 @@
 #include "measurements.h"
 
-#include "desktop/harness/usage.h"
-#include "desktop/harness/wait.h"
-#include "desktop/harness/x_traffic.h"
+#include "testdesk/usage.h"
+#include "testdesk/wait.h"
+#include "testdesk/x_traffic.h"
 
 namespace vantrel::bench {
 namespace {

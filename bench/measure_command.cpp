@@ -1,8 +1,8 @@
 #include "measurements.h"
 
-#include "desktop/harness/private_bus.h"
-#include "desktop/harness/vantrel_program.h"
-#include "desktop/harness/wait.h"
+#include "testdesk/private_bus.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
 
 #include <stdexcept>
 

@@ -3,8 +3,8 @@
 #include "motion_latencies.h"
 #include "tray_desktop.h"
 
-#include "desktop/harness/vantrel_program.h"
-#include "desktop/harness/wait.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -2,7 +2,7 @@
 
 #include "motion_latencies.h"
 
-#include "desktop/harness/usage.h"
+#include "testdesk/usage.h"
 
 #include <array>
 #include <cmath>

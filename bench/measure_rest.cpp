@@ -1,7 +1,7 @@
 #include "measurements.h"
 
-#include "desktop/harness/usage.h"
-#include "desktop/harness/x_traffic.h"
+#include "testdesk/usage.h"
+#include "testdesk/x_traffic.h"
 
 #include <iomanip>
 #include <sstream>

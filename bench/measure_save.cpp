@@ -1,7 +1,7 @@
 #include "measurements.h"
 
-#include "desktop/harness/wait.h"
-#include "desktop/harness/x_traffic.h"
+#include "testdesk/wait.h"
+#include "testdesk/x_traffic.h"
 
 #include <system_error>
 

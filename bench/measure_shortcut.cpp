@@ -3,7 +3,7 @@
 #include "motion_latencies.h"
 #include "tray_desktop.h"
 
-#include "desktop/harness/wait.h"
+#include "testdesk/wait.h"
 
 #include <stdexcept>
 

@@ -2,8 +2,8 @@
 
 #include "tray_desktop.h"
 
-#include "desktop/harness/usage.h"
-#include "desktop/harness/vantrel_program.h"
+#include "testdesk/usage.h"
+#include "testdesk/vantrel_program.h"
 
 #include <sstream>
 

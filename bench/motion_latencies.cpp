@@ -1,6 +1,6 @@
 #include "motion_latencies.h"
 
-#include "desktop/harness/wait.h"
+#include "testdesk/wait.h"
 
 #include <cmath>
 #include <thread>

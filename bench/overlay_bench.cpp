@@ -2,7 +2,7 @@
 // often memory was taken for one round.
 
 #include "overlay/overlay_window_manager.h"
-#include "platform/headless/headless_desktop.h"
+#include "support/headless_desktop.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "tray_desktop.h"
 
-#include "desktop/harness/wait.h"
+#include "testdesk/wait.h"
 
 #include <algorithm>
 #include <cstring>

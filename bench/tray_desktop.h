@@ -2,8 +2,8 @@
 
 #include "bench_desktop.h"
 
-#include "desktop/harness/program_windows.h"
-#include "desktop/harness/tray.h"
+#include "testdesk/program_windows.h"
+#include "testdesk/tray.h"
 
 namespace vantrel::bench {
 

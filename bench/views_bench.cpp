@@ -2,7 +2,7 @@
 // language while all of them are open.
 
 #include "overlay/drawn_cursor.h"
-#include "platform/headless/headless_desktop.h"
+#include "support/headless_desktop.h"
 #include "ui/help_view.h"
 #include "ui/menu_panel.h"
 #include "ui/settings_view.h"

@@ -1,8 +1,8 @@
-#include "desktop/harness/desktop_programs.h"
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/synthetic_input.h"
-#include "desktop/harness/temporary_folder.h"
-#include "desktop/harness/wait.h"
+#include "testdesk/desktop_programs.h"
+#include "testdesk/private_server.h"
+#include "testdesk/synthetic_input.h"
+#include "testdesk/temporary_folder.h"
+#include "testdesk/wait.h"
 #include "platform/x11/cursor_images.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/temporary_folder.h"
-#include "desktop/harness/wait.h"
+#include "testdesk/private_server.h"
+#include "testdesk/temporary_folder.h"
+#include "testdesk/wait.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "overlay_fixture.h"
+#include "support/overlay_fixture.h"
 
 #include "platform/layers/painter.h"
 

@@ -1,5 +1,5 @@
-#include "desktop/harness/x_traffic.h"
-#include "desktop/program_fixture.h"
+#include "testdesk/x_traffic.h"
+#include "support/program_fixture.h"
 
 namespace vantrel::desktop {
 namespace {

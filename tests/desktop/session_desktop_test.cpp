@@ -1,8 +1,8 @@
-#include "desktop/harness/core_application.h"
-#include "desktop/harness/x_traffic.h"
-#include "desktop/program_fixture.h"
-#include "freedesktop_event_loop.h"
-#include "mock_login_manager.h"
+#include "testdesk/core_application.h"
+#include "testdesk/x_traffic.h"
+#include "support/program_fixture.h"
+#include "support/freedesktop_event_loop.h"
+#include "support/mock_login_manager.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <algorithm>

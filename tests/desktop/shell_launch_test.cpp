@@ -1,4 +1,4 @@
-#include "desktop/shell_fixture.h"
+#include "support/shell_fixture.h"
 
 #include <algorithm>
 #include <array>

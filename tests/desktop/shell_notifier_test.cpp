@@ -1,7 +1,7 @@
-#include "desktop/harness/core_application.h"
-#include "desktop/harness/displays.h"
-#include "desktop/harness/status_notifier_host.h"
-#include "desktop/shell_fixture.h"
+#include "testdesk/core_application.h"
+#include "testdesk/displays.h"
+#include "testdesk/status_notifier_host.h"
+#include "support/shell_fixture.h"
 
 #include <thread>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/harness/synthetic_input.h"
+#include "testdesk/synthetic_input.h"
 
 #include <chrono>
 #include <string>

@@ -1,6 +1,6 @@
 #include "interruption.h"
 
-#include "desktop/harness/wait.h"
+#include "testdesk/wait.h"
 
 #include <csignal>
 #include <initializer_list>

@@ -1,6 +1,6 @@
 #include "photograph.h"
 
-#include "desktop/harness/screen_capture.h"
+#include "testdesk/screen_capture.h"
 #include "pictures.h"
 
 #include <stdexcept>

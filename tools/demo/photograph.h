@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/harness/x_connection.h"
+#include "testdesk/x_connection.h"
 
 #include <filesystem>
 

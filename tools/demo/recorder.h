@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/harness/child_process.h"
-#include "desktop/harness/private_server.h"
+#include "testdesk/child_process.h"
+#include "testdesk/private_server.h"
 
 #include <filesystem>
 

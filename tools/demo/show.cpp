@@ -1,7 +1,7 @@
 #include "show.h"
 
-#include "desktop/harness/desktop_programs.h"
-#include "desktop/harness/screen_capture.h"
+#include "testdesk/desktop_programs.h"
+#include "testdesk/screen_capture.h"
 #include "interruption.h"
 #include "photograph.h"
 

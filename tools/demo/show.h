@@ -1,9 +1,9 @@
 #pragma once
 
-#include "desktop/harness/child_process.h"
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/screen_capture.h"
-#include "desktop/harness/vantrel_program.h"
+#include "testdesk/child_process.h"
+#include "testdesk/private_server.h"
+#include "testdesk/screen_capture.h"
+#include "testdesk/vantrel_program.h"
 #include "hand.h"
 #include "stage.h"
 

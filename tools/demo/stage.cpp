@@ -1,6 +1,6 @@
 #include "stage.h"
 
-#include "desktop/harness/screen_capture.h"
+#include "testdesk/screen_capture.h"
 #include "interruption.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/x_connection.h"
+#include "testdesk/private_server.h"
+#include "testdesk/x_connection.h"
 #include "pictures.h"
 
 #include <cstdint>

@@ -3,7 +3,7 @@
 // scale.
 
 #include "overlay/drawn_cursor.h"
-#include "platform/headless/headless_desktop.h"
+#include "support/headless_desktop.h"
 #include "platform/system_clock.h"
 #include "ui/components/action_row.h"
 #include "ui/components/background.h"

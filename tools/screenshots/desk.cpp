@@ -2,8 +2,8 @@
 
 #include "demo/interruption.h"
 #include "demo/photograph.h"
-#include "desktop/harness/desktop_programs.h"
-#include "desktop/harness/screen_capture.h"
+#include "testdesk/desktop_programs.h"
+#include "testdesk/screen_capture.h"
 #include "look.h"
 
 #include <stdexcept>

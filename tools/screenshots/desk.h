@@ -1,12 +1,12 @@
 #pragma once
 
 #include "demo/stage.h"
-#include "desktop/harness/child_process.h"
-#include "desktop/harness/private_server.h"
-#include "desktop/harness/program_windows.h"
-#include "desktop/harness/synthetic_input.h"
-#include "desktop/harness/tray.h"
-#include "desktop/harness/vantrel_program.h"
+#include "testdesk/child_process.h"
+#include "testdesk/private_server.h"
+#include "testdesk/program_windows.h"
+#include "testdesk/synthetic_input.h"
+#include "testdesk/tray.h"
+#include "testdesk/vantrel_program.h"
 
 #include <filesystem>
 #include <optional>

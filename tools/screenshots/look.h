@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/harness/child_process.h"
+#include "testdesk/child_process.h"
 
 #include <filesystem>
 

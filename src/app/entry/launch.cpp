@@ -1,0 +1,142 @@
+#include "app/entry/command_language.h"
+#include "app/entry/running_instance.h"
+#include "app/entry/start.h"
+#include "app/entry/vantrel_app.h"
+#include "platform/freedesktop/bus_probe.h"
+#include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/termination_signals.h"
+#include "platform/x11/instance.h"
+#include "ui/components/plain_style.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
+namespace vantrel {
+namespace {
+
+constexpr std::string_view englishWaylandRemark =
+    "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
+    "vantrel: Highlight, laser and click effects appear over the windows of X programs, while one "
+    "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
+    "hidden, as Xwayland does not tell where the pointer is.\n"
+    "vantrel: The shortcuts work while an X program has the keyboard.\n"
+    "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
+    "time.\n";
+constexpr std::string_view chineseWaylandRemark =
+    "vantrel: 在 Wayland 会话中，Vantrel 与 X 程序一样通过 Xwayland 运行。\n"
+    "vantrel: 高亮、激光和点击效果只在某个 X 程序拥有键盘焦点时显示在 X 程序的窗口上。"
+    "在其他位置，或指针静止 3 秒后，效果会隐藏，因为 Xwayland 不会告知指针的位置。\n"
+    "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
+    "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
+
+constexpr std::chrono::seconds patienceWithBus(1);
+
+void prepareToolkit() {
+    // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
+    if (sessionBusIsSilent(patienceWithBus)) {
+        const auto remark = said("vantrel: the session bus does not answer; going on without it\n",
+                                 "vantrel: 会话总线没有响应；将不使用会话总线\n");
+        std::fputs(remark.c_str(), stderr);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+    }
+    // The overlays are on the X server, and so is everything else, whatever the session prefers.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication::setApplicationName(QStringLiteral("vantrel"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
+    QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("vantrel"));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+// When the X server goes away, the toolkit ends the process at once, as a failure, and with all
+// that it has on its stack. The end of a session is none.
+class ServerLoss {
+public:
+    ServerLoss() {
+        current_ = this;
+        std::atexit([] {
+            if (current_ != nullptr) {
+                current_->endProgram();
+                std::_Exit(EXIT_SUCCESS);
+            }
+        });
+    }
+    ~ServerLoss() { current_ = nullptr; }
+    ServerLoss(const ServerLoss&) = delete;
+    ServerLoss& operator=(const ServerLoss&) = delete;
+
+    void setProgram(VantrelApp* program) { program_ = program; }
+
+private:
+    void endProgram() {
+        if (program_ != nullptr) {
+            program_->end();
+        }
+    }
+
+    static inline ServerLoss* current_ = nullptr;
+    VantrelApp* program_ = nullptr;
+};
+
+int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
+    // A word to a terminal that has gone must not end the program.
+    std::signal(SIGPIPE, SIG_IGN);
+    if (connection.isXwayland()) {
+        std::fputs(said(englishWaylandRemark, chineseWaylandRemark).c_str(), stderr);
+    }
+    TerminationSignals signals;
+    ServerLoss serverLoss;
+    prepareToolkit();
+    // The arguments are the program's; the toolkit would take some of its own out of them.
+    int toolkitArgc = std::min(start.argc, 1);
+    const QApplication application(toolkitArgc, start.argv);
+    vantrel::installPlainStyle();
+    VantrelApp program(connection, commands, start.command, start.launched);
+    serverLoss.setProgram(&program);
+    signals.deliverTo([] { QCoreApplication::exit(); });
+    const int status = QApplication::exec();
+    program.end();
+    serverLoss.setProgram(nullptr);
+    if (connection.isLost() || !program.isSaved()) {
+        // The toolkit has nobody left to take leave of, or the disk does not answer.
+        std::_Exit(EXIT_SUCCESS);
+    }
+    return status;
+}
+
+int runProgram(const Start& start) {
+    std::optional<ServerPatience> serverPatience(std::in_place);
+    std::string error;
+    const auto connection = x11::Connection::open({}, error, commandLineUsesEnglish());
+    if (!connection) {
+        return report(failure(error));
+    }
+    while (true) {
+        CommandSocket commands;
+        if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
+            serverPatience.reset();
+            return runAsInstance(*connection, commands, start);
+        }
+        if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {
+            if (answer->status == CommandAnswer::Status::done) {
+                start.launched();
+            }
+            return report(*answer);
+        }
+    }
+}
+
+} // namespace
+} // namespace vantrel
+
+extern "C" __attribute__((visibility("default"))) int
+vantrelRunProgram(const vantrel::Start& start) {
+    return vantrel::runProgram(start);
+}

@@ -1,0 +1,102 @@
+#include "app/entry/running_instance.h"
+
+#include "app/entry/command_language.h"
+
+#include "platform/x11/instance.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <thread>
+
+#include <unistd.h>
+
+namespace vantrel {
+
+namespace {
+
+constexpr std::chrono::seconds patience(5);
+constexpr std::chrono::seconds patienceWithServer(7); // longer, as it includes the former
+constexpr std::chrono::milliseconds retryInterval(10);
+
+using Status = CommandAnswer::Status;
+using Failure = CommandCall::Failure;
+
+CommandCall::Outcome<CommandAnswer> askAt(const std::string& address, const CommandWords& words,
+                                          const Command& command, CommandCall::Deadline deadline) {
+    auto opened = CommandCall::open(address);
+    auto* call = std::get_if<CommandCall>(&opened);
+    if (call == nullptr) {
+        return std::get<Failure>(opened);
+    }
+    auto outcome = call->ask(words, deadline);
+    const auto* answer = std::get_if<CommandAnswer>(&outcome);
+    const bool ends = command.action == Command::Action::quit && answer != nullptr &&
+                      answer->status == Status::done;
+    return !ends || call->awaitEnd(deadline)
+               ? outcome
+               : failure(said("timed out while quitting", "退出超时"));
+}
+
+} // namespace
+
+ServerPatience::ServerPatience() {
+    // Nothing may be allocated once the signal comes.
+    static const std::string message =
+        said("vantrel: no answer from the X server\n", "vantrel: X 服务器没有响应\n");
+    std::signal(SIGALRM, [](int) {
+        [[maybe_unused]] const auto written = write(STDERR_FILENO, message.data(), message.size());
+        _exit(EXIT_FAILURE);
+    });
+    alarm(static_cast<unsigned>(patienceWithServer.count()));
+}
+
+ServerPatience::~ServerPatience() {
+    alarm(0);
+    std::signal(SIGALRM, SIG_DFL);
+}
+
+std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,
+                                                const CommandWords& words, const Command& command) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (const auto address = x11::Instance::find(connection)) {
+        const auto outcome = askAt(*address, words, command, deadline);
+        if (const auto* answer = std::get_if<CommandAnswer>(&outcome)) {
+            return *answer;
+        }
+        if (std::get<Failure>(outcome) == Failure::stranger) {
+            return failure(said("another user is already running Vantrel on this display",
+                                "其他用户已在此显示器上运行 Vantrel"));
+        }
+        if (std::get<Failure>(outcome) == Failure::unanswered ||
+            std::chrono::steady_clock::now() >= deadline) {
+            return failure(said("already running on this display, but not responding",
+                                "已在此显示器上运行，但没有响应"));
+        }
+        // It is ending.
+        std::this_thread::sleep_for(retryInterval);
+    }
+    return std::nullopt;
+}
+
+CommandAnswer failure(std::string text) {
+    return {.status = Status::failed, .text = std::move(text)};
+}
+
+int report(const CommandAnswer& answer) {
+    if (answer.status != Status::done) {
+        std::fprintf(stderr, "vantrel: %s\n", answer.text.c_str());
+    } else if (!answer.text.empty()) {
+        std::puts(answer.text.c_str());
+        if (std::fflush(stdout) != 0) {
+            return report(failure(said("cannot write: ", "无法写出：") + std::strerror(errno)));
+        }
+    }
+    return static_cast<int>(answer.status);
+}
+
+} // namespace vantrel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/state/command.h"
+#include "platform/freedesktop/command_call.h"
+#include "platform/x11/connection.h"
+
+#include <optional>
+#include <string>
+
+namespace vantrel {
+
+// Ends the process, with a word, when the X server hangs: it is waited for at every turn, without
+// an end. Until this is destroyed.
+class ServerPatience {
+public:
+    ServerPatience();
+    ~ServerPatience();
+    ServerPatience(const ServerPatience&) = delete;
+    ServerPatience& operator=(const ServerPatience&) = delete;
+};
+
+// Gives a command to the instance that runs on this display. Nothing when none runs, or when it was
+// ending. A command to quit is answered when the instance has gone.
+[[nodiscard]] std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,
+                                                              const CommandWords& words,
+                                                              const Command& command);
+
+// An answer without an instance.
+[[nodiscard]] CommandAnswer failure(std::string text);
+
+// Tells the caller of this process, and returns its exit status.
+int report(const CommandAnswer& answer);
+
+} // namespace vantrel

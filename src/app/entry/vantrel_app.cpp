@@ -1,0 +1,139 @@
+#include "app/entry/vantrel_app.h"
+
+#include "platform/x11/activation.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QSessionManager>
+
+#include <utility>
+
+namespace vantrel {
+
+VantrelApp::VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
+                       std::function<void()> launched)
+    : connection_(connection),
+      commands_(commands),
+      x11_(connection),
+      loginItem_(runningExecutable()),
+      delegate_(appDesktop(), viewDesktop(), shellDesktop()) {
+    delegate_.applicationDidFinishLaunching(command);
+    observeDesktop();
+    // Those that came in the meantime have their turn after the launch.
+    mainQueue_.async([this, delegate = QPointer(&delegate_), launched = std::move(launched)] {
+        if (delegate) {
+            takeCommands();
+            launched();
+        }
+    });
+}
+
+VantrelApp::~VantrelApp() {
+    end();
+}
+
+AppDesktop VantrelApp::appDesktop() {
+    return {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
+                        x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
+            .hotKeys = x11_.hotKeys,
+            .mainQueue = mainQueue_,
+            .loginItem = loginItem_,
+            .workspace = workspace_,
+            .bundle = bundle_,
+            .locale = locale_};
+}
+
+ViewDesktop VantrelApp::viewDesktop() {
+    return {.clock = x11_.clock,
+            .cursors = cursors_,
+            .screens = x11_.screens,
+            .bundle = bundle_,
+            .userDefaults = defaults_,
+            .keyboard = x11_.keyboard,
+            .alertSound = x11_.alertSound,
+            .terminate = [this] { quit(); },
+            .inWaylandSession = connection_.isXwayland()};
+}
+
+ShellDesktop VantrelApp::shellDesktop() {
+    return {.userDefaults = defaults_, .statusItem = statusItem_, .activate = [this](WId window) {
+                x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
+            }};
+}
+
+void VantrelApp::observeDesktop() {
+    // After the delegate has saved.
+    subscriptions_.push_back(workspace_.onWillSleep([this] { defaults_.flush(); }));
+    subscriptions_.push_back(workspace_.onWillShutDown([this] {
+        delegate_.sleep();
+        defaults_.flush();
+        quit();
+    }));
+    subscriptions_.push_back(connection_.lost.add([this] { quit(); }));
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &delegate_,
+                     [this](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive) {
+                             delegate_.applicationDidBecomeActive();
+                         }
+                     });
+    // Whether the program starts with the next session is the login item's business.
+    QObject::connect(
+        qGuiApp, &QGuiApplication::saveStateRequest, &delegate_,
+        [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
+}
+
+void VantrelApp::takeCommands() {
+    commands_.setHandler([this](const CommandWords& words) -> CommandAnswer {
+        if (const auto command = parseCommand(words)) {
+            return delegate_.carryOut(*command);
+        }
+        return {.status = CommandAnswer::Status::wrongUsage,
+                .text = delegate_.state().english() ? "unknown command" : "未知命令"};
+    });
+    control_.emplace(remoteControl());
+    const auto announce = [this] { control_->announce(); };
+    subscriptions_.push_back(
+        delegate_.state().mode().observe([announce](CursorMode) { announce(); }));
+    subscriptions_.push_back(
+        delegate_.state().clickAvailable().observe([announce](bool) { announce(); }));
+    subscriptions_.push_back(delegate_.state().hotkeyError().observe(
+        [announce](const std::optional<std::string>&) { announce(); }));
+}
+
+RemoteControl VantrelApp::remoteControl() {
+    using Action = Command::Action;
+    // What a command line could not ask for, the bus cannot either.
+    const auto carryOut = [this](Action action, const CommandWords& words) {
+        const auto command = parseCommand(words);
+        const bool meant = command && command->action == action;
+        if (meant) {
+            delegate_.carryOut(*command);
+        }
+        return meant;
+    };
+    return {
+        .setMode = [=](const auto& mode) { return carryOut(Action::setMode, {mode}); },
+        .toggle =
+            [=](const auto& mode) {
+                return carryOut(Action::toggle, {"toggle", mode});
+            },
+        .openSettings = [this] { delegate_.carryOut({Action::openSettings}); },
+        .quit = [this] { delegate_.carryOut({Action::quit}); },
+        .status = [this] { return delegate_.status(); },
+    };
+}
+
+// Also from within an event loop that has not been started yet.
+void VantrelApp::quit() {
+    mainQueue_.async([] { QCoreApplication::exit(); });
+}
+
+void VantrelApp::end() {
+    if (!std::exchange(ended_, true)) {
+        commands_.setHandler({});
+        delegate_.applicationWillTerminate();
+        saved_ = defaults_.flush();
+    }
+}
+
+} // namespace vantrel

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "app/state/app_state.h"
+#include "app/state/command.h"
+#include "app/state/program_status.h"
+#include "app/shell/popover.h"
+#include "platform/command_answer.h"
+#include "platform/status_item.h"
+#include "ui/components/toolkit_language.h"
+#include "ui/components/view_context.h"
+
+#include <QObject>
+#include <QWindow>
+
+#include <map>
+#include <memory>
+#include <string_view>
+
+namespace vantrel {
+
+// What the shell asks of the desktop, besides what the state and the views do.
+struct ShellDesktop {
+    UserDefaults& userDefaults;
+    StatusItem& statusItem;
+    // Brings a window that is on the screen to the front and gives it the keyboard.
+    std::function<void(WId)> activate;
+};
+
+// The program around its state: the status item with its menu and its popover, the windows, and
+// what the desktop announces.
+class AppDelegate final : public QObject {
+public:
+    // The desktop must outlive the delegate.
+    AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell);
+
+    // Once, with the command that the program was started for. What it opens or switches on comes
+    // in a later turn of the main queue.
+    void applicationDidFinishLaunching(const Command& command);
+    void applicationDidBecomeActive();
+    // The program was started again while it runs.
+    void applicationShouldHandleReopen(bool hasVisibleWindows);
+    // A command to the running program. A start is answered as a reopen.
+    CommandAnswer carryOut(const Command& command);
+    void applicationWillTerminate();
+    void wake();
+    void sleep();
+
+    // Shows a window, which is made when it is asked for the first time and kept from then on.
+    void open(AppWindow window);
+    void openAbout();
+    // A click on the status item.
+    void togglePopover();
+    void showPopover();
+    // Fits the popover to the panel in it.
+    void resizePopover();
+
+    [[nodiscard]] AppState& state() { return state_; }
+    [[nodiscard]] ProgramStatus status() const;
+    [[nodiscard]] const Popover& popover() const { return popover_; }
+    // Null while it was never opened.
+    [[nodiscard]] QWidget* window(AppWindow window) const;
+    [[nodiscard]] bool hasVisibleWindows() const;
+
+private:
+    // In a later turn of the main queue, unless the delegate is gone by then.
+    void later(std::function<void()> task);
+    void launch(const Command& command);
+    void observeMode();
+    void updateMenu();
+    [[nodiscard]] std::vector<MenuEntry> menu();
+    [[nodiscard]] std::unique_ptr<QWidget> makeContent(AppWindow window);
+    void listenForShortcuts(QWidget& window);
+    void noteUse(const QWindow* focused);
+
+    AppDesktop app_;
+    ShellDesktop shell_;
+    SettingsStore store_;
+    AppState state_;
+    ViewContext view_;
+    ToolkitLanguage toolkitLanguage_{view_};
+    Popover popover_;
+    std::map<std::string_view, std::unique_ptr<QWidget>> windows_;
+    const QWidget* lastUsed_ = nullptr; // of the windows
+    bool asleep_ = false;
+    std::vector<MenuEntry> shownMenu_;
+    std::vector<Subscription> subscriptions_;
+};
+
+} // namespace vantrel

@@ -1,0 +1,149 @@
+#include "app/state/app_state.h"
+
+#include "preferences/interface_language.h"
+
+namespace vantrel {
+
+AppState::AppState(SettingsStore& store, const AppDesktop& desktop)
+    : store_(store),
+      desktop_(desktop),
+      preferences_(store.load()),
+      overlays_(desktop.overlay),
+      clicks_(ClickMonitor::operationsOf(desktop.overlay.eventMonitors)),
+      hotkeys_(desktop.hotKeys) {
+    // Both are members: neither can call when this object is gone.
+    clicks_.onClick = [this](bool isRight, GlobalPoint point) {
+        overlays_.addClick(point, isRight);
+    };
+    hotkeys_.onMode = [this](CursorMode mode) { handleShortcut(mode); };
+    hotkeys_.onLoss = [this] { registerShortcuts(); };
+    registerShortcuts();
+}
+
+void AppState::setPreferences(AppPreferences preferences) {
+    preferences_.set(std::move(preferences));
+    preferencesDidChange();
+}
+
+void AppState::preferencesDidChange() {
+    registerShortcuts();
+    scheduleSave();
+    apply();
+}
+
+void AppState::registerShortcuts() {
+    const auto error = hotkeys_.register_(preferences_.get());
+    hotkeyError_.set(error ? std::optional(std::string(*error)) : std::nullopt);
+}
+
+void AppState::scheduleSave() {
+    saveTask_ = desktop_.mainQueue.after(saveDelay,
+                                         [this, copy = preferences_.get()] { store_.save(copy); });
+}
+
+void AppState::setMode(CursorMode mode) {
+    mode_.set(mode);
+    if (preferences_.get().lastMode != mode) {
+        changePreferences([mode](AppPreferences& preferences) { preferences.lastMode = mode; });
+    }
+    apply();
+}
+
+void AppState::handleShortcut(CursorMode mode) {
+    setMode(mode_.get() == mode ? CursorMode::off : mode);
+}
+
+bool AppState::wantsClicks() const {
+    const auto& preferences = preferences_.get();
+    const auto& click = preferences.click;
+    return mode_.get() == CursorMode::highlight &&
+           (preferences.highlight.idleHide ||
+            (click.style != ClickStyle::none && (click.left || click.right)));
+}
+
+void AppState::apply() {
+    overlays_.apply(mode_.get(), preferences_.get());
+    if (wantsClicks()) {
+        clickAvailable_.set(clicks_.start());
+    } else {
+        clicks_.stop();
+        clickAvailable_.set(true);
+    }
+}
+
+void AppState::startUp() {
+    apply();
+    syncLaunchAtLogin();
+    setMode(preferences_.get().lastMode);
+}
+
+void AppState::suspend() {
+    saveTask_.cancel();
+    store_.save(preferences_.get());
+    clicks_.stop();
+    overlays_.stop();
+}
+
+void AppState::wake() {
+    apply();
+    setMode(preferences_.get().lastMode);
+}
+
+void AppState::resetPreferences() {
+    setMode(CursorMode::off);
+    setPreferences({});
+    setLaunchAtLogin(false);
+}
+
+void AppState::syncLaunchAtLogin() {
+    const bool enabled = desktop_.loginItem.status() == LoginItemStatus::enabled;
+    if (preferences_.get().launchAtLogin != enabled) {
+        changePreferences(
+            [enabled](AppPreferences& preferences) { preferences.launchAtLogin = enabled; });
+    }
+}
+
+void AppState::setLaunchAtLogin(bool enabled) {
+    auto& loginItem = desktop_.loginItem;
+    if (!(enabled ? loginItem.register_() : loginItem.unregister())) {
+        systemMessage_.set(chosen("Could not change login launch. Run the installed app and retry.",
+                                  "无法修改登录启动状态。请从已安装的应用运行并重试。"));
+        syncLaunchAtLogin();
+        return;
+    }
+    syncLaunchAtLogin();
+    if (loginItem.status() == LoginItemStatus::requiresApproval) {
+        systemMessage_.set(chosen("Approve this app in System Settings → General → Login Items.",
+                                  "请在系统设置 → 通用 → 登录项中允许启动。"));
+    }
+}
+
+bool AppState::english() const {
+    return usesEnglish(desktop_.locale.preferredLanguages(), preferences_.get().language);
+}
+
+std::string AppState::chosen(std::string_view english, std::string_view chinese) const {
+    return std::string(this->english() ? english : chinese);
+}
+
+std::string AppState::title(CursorMode mode) const {
+    switch (mode) {
+    case CursorMode::off:
+        return chosen("Off", "关闭");
+    case CursorMode::highlight:
+        return chosen("Highlight", "高亮");
+    case CursorMode::laser:
+        return chosen("Laser", "激光");
+    }
+    return {};
+}
+
+void AppState::openLink(ReleaseLink link) {
+    const auto url = releaseURL(desktop_.bundle, link);
+    const bool opened = url && desktop_.workspace.openUrl(*url);
+    if (!opened && openWindow) {
+        openWindow(AppWindow::help);
+    }
+}
+
+} // namespace vantrel

@@ -1,0 +1,266 @@
+#include "support/headless_fixture.h"
+#include "overlay/overlay_window_manager.h"
+#include "support/picture_difference.h"
+#include "platform/layers/painter.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <cmath>
+
+namespace vantrel {
+namespace {
+
+class EffectPixelsTest : public HeadlessTest {
+protected:
+    void build(double scale) {
+        manager.reset();
+        desktop.screens.set({screen(1, {0, 0, 200, 200}, 60, scale)});
+        desktop.pointer.place = {100, 100};
+        manager = std::make_unique<OverlayWindowManager>(
+            OverlayDesktop{desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
+                           desktop.overlayWindows, desktop.transaction, desktop.eventMonitors});
+        manager->apply(mode, preferences);
+        scale_ = scale;
+    }
+    void TearDown() override {
+        manager.reset();
+        HeadlessTest::TearDown();
+    }
+    headless::OverlayWindow& window(std::size_t i = 0) {
+        return *desktop.overlayWindows.windows()[i];
+    }
+    // The colour that is shown just right of so many points from the pointer, which has no alpha
+    // where nothing is shown.
+    QColor at(double points) {
+        const auto picture = window().screenshot();
+        const int center = static_cast<int>(100 * scale_);
+        return picture.pixelColor(center + static_cast<int>(points * scale_), center);
+    }
+    // Radii, in points to half a pixel, at which the picture becomes visible or invisible on the
+    // way from the pointer to the right.
+    std::vector<double> edges() {
+        std::vector<double> found;
+        const auto picture = window().screenshot();
+        const int center = static_cast<int>(100 * scale_);
+        bool visible = picture.pixelColor(center, center).alpha() > 0;
+        int strongest = 0;
+        for (int x = center; x < picture.width(); ++x) {
+            strongest = std::max(strongest, picture.pixelColor(x, center).alpha());
+        }
+        for (int x = center; x < picture.width(); ++x) {
+            const bool now = picture.pixelColor(x, center).alpha() * 2 > strongest;
+            if (now != visible) {
+                found.push_back((x - center) / scale_);
+            }
+            visible = now;
+        }
+        return found;
+    }
+
+    CursorMode mode = CursorMode::highlight;
+    AppPreferences preferences;
+    std::unique_ptr<OverlayWindowManager> manager;
+
+private:
+    double scale_ = 1;
+};
+
+TEST_F(EffectPixelsTest, AFilledDiscHasItsColourOpacityAndDiameter) {
+    for (const double scale : {1.0, 1.5, 2.0}) {
+        build(scale);
+        EXPECT_NEAR(at(0).red(), 250, 2);
+        EXPECT_NEAR(at(0).green(), 204, 2);
+        EXPECT_NEAR(at(0).blue(), 21, 2);
+        EXPECT_EQ(at(0).alpha(), 89);
+        EXPECT_EQ(at(30).alpha(), 89);
+        ASSERT_EQ(edges().size(), 1U);
+        EXPECT_NEAR(edges()[0], 32, 1 / scale);
+    }
+}
+
+TEST_F(EffectPixelsTest, ARingHasTwoLinesOfTheirWidths) {
+    struct Case {
+        double diameter, outerWidth, innerWidth, inner;
+    };
+    preferences.highlight.style = HighlightStyle::ring;
+    preferences.highlight.opacity = 0.9;
+    for (const auto& [diameter, outerWidth, innerWidth, inner] :
+         {Case{24, 1.5, 1.5, 8}, Case{64, 1.6, 1.6, 12.8}, Case{120, 3, 2, 16}}) {
+        preferences.highlight.diameter = diameter;
+        build(8);
+        const auto radii = edges();
+        ASSERT_EQ(radii.size(), 4U) << diameter;
+        EXPECT_NEAR(radii[0], inner / 2 - innerWidth, 0.2);
+        EXPECT_NEAR(radii[1], inner / 2, 0.2);
+        EXPECT_NEAR(radii[2], diameter / 2 - outerWidth, 0.2);
+        EXPECT_NEAR(radii[3], diameter / 2, 0.2);
+        EXPECT_NEAR(at((inner - innerWidth) / 2).alpha(), 0.675 * 255, 2);
+        EXPECT_NEAR(at((diameter - outerWidth) / 2).alpha(), 0.9 * 255, 2);
+    }
+}
+
+TEST_F(EffectPixelsTest, AGlowFallsTowardsItsEdge) {
+    preferences.highlight.style = HighlightStyle::glow;
+    build(2);
+    EXPECT_NEAR(at(0).alpha(), 0.35 * 255, 2);
+    EXPECT_NEAR(at(0.45 * 32).alpha(), 0.1225 * 255, 2);
+    EXPECT_LE(at(31.5).alpha(), 2);
+    EXPECT_EQ(at(32.5).alpha(), 0);
+}
+
+TEST_F(EffectPixelsTest, ALaserHasACoreADotAndAHaloOfItsStrength) {
+    mode = CursorMode::laser;
+    const std::pair<GlowStrength, double> halos[] = {
+        {GlowStrength::low, 30}, {GlowStrength::medium, 48}, {GlowStrength::high, 72}};
+    for (const auto& [strength, halo] : halos) {
+        preferences.laser.glow = strength;
+        build(4);
+        // White at 0.85 over the pale centre of the dot.
+        EXPECT_NEAR(at(0).green(), 255 * (0.85 + 0.15 * (0.9 + 0.1 * 69 / 255)), 4);
+        EXPECT_EQ(at(0).alpha(), 255);
+        // The plain colour of the dot; beyond the dot only the halo is left.
+        EXPECT_EQ(at(0.5 * 6).rgba(), qRgba(255, 69, 58, 255));
+        const double share = 6.5 / (halo / 2);
+        const double expected =
+            share < 0.45 ? 1 - 0.65 * share / 0.45 : 0.35 * (1 - (share - 0.45) / 0.55);
+        EXPECT_NEAR(at(6.5).alpha(), 0.35 * 255 * expected, 3) << halo;
+        EXPECT_GT(at(halo / 2 - 1.5).alpha(), 0);
+        EXPECT_EQ(at(halo / 2 + 0.5).alpha(), 0);
+    }
+}
+
+TEST_F(EffectPixelsTest, SpritesShowWhatTheTreeMeans) {
+    for (const double scale : {1.0, 1.25, 2.0}) {
+        for (const auto style : allCases<HighlightStyle>()) {
+            for (const double diameter : {24.0, 47.3, 120.0}) {
+                preferences.highlight.style = style;
+                preferences.highlight.diameter = diameter;
+                build(scale);
+                const auto tree = window().picture(desktop.clock.mediaTime());
+                EXPECT_LE(difference(window().screenshot(), tree), 2);
+            }
+        }
+        mode = CursorMode::laser;
+        for (const double diameter : {7.0, 12.0}) {
+            preferences.laser.diameter = diameter;
+            build(scale);
+            const auto tree = window().picture(desktop.clock.mediaTime());
+            EXPECT_LE(difference(window().screenshot(), tree), 2);
+        }
+        mode = CursorMode::highlight;
+    }
+}
+
+TEST_F(EffectPixelsTest, ClickRingsGrowAndFadeEvenly) {
+    struct Case {
+        ClickStyle style;
+        double age, diameter, lineWidth, opacity;
+    };
+    const Case cases[] = {
+        {ClickStyle::ripple, 0, 16, 3, 0.8},      {ClickStyle::ripple, 0.15, 48, 3, 0.4},
+        {ClickStyle::ripple, 0.225, 64, 3, 0.2},  {ClickStyle::pulse, 0, 64, 6, 0.8},
+        {ClickStyle::pulse, 0.11, 69.76, 6, 0.4},
+    };
+    preferences.highlight.idleHide = true;
+    preferences.highlight.idleSeconds = 0;
+    for (const auto& [style, age, diameter, lineWidth, opacity] : cases) {
+        for (const double scale : {1.0, 2.0}) {
+            preferences.click.style = style;
+            build(scale);
+            manager->addClick({100, 100}, false);
+            desktop.frame(age);
+            QImage expected(window().screenshot().size(), QImage::Format_ARGB32_Premultiplied);
+            expected.fill(Qt::transparent);
+            QPainter painter(&expected);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.scale(scale, scale);
+            QPainterPath path;
+            const double outer = (diameter + lineWidth) / 2;
+            path.addEllipse(QPointF(100, 100), outer, outer);
+            path.addEllipse(QPointF(100, 100), outer - lineWidth, outer - lineWidth);
+            painter.fillPath(
+                path, QColor::fromRgbF(250 / 255.F, 0.8F, 21 / 255.F, static_cast<float>(opacity)));
+            painter.end();
+            EXPECT_LE(difference(window().screenshot(), expected), 36) << diameter << " " << scale;
+            EXPECT_NEAR(at(diameter / 2 - 0.5).alpha(), opacity * 255, 3);
+            desktop.frame(0.4);
+        }
+    }
+}
+
+TEST_F(EffectPixelsTest, AClickAcrossABorderIsWhole) {
+    build(1);
+    desktop.screens.set({screen(1, {0, 0, 100, 200}), screen(2, {100, 0, 100, 200})});
+    preferences.highlight.opacity = 0.9;
+    manager->apply(mode, preferences);
+    manager->addClick({100, 100}, false);
+    desktop.frame(0.15);
+    const auto left = window(0).screenshot();
+    const auto right = window(1).screenshot();
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 100; ++x) {
+            // The whole is symmetric about the border.
+            EXPECT_NEAR(left.pixelColor(99 - x, y).alpha(), right.pixelColor(x, y).alpha(), 2)
+                << x << " " << y;
+        }
+    }
+    EXPECT_GT(left.pixelColor(76, 100).alpha(), 60);
+}
+
+// Whatever was shown before, and whichever one setting changed.
+TEST_F(EffectPixelsTest, AChangeLooksLikeAFreshStart) {
+    std::vector<std::pair<CursorMode, AppPreferences>> looks;
+    const auto add = [&](CursorMode shown, auto change) {
+        looks.emplace_back(shown, AppPreferences());
+        change(looks.back().second);
+    };
+    for (const auto style : allCases<HighlightStyle>()) {
+        add(CursorMode::highlight, [&](auto& p) { p.highlight.style = style; });
+    }
+    add(CursorMode::highlight, [](auto& p) { p.highlight.diameter = 100; });
+    add(CursorMode::highlight, [](auto& p) { p.highlight.color = EffectColor::presets()[2]; });
+    add(CursorMode::laser, [](auto&) {});
+    add(CursorMode::laser, [](auto& p) { p.laser.glow = GlowStrength::high; });
+    add(CursorMode::laser, [](auto& p) { p.laser.color = EffectColor::presets()[1]; });
+    std::vector<QImage> fresh;
+    for (const auto& look : looks) {
+        std::tie(mode, preferences) = look;
+        build(1);
+        fresh.push_back(window().screenshot());
+    }
+    for (const auto& before : looks) {
+        for (std::size_t i = 0; i < looks.size(); ++i) {
+            manager->apply(before.first, before.second);
+            manager->apply(looks[i].first, looks[i].second);
+            EXPECT_EQ(difference(window().screenshot(), fresh[i]), 0) << i;
+        }
+    }
+}
+
+// The dot's stops, and a white core up to 0.09 of its diameter.
+TEST_F(EffectPixelsTest, TheLasersDotFallsTowardsItsEdge) {
+    mode = CursorMode::laser;
+    preferences.laser.diameter = 24;
+    build(4);
+    EXPECT_GT(at(0.08 * 24).green(), 200);
+    EXPECT_LT(at(0.11 * 24).green(), 190);
+    EXPECT_EQ(at(0.63 * 12).alpha(), 255);
+    const auto dotOverHalo = [](double dot, double halo) { return dot + (1 - dot) * halo; };
+    EXPECT_NEAR(at(0.775 * 12).alpha(), 255 * dotOverHalo(0.725, 0.35 * (1 - 0.65 * 0.194 / 0.45)),
+                4);
+    EXPECT_NEAR(at(0.9 * 12).alpha(), 255 * dotOverHalo(0.45, 0.35 * (1 - 0.65 * 0.225 / 0.45)), 8);
+}
+
+TEST_F(EffectPixelsTest, AClickGoesOnInWindowsThatAreMadeMeanwhileAndLiesAboveTheDisc) {
+    preferences.highlight.diameter = 24;
+    build(1);
+    manager->addClick({100, 100}, false);
+    desktop.frame(0.15);
+    const auto before = window().screenshot();
+    manager->rebuild();
+    EXPECT_EQ(difference(window().screenshot(), before), 0);
+}
+
+} // namespace
+} // namespace vantrel

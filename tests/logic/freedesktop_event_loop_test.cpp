@@ -1,0 +1,162 @@
+#include "support/freedesktop_event_loop.h"
+
+#include "platform/freedesktop/qt_main_queue.h"
+#include "platform/freedesktop/termination_signals.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <limits>
+#include <optional>
+#include <semaphore>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace vantrel {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using testing::ElementsAre;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+TEST(MainQueue, CallsSoonInOrderButNeverAtOnce) {
+    QtMainQueue queue;
+    std::vector<int> calls;
+    queue.async([&] {
+        calls.push_back(1);
+        queue.async([&] { calls.push_back(3); });
+    });
+    queue.async([&] { calls.push_back(2); });
+    EXPECT_TRUE(calls.empty());
+    EXPECT_TRUE(waitUntil([&] { return calls.size() == 3; }));
+    EXPECT_THAT(calls, ElementsAre(1, 2, 3));
+}
+
+TEST(MainQueue, CallsAfterTheDelayAndNeverBefore) {
+    QtMainQueue queue;
+    for (const double delay : {0.25, 0.0209, 0.0019, 0.0009, 0.0029, 0.0, -1.0}) {
+        bool called = false;
+        const auto start = Clock::now();
+        const auto waiting = queue.after(delay, [&] { called = true; });
+        EXPECT_TRUE(waitUntil([&] { return called; }));
+        EXPECT_GE(secondsSince(start), delay);
+        EXPECT_LT(secondsSince(start), std::max(delay, 0.0) + 1);
+    }
+}
+
+TEST(MainQueue, CallsInTheOrderOfTheirTimes) {
+    QtMainQueue queue;
+    std::vector<int> calls;
+    const auto third = queue.after(0.03, [&] { calls.push_back(3); });
+    const auto first = queue.after(0.01, [&] { calls.push_back(1); });
+    const auto second = queue.after(0.02, [&] { calls.push_back(2); });
+    const auto never = queue.after(std::numeric_limits<double>::infinity(), [&] { FAIL(); });
+    EXPECT_TRUE(waitUntil([&] { return calls.size() == 3; }));
+    EXPECT_THAT(calls, ElementsAre(1, 2, 3));
+}
+
+TEST(MainQueue, DropsACallWhoseSubscriptionHasEnded) {
+    QtMainQueue queue;
+    bool done = false;
+    std::optional<Subscription> last;
+    Subscription second;
+    {
+        const auto dropped = queue.after(0, [] { FAIL(); });
+    }
+    // Even from within a call that was due at the same time.
+    const auto first = queue.after(0, [&] { second.cancel(); });
+    second = queue.after(0, [] { FAIL(); });
+    last = queue.after(0, [&] {
+        last.reset();
+        done = true;
+    });
+    EXPECT_TRUE(waitUntil([&] { return done; }));
+}
+
+TEST(MainQueue, OfABurstOfReplacedCallsMakesTheLast) {
+    QtMainQueue queue;
+    Subscription pending;
+    int called = 0;
+    for (int i = 1; i <= 1000; ++i) {
+        pending = queue.after(0.01, [&called, i] { called = called == 0 ? i : -1; });
+    }
+    EXPECT_TRUE(waitUntil([&] { return called != 0; }));
+    EXPECT_EQ(called, 1000);
+}
+
+TEST(MainQueue, LeavesSubscriptionsHarmlessWhenItGoes) {
+    std::optional<QtMainQueue> queue(std::in_place);
+    queue->async([] { FAIL(); });
+    Subscription waiting = queue->after(0, [] { FAIL(); });
+    queue.reset();
+    waiting.cancel();
+    QCoreApplication::processEvents();
+}
+
+TEST(TerminationSignals, EachCallOnceFromTheEventLoop) {
+    int calls = 0;
+    const TerminationSignals signals([&] { ++calls; });
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        calls = 0;
+        kill(getpid(), number);
+        EXPECT_EQ(calls, 0);
+        EXPECT_TRUE(waitUntil([&] { return calls > 0; })) << strsignal(number);
+        EXPECT_EQ(calls, 1);
+    }
+}
+
+TEST(TerminationSignals, SpareTheThreadsThatStartAfterThemAndWaitForTheirReceiver) {
+    TerminationSignals signals;
+    std::binary_semaphore end(0);
+    std::jthread toolkit([&] { end.acquire(); });
+    kill(getpid(), SIGTERM);
+    int calls = 0;
+    signals.deliverTo([&] { ++calls; });
+    EXPECT_TRUE(waitUntil([&] { return calls == 1; }));
+    end.release();
+}
+
+TEST(TerminationSignals, LeaveAloneWhatTheParentHadIgnored) {
+    signal(SIGHUP, SIG_IGN);
+    int calls = 0;
+    {
+        const TerminationSignals signals([&] { ++calls; });
+        kill(getpid(), SIGHUP);
+        kill(getpid(), SIGTERM);
+        EXPECT_TRUE(waitUntil([&] { return calls > 0; }));
+        QCoreApplication::processEvents();
+    }
+    signal(SIGHUP, SIG_DFL);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(TerminationSignals, EndTheProcessAgainWhenNobodyTakesThem) {
+    const pid_t child = fork();
+    if (child == 0) {
+        {
+            const TerminationSignals signals([] {});
+            kill(getpid(), SIGTERM); // too late to be called for, too early to be killed by
+        }
+        kill(getpid(), SIGINT);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+}
+
+} // namespace
+} // namespace vantrel
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,217 @@
+#include "support/freedesktop_event_loop.h"
+#include "support/freedesktop_support.h"
+#include "support/mock_login_manager.h"
+
+#include "platform/freedesktop/desktop_workspace.h"
+#include "platform/freedesktop/file_user_defaults.h"
+#include "platform/freedesktop/termination_signals.h"
+
+#include <gmock/gmock.h>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QElapsedTimer>
+#include <sys/wait.h>
+#include <vector>
+
+namespace vantrel {
+namespace {
+
+using std::filesystem::path;
+using testing::ElementsAre;
+
+class LoginManagerEvents : public testing::Test {
+protected:
+    [[nodiscard]] bool isHeld() const {
+        return mock->sleepLocks() == 1 && mock->shutdownLocks() == 1;
+    }
+    [[nodiscard]] bool waitUntilHeld() {
+        return waitUntil([this] { return isHeld(); });
+    }
+
+    std::optional<desktop::PrivateBus> bus{std::in_place, privateBusSocket()};
+    std::optional<MockLoginManager> mock{std::in_place};
+    std::optional<LoginManager> manager{std::in_place, std::chrono::milliseconds(20)};
+    std::vector<std::string> events;
+    Subscription sleeping = manager->onWillSleep([this] { events.emplace_back("sleep"); });
+    Subscription waking = manager->onDidWake([this] { events.emplace_back("wake"); });
+};
+
+TEST_F(LoginManagerEvents, HoldTheMachineUntilTheSaveIsOnDisk) {
+    const TemporaryFolder home;
+    FileUserDefaults defaults(home.path());
+    int locksDuringSave = 0;
+    const auto saving = manager->onWillSleep([&] {
+        locksDuringSave = mock->sleepLocks();
+        defaults.setData("key", "saved");
+        defaults.flush();
+    });
+    ASSERT_TRUE(waitUntilHeld());
+
+    mock->announce("PrepareForSleep", true);
+    ASSERT_TRUE(waitUntil([this] { return mock->sleepLocks() == 0; }));
+    EXPECT_EQ(contentOf(home / "key"), "saved");
+    EXPECT_EQ(locksDuringSave, 1);
+    EXPECT_THAT(events, ElementsAre("sleep"));
+
+    mock->announce("PrepareForSleep", false);
+    ASSERT_TRUE(waitUntil([this] { return events.size() == 2 && isHeld(); }));
+    EXPECT_THAT(events, ElementsAre("sleep", "wake"));
+}
+
+TEST_F(LoginManagerEvents, ComeOnceForEachChange) {
+    ASSERT_TRUE(waitUntilHeld());
+    for (const bool going : {false, true, true, false, false, true, false}) {
+        mock->announce("PrepareForSleep", going);
+    }
+    ASSERT_TRUE(waitUntil([this] { return events.size() >= 4; }));
+    ASSERT_TRUE(waitUntilHeld());
+    EXPECT_THAT(events, ElementsAre("sleep", "wake", "sleep", "wake"));
+}
+
+TEST_F(LoginManagerEvents, HoldTheShutdownUntilTheProgramHasSaved) {
+    int locks = 0;
+    const auto ending = manager->onWillShutDown([&] {
+        locks = mock->shutdownLocks();
+        events.emplace_back("end");
+    });
+    ASSERT_TRUE(waitUntilHeld());
+    mock->announce("PrepareForShutdown", true);
+    ASSERT_TRUE(waitUntil([this] { return mock->shutdownLocks() == 0; }));
+    EXPECT_EQ(locks, 1);
+    EXPECT_EQ(mock->sleepLocks(), 1);
+    EXPECT_THAT(events, ElementsAre("end"));
+    mock->announce("PrepareForShutdown", false);
+    EXPECT_TRUE(waitUntilHeld());
+}
+
+TEST_F(LoginManagerEvents, ComeFromALoginManagerThatAppearsLaterOrRestarts) {
+    mock.reset();
+    QCoreApplication::processEvents();
+    for (int start = 0; start < 2; ++start) {
+        mock.emplace();
+        ASSERT_TRUE(waitUntilHeld());
+        events.clear();
+        mock->announce("PrepareForSleep", true);
+        ASSERT_TRUE(waitUntil([this] { return !events.empty() && mock->sleepLocks() == 0; }));
+        // It goes without a word of waking: the machine counts as awake.
+        mock.reset();
+        ASSERT_TRUE(waitUntil([this] { return events.size() == 2; }));
+        EXPECT_THAT(events, ElementsAre("sleep", "wake"));
+    }
+}
+
+TEST_F(LoginManagerEvents, ComeAgainAfterTheBusHasDied) {
+    ASSERT_TRUE(waitUntilHeld());
+    mock->announce("PrepareForSleep", true);
+    ASSERT_TRUE(waitUntil([this] { return mock->sleepLocks() == 0; }));
+    bus.reset();
+    ASSERT_TRUE(waitUntil([this] { return events.size() == 2; }));
+    EXPECT_THAT(events, ElementsAre("sleep", "wake"));
+
+    mock.reset();
+    bus.emplace(privateBusSocket());
+    mock.emplace();
+    ASSERT_TRUE(waitUntilHeld());
+    mock->announce("PrepareForSleep", true);
+    EXPECT_TRUE(waitUntil([this] { return events.size() == 3; }));
+}
+
+TEST_F(LoginManagerEvents, AreTakenFromNobodyElseOnTheBus) {
+    ASSERT_TRUE(waitUntilHeld());
+    auto stranger = QDBusConnection::connectToBus(privateBusAddress(), QStringLiteral("stranger"));
+    auto message = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
+                                              QStringLiteral("org.freedesktop.login1.Manager"),
+                                              QStringLiteral("PrepareForSleep"));
+    message << true;
+    stranger.send(message);
+    // The answer comes after the bus has passed the signal on.
+    stranger.call(QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+    QDBusConnection::disconnectFromBus(QStringLiteral("stranger"));
+
+    const auto ending = manager->onWillShutDown([this] { events.emplace_back("end"); });
+    mock->announce("PrepareForShutdown", true);
+    ASSERT_TRUE(waitUntil([this] { return !events.empty(); }));
+    EXPECT_THAT(events, ElementsAre("end"));
+}
+
+TEST_F(LoginManagerEvents, AreSimplyAbsentWithoutABus) {
+    manager.reset();
+    mock.reset();
+    bus.reset();
+    std::filesystem::remove(privateBusSocket());
+    manager.emplace(std::chrono::milliseconds(1));
+    int turns = 0;
+    EXPECT_TRUE(waitUntil([&] { return ++turns > 20; }));
+    EXPECT_TRUE(events.empty());
+}
+
+TEST_F(LoginManagerEvents, AreWaitedForWithoutHoldingTheProgramUp) {
+    manager.reset();
+    mock.reset();
+    bus.reset();
+    std::optional<desktop::SilentBus> silent(std::in_place, privateBusSocket());
+    QElapsedTimer elapsed;
+    elapsed.start();
+    manager.emplace(std::chrono::milliseconds(20));
+    sleeping = manager->onWillSleep([this] { events.emplace_back("sleep"); });
+    int turns = 0;
+    EXPECT_TRUE(waitUntil([&] { return ++turns > 20; }));
+    EXPECT_LT(elapsed.elapsed(), 2'000);
+    EXPECT_TRUE(events.empty());
+
+    silent.reset();
+    bus.emplace(privateBusSocket());
+    mock.emplace();
+    ASSERT_TRUE(waitUntilHeld());
+    mock->announce("PrepareForSleep", true);
+    EXPECT_TRUE(waitUntil([this] { return !events.empty(); }));
+}
+
+bool hasChildren() {
+    siginfo_t info{};
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+// What the stand-in for the desktop's opener was asked for, and the signals that it has blocked.
+TEST(UrlOpening, HandsTheUrlToTheDesktopsOpener) {
+    const TemporaryFolder folder;
+    const path result = folder / "result";
+    putProgram(folder / "xdg-open", "#!/bin/sh\n"
+                                    "{ echo \"$# $1\"; while read -r name value; do\n"
+                                    "[ \"$name\" = SigBlk: ] && echo \"$value\"; done; } "
+                                    "</proc/self/status >" +
+                                        (folder / "part").string() + "\nmv " +
+                                        (folder / "part").string() + " " + result.string() + "\n");
+    const TerminationSignals blocked([] {});
+    const ScopedVariable programs("PATH", folder.path().string() + ":/usr/bin:/bin");
+    DesktopWorkspace workspace;
+    EXPECT_TRUE(workspace.openUrl("https://example.org/a?b=c&d='e f'"));
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(result); }));
+    EXPECT_EQ(contentOf(result), "1 https://example.org/a?b=c&d='e f'\n0000000000000000\n");
+
+    EXPECT_TRUE(waitUntil([] { return !hasChildren(); })) << "a zombie is left";
+
+    for (const char* option : {"", "--help"}) {
+        EXPECT_FALSE(workspace.openUrl(option));
+    }
+}
+
+TEST(UrlOpening, FailsWhereTheDesktopHasNoOpener) {
+    const TemporaryFolder folder;
+    const ScopedVariable programs("PATH", folder.path());
+    EXPECT_FALSE(DesktopWorkspace().openUrl("https://example.org/"));
+}
+
+} // namespace
+} // namespace vantrel
+
+int main(int argc, char** argv) {
+    const std::string address = vantrel::privateBusAddress().toStdString();
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
+    const QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

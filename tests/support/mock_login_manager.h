@@ -1,0 +1,57 @@
+#pragma once
+
+#include "testdesk/private_bus.h"
+#include "platform/freedesktop/unique_descriptor.h"
+
+#include <QDBusConnection>
+#include <QDBusUnixFileDescriptor>
+#include <QObject>
+#include <QString>
+
+#include <filesystem>
+#include <map>
+
+namespace vantrel {
+
+// libdbus reads the address of the system bus once in a process, so every private bus of a process
+// is at the same one.
+[[nodiscard]] std::filesystem::path privateBusSocket();
+[[nodiscard]] QString privateBusAddress();
+
+// The delay locks that programs hold, each by the far end of a pipe.
+class Inhibitors {
+public:
+    [[nodiscard]] QDBusUnixFileDescriptor take(const QString& what);
+    // The locks of one kind that somebody still holds.
+    [[nodiscard]] int held(const QString& what) const;
+
+private:
+    std::multimap<QString, UniqueDescriptor> watched_;
+};
+
+// A login manager of a test, on a connection of its own to the private bus.
+class MockLoginManager : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
+
+public:
+    MockLoginManager();
+    ~MockLoginManager() override;
+    Q_DISABLE_COPY_MOVE(MockLoginManager)
+
+    // PrepareForSleep or PrepareForShutdown.
+    void announce(const char* signal, bool going);
+    [[nodiscard]] int sleepLocks() const { return inhibitors_.held(QStringLiteral("sleep")); }
+    [[nodiscard]] int shutdownLocks() const { return inhibitors_.held(QStringLiteral("shutdown")); }
+
+    Q_SLOT QDBusUnixFileDescriptor Inhibit(const QString& what, const QString& who,
+                                           const QString& why, const QString& mode);
+
+private:
+    const QString name_ = QStringLiteral("mock-login-manager");
+    const QString path_ = QStringLiteral("/org/freedesktop/login1");
+    QDBusConnection bus_ = QDBusConnection::connectToBus(privateBusAddress(), name_);
+    Inhibitors inhibitors_;
+};
+
+} // namespace vantrel
