@@ -111,7 +111,9 @@ private:
         const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude <= 0x1p54);
         const auto format = plain ? std::chars_format::fixed : std::chars_format::scientific;
         std::array<char, 32> digits{};
-        const auto end = std::to_chars(digits.begin(), digits.end(), value, format).ptr;
+        // A zero has no sign when it is read.
+        const double written = magnitude == 0 ? 0 : value;
+        const auto end = std::to_chars(digits.begin(), digits.end(), written, format).ptr;
         document_.append(digits.begin(), end);
         finite_ = finite_ && std::isfinite(value);
     }

@@ -236,12 +236,24 @@ void Connection::forEachHandler(Call call) {
 }
 
 void Connection::deliver(const xcb_generic_event_t& event) {
-    // An error belongs to a request whose window or pixmap vanished meanwhile; whoever must know of
-    // a failure has checked its request.
     if (event.response_type != 0) {
         noteRootSize(event);
         forEachHandler([&event](EventHandler& handler) { handler.handleEvent(event); });
+    } else {
+        uncheckedError(reinterpret_cast<const xcb_generic_error_t&>(event));
     }
+}
+
+// Whoever must know of a failure checks its request, and whoever asks about what may have vanished
+// discards the error. So this one is a fault of the program, and ends it in debug builds.
+void Connection::uncheckedError([[maybe_unused]] const xcb_generic_error_t& error) const {
+#ifndef NDEBUG
+    const auto place = IdLedger::placeOf(connection_, error.resource_id);
+    std::fprintf(stderr, "X error %d of request %d.%d, for 0x%x%s%s\n", error.error_code,
+                 error.major_code, error.minor_code, error.resource_id,
+                 place.empty() ? "" : ", made at ", place.c_str());
+    std::abort();
+#endif
 }
 
 void Connection::noteRootSize(const xcb_generic_event_t& event) {

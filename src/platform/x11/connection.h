@@ -122,6 +122,7 @@ private:
     void findArgbVisual();
     bool deliverGulp();
     void deliver(const xcb_generic_event_t& event);
+    void uncheckedError(const xcb_generic_error_t& error) const;
     void noteRootSize(const xcb_generic_event_t& event);
     template <typename Call>
     void forEachHandler(Call call);

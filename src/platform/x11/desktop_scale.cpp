@@ -51,7 +51,11 @@ void DesktopScale::findOwner() {
     owner_ = settingsOwner(connection_);
     if (owner_ != XCB_NONE) {
         const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(connection_.xcb(), owner_, XCB_CW_EVENT_MASK, &mask);
+        // It may be gone by now.
+        auto* xcb = connection_.xcb();
+        xcb_discard_reply(
+            xcb,
+            xcb_change_window_attributes_checked(xcb, owner_, XCB_CW_EVENT_MASK, &mask).sequence);
     }
 }
 

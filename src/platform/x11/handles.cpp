@@ -15,6 +15,10 @@ std::map<Key, SourceLine>& ledger() {
     return entries;
 }
 
+std::string text(SourceLine at) {
+    return std::string(at.file) + ":" + std::to_string(at.line);
+}
+
 } // namespace
 
 void IdLedger::add(xcb_connection_t* connection, std::uint32_t id, SourceLine at) {
@@ -29,11 +33,15 @@ std::string IdLedger::leftOver(xcb_connection_t* connection) {
     std::string lines;
     for (const auto& [key, at] : ledger()) {
         if (key.first == connection) {
-            lines += "X id " + std::to_string(key.second) + " made at " + at.file + ":" +
-                     std::to_string(at.line) + "\n";
+            lines += "X id " + std::to_string(key.second) + " made at " + text(at) + "\n";
         }
     }
     return lines;
+}
+
+std::string IdLedger::placeOf(xcb_connection_t* connection, std::uint32_t id) {
+    const auto entry = ledger().find({connection, id});
+    return entry == ledger().end() ? std::string() : text(entry->second);
 }
 
 } // namespace vantrel::x11

@@ -28,11 +28,16 @@ public:
     static std::string leftOver(xcb_connection_t*) {
         return {};
     }
+    static std::string placeOf(xcb_connection_t*, std::uint32_t) {
+        return {};
+    }
 #else
     static void add(xcb_connection_t* connection, std::uint32_t id, SourceLine at);
     static void remove(xcb_connection_t* connection, std::uint32_t id);
     // A line for each id of the connection that is still alive.
     static std::string leftOver(xcb_connection_t* connection);
+    // File and line; empty when there is no such id, or no more.
+    static std::string placeOf(xcb_connection_t* connection, std::uint32_t id);
 #endif
 };
 
