@@ -5,8 +5,8 @@
 #include "app/state/app_state.h"
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/qt_main_queue.h"
-#include "support/headless_session.h"
 #include "platform/x11/desktop.h"
+#include "support/headless_session.h"
 
 #include <filesystem>
 #include <memory>

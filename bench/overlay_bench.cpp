@@ -124,7 +124,7 @@ void eightClicksOnThreeDisplays(benchmark::State& state) {
     Stage stage(CursorMode::highlight, 3);
     const auto click = [&] {
         for (int i = 0; i < 8; ++i) {
-            stage.manager->addClick({1920.0 * (1 + i % 2), 100.0 + 100 * i}, false);
+            stage.manager->addClick({1920.0 * (1 + i % 2), 100.0 + 100 * i}, MouseButton::left);
         }
     };
     double age = 1;

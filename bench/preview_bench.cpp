@@ -75,7 +75,7 @@ BENCHMARK(repaintLaser)->DenseRange(0, 2);
 
 void repaintWhileAClickPlays(benchmark::State& state) {
     Stage stage;
-    stage.canvas.playClick({240, 50}, false);
+    stage.canvas.playClick({240, 50}, MouseButton::left);
     stage.desktop.clock.advance(0.1);
     for ([[maybe_unused]] auto _ : state) {
         stage.paint();

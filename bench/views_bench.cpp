@@ -7,6 +7,7 @@
 #include "ui/menu_panel.h"
 #include "ui/settings_view.h"
 #include "ui/welcome_view.h"
+#include "ui/window_size.h"
 
 #include <benchmark/benchmark.h>
 
@@ -49,7 +50,7 @@ struct Stage {
     ViewContext view{state, ViewDesktop::of(desktop, cursor, [] {})};
 };
 
-constexpr QSize settingsSize(560, 640);
+constexpr QSize settingsSize = contentSizeOf(AppWindow::settings);
 
 void buildTheSettings(benchmark::State& state) {
     Stage stage;
@@ -92,8 +93,8 @@ void switchTheLanguageOfAllWindows(benchmark::State& state) {
     HelpView help(stage.view);
     MenuPanel panel(stage.view);
     Stage::show(settings, settingsSize);
-    Stage::show(welcome, {560, 580});
-    Stage::show(help, {520, 560});
+    Stage::show(welcome, contentSizeOf(AppWindow::welcome));
+    Stage::show(help, contentSizeOf(AppWindow::help));
     Stage::show(panel, {340, 540});
     bool english = true;
     for ([[maybe_unused]] auto _ : state) {

@@ -77,7 +77,8 @@ void ClickMonitor::removeMonitor(std::optional<Token>& monitor) {
 
 void ClickMonitor::handle(const Event& event) const {
     if ((maskOf(event.type) & pressMask) != 0 && onClick) {
-        onClick(event.type == EventType::rightMouseDown, pointOf(event));
+        onClick(event.type == EventType::rightMouseDown ? MouseButton::right : MouseButton::left,
+                pointOf(event));
     }
 }
 

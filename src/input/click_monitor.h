@@ -29,7 +29,7 @@ public:
     ClickMonitor& operator=(const ClickMonitor&) = delete;
 
     // Receives each press and its point on the desktop.
-    std::function<void(bool isRight, GlobalPoint point)> onClick;
+    std::function<void(MouseButton button, GlobalPoint point)> onClick;
 
     // True when the presses of both kinds of windows are seen now; otherwise those of neither are.
     bool start();

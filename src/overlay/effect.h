@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/event_monitors.h"
 #include "preferences/preferences.h"
 
 #include <QColor>
@@ -55,6 +56,9 @@ struct Effect {
 
     // Of the largest disc.
     [[nodiscard]] double diameter() const;
+    [[nodiscard]] const std::optional<ClickRing>& ringOf(MouseButton button) const {
+        return button == MouseButton::left ? left : right;
+    }
 };
 
 [[nodiscard]] Effect effectOf(CursorMode mode, const AppPreferences& preferences);

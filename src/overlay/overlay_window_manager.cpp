@@ -148,10 +148,10 @@ void OverlayWindowManager::removeMonitor(std::optional<EventMonitors::Token>& mo
     }
 }
 
-void OverlayWindowManager::addClick(GlobalPoint point, bool isRight) {
+void OverlayWindowManager::addClick(GlobalPoint point, MouseButton button) {
     const double now = desktop_.clock.uptime();
     lastActivity_ = now;
-    if (isRight ? effect_.right : effect_.left) {
+    if (effect_.ringOf(button)) {
         if (clicks_.size() >= maximumClicks) {
             clicks_.erase(clicks_.begin());
         }

@@ -45,7 +45,7 @@ public:
     void apply(CursorMode mode, const AppPreferences& preferences);
     // For every mouse-down. It counts as activity, and plays a click effect where the settings ask
     // for one.
-    void addClick(GlobalPoint point, bool isRight);
+    void addClick(GlobalPoint point, MouseButton button);
     // Takes everything off the screen and lets go of the display link and the monitors, until the
     // next apply().
     void stop();

@@ -47,9 +47,8 @@ Effect PreviewCanvas::effect() const {
     return effectOf(laser_ ? CursorMode::laser : CursorMode::highlight, preferences_);
 }
 
-void PreviewCanvas::playClick(QPointF point, bool isRight) {
-    const auto shown = effect();
-    if (!(isRight ? shown.right : shown.left)) {
+void PreviewCanvas::playClick(QPointF point, MouseButton button) {
+    if (!effect().ringOf(button)) {
         return;
     }
     click_ = ClickAnimation{.id = QUuid::createUuid(),
@@ -99,9 +98,10 @@ void PreviewCanvas::drawPointer(QPainter& painter) {
 }
 
 void PreviewCanvas::mousePressEvent(QMouseEvent* event) {
-    const bool right = event->button() == Qt::RightButton;
-    if (right || event->button() == Qt::LeftButton) {
-        playClick(event->position(), right);
+    if (event->button() == Qt::LeftButton) {
+        playClick(event->position(), MouseButton::left);
+    } else if (event->button() == Qt::RightButton) {
+        playClick(event->position(), MouseButton::right);
     }
 }
 
@@ -110,7 +110,8 @@ void PreviewCanvas::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
         return;
     }
-    playClick({width() / 2.0, height() / 2.0}, !preferences_.click.left);
+    playClick({width() / 2.0, height() / 2.0},
+              preferences_.click.left ? MouseButton::left : MouseButton::right);
 }
 
 void PreviewCanvas::timerEvent(QTimerEvent* event) {

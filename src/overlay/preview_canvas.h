@@ -28,7 +28,7 @@ public:
 
     // Does nothing for a laser, and where the click settings want nothing to be shown. The point is
     // in the widget's coordinates. What plays already ends.
-    void playClick(QPointF point, bool isRight);
+    void playClick(QPointF point, MouseButton button);
     // The effect that plays now. Its point has y upward from the canvas's bottom-left corner, as on
     // a desktop.
     [[nodiscard]] const std::optional<ClickAnimation>& click() const { return click_; }

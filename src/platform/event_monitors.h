@@ -21,6 +21,9 @@ enum class EventType : std::uint8_t {
     otherMouseDragged = 27,
 };
 
+// The buttons that clicks are shown of.
+enum class MouseButton : std::uint8_t { left, right };
+
 // One bit for each event type, at the type's number.
 using EventMask = std::uint32_t;
 

@@ -7,15 +7,15 @@ namespace vantrel {
 
 namespace {
 
-double bounded(double value, double low, double high, double otherwise) {
-    return std::isfinite(value) ? std::clamp(value, low, high) : otherwise;
+double bounded(double value, const Range& range) {
+    return std::isfinite(value) ? std::clamp(value, range.low, range.high) : range.initial;
 }
 
 void sanitizeColor(EffectColor& color) {
     constexpr auto fallback = EffectColor::fallback();
-    color.red = bounded(color.red, 0, 1, fallback.red);
-    color.green = bounded(color.green, 0, 1, fallback.green);
-    color.blue = bounded(color.blue, 0, 1, fallback.blue);
+    color.red = bounded(color.red, {0, 1, fallback.red});
+    color.green = bounded(color.green, {0, 1, fallback.green});
+    color.blue = bounded(color.blue, {0, 1, fallback.blue});
 }
 
 } // namespace
@@ -28,17 +28,18 @@ std::span<const EffectColor, 6> EffectColor::presets() {
     return colors;
 }
 
-void AppPreferences::sanitize() {
-    static constexpr std::array idleChoices{2.0, 3.0, 5.0, 10.0};
-    const HighlightSettings highlightDefaults;
-    const LaserSettings laserDefaults;
+std::span<const EffectColor, 3> EffectColor::laserPresets() {
+    static const std::array<EffectColor, 3> colors{presets()[3], presets()[1], presets()[2]};
+    return colors;
+}
 
-    highlight.diameter = bounded(highlight.diameter, 24, 120, highlightDefaults.diameter);
-    highlight.opacity = bounded(highlight.opacity, 0.1, 0.9, highlightDefaults.opacity);
+void AppPreferences::sanitize() {
+    highlight.diameter = bounded(highlight.diameter, highlightDiameterRange);
+    highlight.opacity = bounded(highlight.opacity, highlightOpacityRange);
     if (std::ranges::find(idleChoices, highlight.idleSeconds) == idleChoices.end()) {
-        highlight.idleSeconds = highlightDefaults.idleSeconds;
+        highlight.idleSeconds = initialIdleSeconds;
     }
-    laser.diameter = bounded(laser.diameter, 6, 24, laserDefaults.diameter);
+    laser.diameter = bounded(laser.diameter, laserDiameterRange);
     sanitizeColor(highlight.color);
     sanitizeColor(laser.color);
     schemaVersion = currentSchemaVersion;

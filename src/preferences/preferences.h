@@ -94,17 +94,31 @@ struct EffectColor {
     }
     // Stands in for components that no colour can have.
     static constexpr EffectColor fallback() { return {1.0, 0.8, 0.0}; }
-    // The palette: yellow, green, blue, red, purple, white.
+    // The palettes: yellow, green, blue, red, purple, white; of these, red, green and blue.
     static std::span<const EffectColor, 6> presets();
+    static std::span<const EffectColor, 3> laserPresets();
 };
+
+// What a number among the preferences can be, and is at first.
+struct Range {
+    double low = 0;
+    double high = 0;
+    double initial = 0;
+};
+inline constexpr Range highlightDiameterRange{.low = 24, .high = 120, .initial = 64}; // points
+inline constexpr Range highlightOpacityRange{.low = 0.1, .high = 0.9, .initial = 0.35};
+inline constexpr Range laserDiameterRange{.low = 6, .high = 24, .initial = 12}; // points
+// Seconds of rest before a mark hides.
+inline constexpr std::array idleChoices{2.0, 3.0, 5.0, 10.0};
+inline constexpr double initialIdleSeconds = idleChoices[1];
 
 struct HighlightSettings {
     HighlightStyle style = HighlightStyle::filled;
     EffectColor color = EffectColor::fromRgb(0xFACC15);
-    double diameter = 64;   // points, 24 to 120
-    double opacity = 0.35;  // 0.1 to 0.9
-    bool idleHide = false;  // hide while the pointer rests
-    double idleSeconds = 3; // rest before hiding: 2, 3, 5 or 10
+    double diameter = highlightDiameterRange.initial;
+    double opacity = highlightOpacityRange.initial;
+    bool idleHide = false; // hide while the pointer rests
+    double idleSeconds = initialIdleSeconds;
 
     bool operator==(const HighlightSettings&) const = default;
 };
@@ -119,7 +133,7 @@ struct ClickSettings {
 
 struct LaserSettings {
     EffectColor color = EffectColor::fromRgb(0xFF453A);
-    double diameter = 12; // points, 6 to 24
+    double diameter = laserDiameterRange.initial;
     GlowStrength glow = GlowStrength::medium;
 
     bool operator==(const LaserSettings&) const = default;

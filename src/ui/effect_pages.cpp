@@ -19,12 +19,14 @@ QWidget* colorRow(ViewContext& view, QWidget* choices) {
 }
 
 QWidget* waitTime(ViewContext& view) {
+    std::vector<Choice<double>> choices;
+    for (const double seconds : idleChoices) {
+        const auto title = QString::number(seconds) + QStringLiteral(" s");
+        choices.push_back({seconds, [title](bool /*english*/) { return title; }});
+    }
     return popUpPicker(view, Text{"Wait time", "等待时间"},
                        view.binding(&AppPreferences::highlight, &HighlightSettings::idleSeconds),
-                       {{2, Text::name("2 s")},
-                        {3, Text::name("3 s")},
-                        {5, Text::name("5 s")},
-                        {10, Text::name("10 s")}});
+                       std::move(choices));
 }
 
 QWidget* highlightCard(ViewContext& view) {

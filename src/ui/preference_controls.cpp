@@ -24,13 +24,13 @@ QWidget* highlightColors(ViewContext& view) {
 QWidget* highlightDiameter(ViewContext& view) {
     return new ValueSlider(view, Text{"Diameter", "直径"},
                            view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-                           {.low = 24, .high = 120, .suffix = "pt"});
+                           {.range = highlightDiameterRange, .suffix = "pt"});
 }
 
 QWidget* highlightOpacity(ViewContext& view) {
     return new ValueSlider(view, Text{"Opacity", "不透明度"},
                            view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
-                           {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true});
+                           {.range = highlightOpacityRange, .suffix = "%", .percent = true});
 }
 
 SwitchToggle* idleToggle(ViewContext& view, ControlSize size) {
@@ -47,7 +47,7 @@ QWidget* laserColors(ViewContext& view) {
 QWidget* laserDiameter(ViewContext& view) {
     return new ValueSlider(view, Text{"Dot diameter", "光点直径"},
                            view.binding(&AppPreferences::laser, &LaserSettings::diameter),
-                           {.low = 6, .high = 24, .suffix = "pt"});
+                           {.range = laserDiameterRange, .suffix = "pt"});
 }
 
 QWidget* laserGlow(ViewContext& view, const Wording& title) {

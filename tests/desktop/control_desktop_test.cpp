@@ -1,7 +1,7 @@
+#include "support/freedesktop_event_loop.h"
+#include "support/shell_fixture.h"
 #include "testdesk/core_application.h"
 #include "testdesk/private_bus.h"
-#include "support/shell_fixture.h"
-#include "support/freedesktop_event_loop.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -1,9 +1,9 @@
+#include "platform/x11/cursor_images.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/private_server.h"
 #include "testdesk/synthetic_input.h"
 #include "testdesk/temporary_folder.h"
 #include "testdesk/wait.h"
-#include "platform/x11/cursor_images.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "testdesk/client_window.h"
-#include "testdesk/core_application.h"
-#include "testdesk/private_server.h"
-#include "testdesk/synthetic_input.h"
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
 #include "platform/x11/desktop.h"
 #include "platform/x11/handles.h"
 #include "platform/x11/key_table.h"
+#include "testdesk/client_window.h"
+#include "testdesk/core_application.h"
+#include "testdesk/private_server.h"
+#include "testdesk/synthetic_input.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -379,8 +379,8 @@ protected:
     void SetUp() override {
         InputDesktopTest::SetUp();
         monitor.emplace(ClickMonitor::operationsOf(x11->eventMonitors));
-        monitor->onClick = [this](bool isRight, GlobalPoint point) {
-            clicks.push_back({isRight, point});
+        monitor->onClick = [this](MouseButton button, GlobalPoint point) {
+            clicks.push_back({button == MouseButton::right, point});
         };
         ASSERT_TRUE(monitor->start());
         input.moveTo({300, 100});
@@ -483,7 +483,7 @@ TEST_F(ClicksDesktopTest, OfOneGulpComeInTheirOrderBeforeTheMotion) {
 TEST_F(ClicksDesktopTest, MayRemoveAndAddMonitorsWhileTheyAreReported) {
     int later = 0;
     std::optional<EventMonitors::Token> token;
-    monitor->onClick = [&](bool, GlobalPoint) {
+    monitor->onClick = [&](MouseButton, GlobalPoint) {
         monitor->stop();
         token = x11->eventMonitors.addGlobal(maskOf(EventType::leftMouseDown),
                                              [&later](const Event&) { ++later; });

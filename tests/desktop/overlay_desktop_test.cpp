@@ -131,7 +131,7 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
     const auto quiet = captureScreen(watcher, {200, 200, 200, 200});
     int rings = 0;
     for (int round = 0; round < 3; ++round) {
-        manager->addClick({300, 300}, false);
+        manager->addClick({300, 300}, MouseButton::left);
         // Left of the disc only the ring can be.
         rings += runUntil([&] { return pixel({264, 300}) != blue; }) ? 1 : 0;
         EXPECT_TRUE(becomes({264, 300}, blue));
@@ -139,9 +139,9 @@ TEST_F(OverlayDesktopTest, PlaysARingThatGrowsFadesAndIsGone) {
     EXPECT_EQ(rings, 3);
     EXPECT_TRUE(runUntil([&] { return captureScreen(watcher, quiet.area) == quiet; }));
     show(CursorMode::laser);
-    manager->addClick({300, 300}, false);
+    manager->addClick({300, 300}, MouseButton::left);
     show(CursorMode::highlight);
-    manager->addClick({300, 300}, false);
+    manager->addClick({300, 300}, MouseButton::left);
     show(CursorMode::off);
     show(CursorMode::highlight);
     EXPECT_TRUE(becomes({264, 300}, blue));
@@ -170,7 +170,7 @@ TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
     constexpr PixelRect leftOut{300, 309, 28, 1};
     EXPECT_EQ(yellowIn(leftOut), 0);
     const bool clickShows = std::ranges::any_of(std::array{1, 2, 3}, [&](int /*attempt*/) {
-        manager->addClick({300, 300}, false);
+        manager->addClick({300, 300}, MouseButton::left);
         return runUntil([&] { return yellowIn(leftOut) > 0; }, std::chrono::milliseconds(350));
     });
     EXPECT_TRUE(clickShows);
@@ -183,9 +183,9 @@ TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
     EXPECT_TRUE(becomes({300, 299}, yellow, 8));
     EXPECT_EQ(pixel({331, 299}), blue);
     // Two at once, of which neither shows the other's.
-    manager->addClick({200, 300}, false);
+    manager->addClick({200, 300}, MouseButton::left);
     runFor(std::chrono::milliseconds(80));
-    manager->addClick({500, 300}, false);
+    manager->addClick({500, 300}, MouseButton::left);
     int circles = 0;
     EXPECT_FALSE(runUntil(
         [&] {
@@ -323,7 +323,7 @@ TEST_F(OverlayDesktopTest, DoesNotFadeInWhereThePointerComes) {
     // A ring would be over before it had faded in.
     runFor(std::chrono::milliseconds(600));
     for (int i = 0; i < 5; ++i) {
-        manager->addClick({300.0 + 100 * i, 300}, false);
+        manager->addClick({300.0 + 100 * i, 300}, MouseButton::left);
     }
     std::array<int, 5> strongest{};
     runUntil(

@@ -60,7 +60,7 @@ TEST_F(TwoMonitorsTest, GoesOnWhenTheDisplayUnderThePointerIsRemoved) {
 
 TEST_F(TwoMonitorsTest, LeavesNothingBehindAfterManyChanges) {
     start();
-    manager->addClick({250, 300}, false);
+    manager->addClick({250, 300}, MouseButton::left);
     runFor(std::chrono::milliseconds(350));
     ASSERT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
     const std::uint32_t substructure = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;

@@ -80,7 +80,7 @@ TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
     // A click is drawn beneath it as well.
     preferences.click.style = ClickStyle::pulse;
     show(CursorMode::highlight);
-    manager->addClick({300, 300}, false);
+    manager->addClick({300, 300}, MouseButton::left);
     EXPECT_FALSE(runUntil(
         [&] {
             return pixel({265, 300}) != green;

@@ -1,5 +1,5 @@
-#include "support/shell_fixture.h"
 #include "platform/freedesktop/desktop_entry.h"
+#include "support/shell_fixture.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,5 +1,5 @@
-#include "testdesk/x_traffic.h"
 #include "support/program_fixture.h"
+#include "testdesk/x_traffic.h"
 
 namespace vantrel::desktop {
 namespace {

@@ -1,12 +1,12 @@
+#include "input/hotkey_manager.h"
+#include "input/shortcut_button.h"
+#include "platform/x11/desktop.h"
 #include "testdesk/client_window.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/private_server.h"
 #include "testdesk/synthetic_input.h"
 #include "testdesk/wait.h"
 #include "testdesk/x_traffic.h"
-#include "input/hotkey_manager.h"
-#include "input/shortcut_button.h"
-#include "platform/x11/desktop.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,9 +1,9 @@
-#include "testdesk/core_application.h"
-#include "testdesk/x_traffic.h"
-#include "support/program_fixture.h"
+#include "platform/freedesktop/unique_descriptor.h"
 #include "support/freedesktop_event_loop.h"
 #include "support/mock_login_manager.h"
-#include "platform/freedesktop/unique_descriptor.h"
+#include "support/program_fixture.h"
+#include "testdesk/core_application.h"
+#include "testdesk/x_traffic.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,7 +1,7 @@
+#include "support/shell_fixture.h"
 #include "testdesk/core_application.h"
 #include "testdesk/displays.h"
 #include "testdesk/status_notifier_host.h"
-#include "support/shell_fixture.h"
 
 #include <thread>
 

@@ -1,5 +1,5 @@
-#include "testdesk/wayland_session.h"
 #include "support/program_fixture.h"
+#include "testdesk/wayland_session.h"
 
 #include <algorithm>
 #include <initializer_list>

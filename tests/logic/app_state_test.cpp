@@ -1,6 +1,6 @@
 #include "app/state/app_state.h"
-#include "support/headless_fixture.h"
 #include "preferences/preference_encoding.h"
+#include "support/headless_fixture.h"
 
 #include <fstream>
 

@@ -1,5 +1,5 @@
-#include "support/components_fixture.h"
 #include "overlay/effect_drawing.h"
+#include "support/components_fixture.h"
 #include "ui/components/choice_button.h"
 #include "ui/components/color_choices.h"
 #include "ui/components/color_well.h"

@@ -31,7 +31,7 @@ protected:
         return new ValueSlider(
             view, Text{"Diameter", "直径"},
             view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-            {.low = 24, .high = 120, .suffix = "pt"});
+            {.range = {24, 120, 64}, .suffix = "pt"});
     }
     SwitchToggle* idleToggle() {
         return new SwitchToggle(
@@ -41,8 +41,8 @@ protected:
 };
 
 TEST_F(ComponentsTest, SliderTextIsRoundedWithHalvesAwayFromZero) {
-    const ValueScale percent{.low = 0.1, .high = 0.9, .suffix = "%", .percent = true};
-    const ValueScale points{.low = 24, .high = 120, .suffix = "pt"};
+    const ValueScale percent{.range = {0.1, 0.9, 0.35}, .suffix = "%", .percent = true};
+    const ValueScale points{.range = {24, 120, 64}, .suffix = "pt"};
     EXPECT_EQ(percent.text(0.355), QStringLiteral("36 %"));
     EXPECT_EQ(percent.text(0.345), QStringLiteral("35 %"));
     EXPECT_EQ(points.text(47.5), QStringLiteral("48 pt"));

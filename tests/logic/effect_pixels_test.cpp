@@ -1,7 +1,7 @@
-#include "support/headless_fixture.h"
 #include "overlay/overlay_window_manager.h"
-#include "support/picture_difference.h"
 #include "platform/layers/painter.h"
+#include "support/headless_fixture.h"
+#include "support/picture_difference.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -168,7 +168,7 @@ TEST_F(EffectPixelsTest, ClickRingsGrowAndFadeEvenly) {
         for (const double scale : {1.0, 2.0}) {
             preferences.click.style = style;
             build(scale);
-            manager->addClick({100, 100}, false);
+            manager->addClick({100, 100}, MouseButton::left);
             desktop.frame(age);
             QImage expected(window().screenshot().size(), QImage::Format_ARGB32_Premultiplied);
             expected.fill(Qt::transparent);
@@ -194,7 +194,7 @@ TEST_F(EffectPixelsTest, AClickAcrossABorderIsWhole) {
     desktop.screens.set({screen(1, {0, 0, 100, 200}), screen(2, {100, 0, 100, 200})});
     preferences.highlight.opacity = 0.9;
     manager->apply(mode, preferences);
-    manager->addClick({100, 100}, false);
+    manager->addClick({100, 100}, MouseButton::left);
     desktop.frame(0.15);
     const auto left = window(0).screenshot();
     const auto right = window(1).screenshot();
@@ -255,7 +255,7 @@ TEST_F(EffectPixelsTest, TheLasersDotFallsTowardsItsEdge) {
 TEST_F(EffectPixelsTest, AClickGoesOnInWindowsThatAreMadeMeanwhileAndLiesAboveTheDisc) {
     preferences.highlight.diameter = 24;
     build(1);
-    manager->addClick({100, 100}, false);
+    manager->addClick({100, 100}, MouseButton::left);
     desktop.frame(0.15);
     const auto before = window().screenshot();
     manager->rebuild();

@@ -34,8 +34,8 @@ public:
 class ClickMonitorTest : public testing::Test {
 protected:
     ClickMonitorTest() {
-        monitor.onClick = [this](bool isRight, GlobalPoint point) {
-            clicks.push_back({isRight, point});
+        monitor.onClick = [this](MouseButton button, GlobalPoint point) {
+            clicks.push_back({button == MouseButton::right, point});
         };
     }
     void TearDown() override { EXPECT_THAT(faults.list, IsEmpty()); }
@@ -97,7 +97,7 @@ TEST(ClickMonitor, IgnoresAllButLeftAndRightPresses) {
         .remove = [](ClickMonitor::Token) {},
     });
     int clicks = 0;
-    monitor.onClick = [&clicks](bool, GlobalPoint) { ++clicks; };
+    monitor.onClick = [&clicks](MouseButton, GlobalPoint) { ++clicks; };
     monitor.start();
     for (const auto type :
          {EventType::leftMouseUp, EventType::rightMouseUp, EventType::mouseMoved,
@@ -136,7 +136,7 @@ TEST(ClickMonitor, AHandlerThatOutlivesItDoesNothing) {
                 },
             .remove = [](ClickMonitor::Token) {},
         });
-        monitor.onClick = [&clicks](bool, GlobalPoint) { ++clicks; };
+        monitor.onClick = [&clicks](MouseButton, GlobalPoint) { ++clicks; };
         monitor.start();
     }
     EXPECT_TRUE(kept({.type = EventType::leftMouseDown}).has_value());

@@ -1,6 +1,6 @@
+#include "support/views_fixture.h"
 #include "ui/components/stack.h"
 #include "ui/components/style.h"
-#include "support/views_fixture.h"
 
 namespace vantrel {
 namespace {

@@ -1,5 +1,5 @@
-#include "support/headless_fixture.h"
 #include "overlay/overlay_window_manager.h"
+#include "support/headless_fixture.h"
 
 #include <cmath>
 #include <limits>
@@ -27,7 +27,7 @@ protected:
 
     void show(CursorMode mode) { manager->apply(mode, preferences); }
     void click(GlobalPoint point = {400, 300}, bool isRight = false) {
-        manager->addClick(point, isRight);
+        manager->addClick(point, isRight ? MouseButton::right : MouseButton::left);
     }
     const std::vector<headless::OverlayWindow*>& windows() {
         return desktop.overlayWindows.windows();

@@ -1,8 +1,8 @@
-#include "support/headless_fixture.h"
-#include "support/offscreen_application.h"
 #include "overlay/drawn_cursor.h"
 #include "overlay/overlay_window_manager.h"
 #include "overlay/preview_canvas.h"
+#include "support/headless_fixture.h"
+#include "support/offscreen_application.h"
 #include "support/picture_difference.h"
 
 #include <QDeadlineTimer>
@@ -50,7 +50,7 @@ protected:
                                       desktop.transaction, desktop.eventMonitors});
         manager.apply(mode, preferences);
         if (click) {
-            manager.addClick(*click, false);
+            manager.addClick(*click, MouseButton::left);
             manager.tick();
             desktop.clock.advance(age);
         }
@@ -106,7 +106,7 @@ TEST_F(PreviewTest, PlaysAClickAsTheOverlayDoes) {
             for (const double age : {0.0, 0.05, 0.2}) {
                 preferences.click.style = style;
                 show();
-                canvas.playClick({60, 130}, false);
+                canvas.playClick({60, 130}, MouseButton::left);
                 const auto expected = overlay(scale, GlobalPoint{60, side - 130}, age);
                 EXPECT_LE(difference(drawn(scale), expected), 2)
                     << nameOf(style) << " after " << age << " at " << scale;
@@ -160,10 +160,10 @@ TEST_F(PreviewTest, ClicksPlayOnlyWhereTheSettingsWantThem) {
 }
 
 TEST_F(PreviewTest, ANewClickReplacesTheOneThatPlays) {
-    canvas.playClick({10, 10}, false);
+    canvas.playClick({10, 10}, MouseButton::left);
     const auto first = *canvas.click();
     desktop.clock.advance(0.1);
-    canvas.playClick({20, 20}, false);
+    canvas.playClick({20, 20}, MouseButton::left);
     EXPECT_NE(canvas.click()->id, first.id);
     EXPECT_EQ(canvas.click()->started, desktop.clock.uptime());
 }
@@ -196,7 +196,7 @@ TEST_F(PreviewTest, PaintsAnewOnlyWhileAClickPlays) {
     }
     EXPECT_EQ(paints.count, 0);
 
-    canvas.playClick({50, 50}, false);
+    canvas.playClick({50, 50}, MouseButton::left);
     EXPECT_TRUE(waitUntil([&] { return paints.count >= 3; }));
     desktop.clock.advance(0.31);
     EXPECT_TRUE(waitUntil([&] { return !canvas.isTicking(); }));
@@ -213,7 +213,7 @@ TEST_F(PreviewTest, LeavingTheWindowEndsAClick) {
     QWidget window;
     auto* sample = new PreviewCanvas(desktop.clock, cursor, &window);
     window.show();
-    sample->playClick({5, 5}, false);
+    sample->playClick({5, 5}, MouseButton::left);
     ASSERT_TRUE(sample->isTicking());
     sample->setParent(nullptr);
     EXPECT_FALSE(sample->isTicking());

@@ -1,6 +1,6 @@
 #include "overlay/preview_canvas.h"
-#include "ui/components/status_badge.h"
 #include "support/views_fixture.h"
+#include "ui/components/status_badge.h"
 
 #include <QAccessible>
 

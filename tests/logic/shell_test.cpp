@@ -1,9 +1,9 @@
 #include "app/shell/app_delegate.h"
 #include "app/shell/popover_placement.h"
 #include "app/shell/window_plan.h"
+#include "overlay/drawn_cursor.h"
 #include "support/headless_fixture.h"
 #include "support/offscreen_application.h"
-#include "overlay/drawn_cursor.h"
 
 #include <QCursor>
 #include <QtTest/QTest>

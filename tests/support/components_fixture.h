@@ -1,8 +1,8 @@
 #pragma once
 
+#include "overlay/drawn_cursor.h"
 #include "support/headless_fixture.h"
 #include "support/offscreen_application.h"
-#include "overlay/drawn_cursor.h"
 #include "ui/components/background.h"
 #include "ui/components/view_context.h"
 

@@ -2,12 +2,6 @@
 
 #include "platform/display_link.h"
 #include "platform/event_monitors.h"
-#include "support/headless_clock.h"
-#include "support/headless_faults.h"
-#include "support/headless_hot_keys.h"
-#include "support/headless_main_queue.h"
-#include "support/headless_session.h"
-#include "support/headless_user_defaults.h"
 #include "platform/layers/layer.h"
 #include "platform/layers/sprite_scene.h"
 #include "platform/observers.h"
@@ -15,6 +9,12 @@
 #include "platform/pointer.h"
 #include "platform/screens.h"
 #include "platform/transaction.h"
+#include "support/headless_clock.h"
+#include "support/headless_faults.h"
+#include "support/headless_hot_keys.h"
+#include "support/headless_main_queue.h"
+#include "support/headless_session.h"
+#include "support/headless_user_defaults.h"
 
 #include <functional>
 #include <map>

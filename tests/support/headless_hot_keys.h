@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/headless_faults.h"
 #include "platform/hot_keys.h"
+#include "support/headless_faults.h"
 
 #include <functional>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/headless_clock.h"
 #include "platform/main_queue.h"
+#include "support/headless_clock.h"
 
 #include <cstdint>
 #include <map>

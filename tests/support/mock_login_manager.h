@@ -1,7 +1,7 @@
 #pragma once
 
-#include "testdesk/private_bus.h"
 #include "platform/freedesktop/unique_descriptor.h"
+#include "testdesk/private_bus.h"
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "overlay/overlay_window_manager.h"
+#include "platform/x11/desktop.h"
 #include "testdesk/client_window.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/displays.h"
 #include "testdesk/private_server.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/synthetic_input.h"
-#include "overlay/overlay_window_manager.h"
-#include "platform/x11/desktop.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "testdesk/tray.h"
 #include "support/program_fixture.h"
+#include "testdesk/tray.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "photograph.h"
 
-#include "testdesk/screen_capture.h"
 #include "pictures.h"
+#include "testdesk/screen_capture.h"
 
 #include <stdexcept>
 

@@ -1,9 +1,9 @@
 #include "show.h"
 
-#include "testdesk/desktop_programs.h"
-#include "testdesk/screen_capture.h"
 #include "interruption.h"
 #include "photograph.h"
+#include "testdesk/desktop_programs.h"
+#include "testdesk/screen_capture.h"
 
 #include <algorithm>
 #include <cmath>

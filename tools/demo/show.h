@@ -1,11 +1,11 @@
 #pragma once
 
+#include "hand.h"
+#include "stage.h"
 #include "testdesk/child_process.h"
 #include "testdesk/private_server.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/vantrel_program.h"
-#include "hand.h"
-#include "stage.h"
 
 #include <filesystem>
 #include <functional>

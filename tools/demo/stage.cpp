@@ -1,7 +1,7 @@
 #include "stage.h"
 
-#include "testdesk/screen_capture.h"
 #include "interruption.h"
+#include "testdesk/screen_capture.h"
 
 #include <array>
 #include <cstdint>

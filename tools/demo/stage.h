@@ -1,8 +1,8 @@
 #pragma once
 
+#include "pictures.h"
 #include "testdesk/private_server.h"
 #include "testdesk/x_connection.h"
-#include "pictures.h"
 
 #include <cstdint>
 #include <optional>

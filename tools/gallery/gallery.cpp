@@ -3,8 +3,8 @@
 // scale.
 
 #include "overlay/drawn_cursor.h"
-#include "support/headless_desktop.h"
 #include "platform/system_clock.h"
+#include "support/headless_desktop.h"
 #include "ui/components/action_row.h"
 #include "ui/components/background.h"
 #include "ui/components/brand_mark.h"
@@ -27,6 +27,7 @@
 #include "ui/menu_panel.h"
 #include "ui/settings_view.h"
 #include "ui/welcome_view.h"
+#include "ui/window_size.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -70,10 +71,10 @@ QWidget* highlightCard(ViewContext& view) {
                  new ColorChoices(view, color, Palette::highlight)}),
          new ValueSlider(view, Text{"Diameter", "直径"},
                          view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-                         {.low = 24, .high = 120, .suffix = "pt"}),
+                         {.range = highlightDiameterRange, .suffix = "pt"}),
          new ValueSlider(view, Text{"Opacity", "不透明度"},
                          view.binding(&AppPreferences::highlight, &HighlightSettings::opacity),
-                         {.low = 0.1, .high = 0.9, .suffix = "%", .percent = true}),
+                         {.range = highlightOpacityRange, .suffix = "%", .percent = true}),
          divider(),
          new SwitchToggle(view, Text{"Hide when idle", "闲置时隐藏"},
                           view.binding(&AppPreferences::highlight, &HighlightSettings::idleHide)),
@@ -96,7 +97,7 @@ QWidget* laserCard(ViewContext& view) {
                                   Palette::laser)}),
          new ValueSlider(view, Text{"Dot diameter", "光点直径"},
                          view.binding(&AppPreferences::laser, &LaserSettings::diameter),
-                         {.low = 6, .high = 24, .suffix = "pt"}),
+                         {.range = laserDiameterRange, .suffix = "pt"}),
          segmentedPicker(view, Text{"Glow", "光晕强度"},
                          view.binding(&AppPreferences::laser, &LaserSettings::glow),
                          {{GlowStrength::low, Text{"Low", "低"}},
@@ -192,24 +193,26 @@ QPalette darkPalette() {
 }
 
 QWidget* makeWindow(ViewContext& view, const QString& name) {
-    const auto sized = [](QWidget* window, int width, int height) {
-        window->resize(width, height);
+    const auto sized = [](QWidget* window, AppWindow as) {
+        window->resize(contentSizeOf(as));
         return window;
     };
     if (name == QStringLiteral("components")) {
-        return sized(gallery(view), 920, 1010);
+        auto* window = gallery(view);
+        window->resize(920, 1010);
+        return window;
     }
     if (name == QStringLiteral("panel")) {
         return new MenuPanel(view);
     }
     if (name == QStringLiteral("settings")) {
-        return sized(new SettingsView(view), 560, 640);
+        return sized(new SettingsView(view), AppWindow::settings);
     }
     if (name == QStringLiteral("welcome")) {
-        return sized(new WelcomeView(view, [] { QApplication::quit(); }), 560, 580);
+        return sized(new WelcomeView(view, [] { QApplication::quit(); }), AppWindow::welcome);
     }
     if (name == QStringLiteral("help")) {
-        return sized(new HelpView(view), 520, 560);
+        return sized(new HelpView(view), AppWindow::help);
     }
     return nullptr;
 }

@@ -2,9 +2,9 @@
 
 #include "demo/interruption.h"
 #include "demo/photograph.h"
+#include "look.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/screen_capture.h"
-#include "look.h"
 
 #include <stdexcept>
 #include <utility>

@@ -7,6 +7,7 @@
 #include "ui/menu_panel.h"
 #include "ui/settings_view.h"
 #include "ui/welcome_view.h"
+#include "ui/window_size.h"
 
 #include <QGuiApplication>
 #include <QPointer>
@@ -98,18 +99,21 @@ ProgramStatus AppDelegate::status() const {
 }
 
 void AppDelegate::observeMode() {
-    const auto show = [this] {
-        const auto mode = state_.mode().get();
-        shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
-    };
-    show();
-    subscriptions_.push_back(state_.mode().observe([this, show](CursorMode /*mode*/) {
+    showMode();
+    subscriptions_.push_back(state_.mode().observe([this](CursorMode /*mode*/) {
         // The marks come first: the tray takes longer than they do.
-        later([this, show] {
-            show();
+        later([this] {
+            showMode();
             resizePopover();
         });
     }));
+}
+
+void AppDelegate::showMode() {
+    const auto mode = state_.mode().get();
+    if (std::exchange(shownMode_, mode) != mode) {
+        shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
+    }
 }
 
 void AppDelegate::applicationDidBecomeActive() {
@@ -154,7 +158,8 @@ void AppDelegate::wake() {
 
 void AppDelegate::open(AppWindow window) {
     popover_.performClose();
-    const auto [key, size] = planOf(window);
+    const auto key = keyOf(window);
+    const QSize size = contentSizeOf(window);
     auto& place = windows_[key];
     if (place) {
         showActive(*place, shell_.activate);
@@ -206,7 +211,7 @@ void AppDelegate::listenForShortcuts(QWidget& window) {
 }
 
 QWidget* AppDelegate::window(AppWindow window) const {
-    const auto found = windows_.find(planOf(window).key);
+    const auto found = windows_.find(keyOf(window));
     return found == windows_.end() ? nullptr : found->second.get();
 }
 

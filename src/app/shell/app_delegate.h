@@ -1,9 +1,9 @@
 #pragma once
 
+#include "app/shell/popover.h"
 #include "app/state/app_state.h"
 #include "app/state/command.h"
 #include "app/state/program_status.h"
-#include "app/shell/popover.h"
 #include "platform/command_answer.h"
 #include "platform/status_item.h"
 #include "ui/components/toolkit_language.h"
@@ -14,6 +14,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace vantrel {
@@ -66,6 +67,7 @@ private:
     void later(std::function<void()> task);
     void launch(const Command& command);
     void observeMode();
+    void showMode();
     void updateMenu();
     [[nodiscard]] std::vector<MenuEntry> menu();
     [[nodiscard]] std::unique_ptr<QWidget> makeContent(AppWindow window);
@@ -83,6 +85,7 @@ private:
     const QWidget* lastUsed_ = nullptr; // of the windows
     bool asleep_ = false;
     std::vector<MenuEntry> shownMenu_;
+    std::optional<CursorMode> shownMode_; // by the status item
     std::vector<Subscription> subscriptions_;
 };
 

@@ -48,14 +48,14 @@ protected:
 
 } // namespace
 
-WindowPlan planOf(AppWindow window) {
+std::string_view keyOf(AppWindow window) {
     switch (window) {
     case AppWindow::settings:
-        return {"settings", {560, 640}};
+        return "settings";
     case AppWindow::welcome:
-        return {"welcome", {560, 580}};
+        return "welcome";
     case AppWindow::help:
-        return {"help", {520, 540}};
+        return "help";
     }
     return {};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/state/app_state.h"
+#include "ui/window_size.h"
 
 #include <QMargins>
 #include <QRect>
@@ -12,15 +12,8 @@
 
 namespace vantrel {
 
-// Of every window of the program, in points.
-inline constexpr QSize minimumContentSize(520, 560);
-
-// What the program's windows are called among themselves, and their sizes at first, in points.
-struct WindowPlan {
-    std::string_view key;
-    QSize contentSize;
-};
-[[nodiscard]] WindowPlan planOf(AppWindow window);
+// What the program's windows are called among themselves.
+[[nodiscard]] std::string_view keyOf(AppWindow window);
 
 // Where a new window's content goes: so that, with its frame, it is in the middle of the available
 // area and no larger than that.

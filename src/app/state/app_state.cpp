@@ -12,8 +12,8 @@ AppState::AppState(SettingsStore& store, const AppDesktop& desktop)
       clicks_(ClickMonitor::operationsOf(desktop.overlay.eventMonitors)),
       hotkeys_(desktop.hotKeys) {
     // Both are members: neither can call when this object is gone.
-    clicks_.onClick = [this](bool isRight, GlobalPoint point) {
-        overlays_.addClick(point, isRight);
+    clicks_.onClick = [this](MouseButton button, GlobalPoint point) {
+        overlays_.addClick(point, button);
     };
     hotkeys_.onMode = [this](CursorMode mode) { handleShortcut(mode); };
     hotkeys_.onLoss = [this] { registerShortcuts(); };

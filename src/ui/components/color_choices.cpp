@@ -73,11 +73,8 @@ private:
 } // namespace
 
 std::span<const EffectColor> colorsOf(Palette palette) {
-    static constexpr std::array laserColors{EffectColor::fromRgb(0xFF453A),
-                                            EffectColor::fromRgb(0x34C759),
-                                            EffectColor::fromRgb(0x0A84FF)};
     if (palette == Palette::laser) {
-        return laserColors;
+        return EffectColor::laserPresets();
     }
     return EffectColor::presets();
 }

@@ -36,8 +36,12 @@ public:
         const double unit = slider_.scale().percent ? 0.01 : 1;
         slider_.setValue(slider_.stepOf(value.toDouble() * unit));
     }
-    [[nodiscard]] QVariant maximumValue() const override { return shown(slider_.scale().high); }
-    [[nodiscard]] QVariant minimumValue() const override { return shown(slider_.scale().low); }
+    [[nodiscard]] QVariant maximumValue() const override {
+        return shown(slider_.scale().range.high);
+    }
+    [[nodiscard]] QVariant minimumValue() const override {
+        return shown(slider_.scale().range.low);
+    }
     [[nodiscard]] QVariant minimumStepSize() const override { return 1.0; }
 
 private:
@@ -59,7 +63,7 @@ Slider::Slider(const ValueScale& scale, const std::function<void(double)>& moved
     : QSlider(Qt::Horizontal), scale_(scale) {
     static const int installed = (QAccessible::installFactory(describe), 0);
     Q_UNUSED(installed)
-    const double units = (scale.high - scale.low) * (scale.percent ? 100 : 1);
+    const double units = (scale.range.high - scale.range.low) * (scale.percent ? 100 : 1);
     setRange(0, static_cast<int>(std::lround(units * stepsPerUnit)));
     setSingleStep(stepsPerUnit);
     setPageStep(maximum() / 10);
@@ -68,8 +72,8 @@ Slider::Slider(const ValueScale& scale, const std::function<void(double)>& moved
 }
 
 int Slider::stepOf(double value) const {
-    return static_cast<int>(
-        std::lround((value - scale_.low) / (scale_.high - scale_.low) * maximum()));
+    return static_cast<int>(std::lround((value - scale_.range.low) /
+                                        (scale_.range.high - scale_.range.low) * maximum()));
 }
 
 void Slider::showValue(double value) {
@@ -78,7 +82,7 @@ void Slider::showValue(double value) {
 }
 
 double Slider::shownValue() const {
-    return std::lerp(scale_.low, scale_.high, static_cast<double>(value()) / maximum());
+    return std::lerp(scale_.range.low, scale_.range.high, static_cast<double>(value()) / maximum());
 }
 
 double Slider::knobX() const {

@@ -6,8 +6,7 @@
 namespace vantrel {
 
 struct ValueScale {
-    double low = 0;
-    double high = 1;
+    Range range;
     std::string_view suffix;
     bool percent = false; // the value is a fraction, shown in hundredths
 
