@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <thread>
+#include <utility>
 
 namespace vantrel::desktop {
 namespace {
@@ -53,7 +55,13 @@ protected:
         ASSERT_TRUE(waitFor([&] { return isPainted(page()); }));
         const Picture before = page();
         clickIn(input, *window, generalTab);
-        ASSERT_TRUE(waitFor([&] { return page() != before; }));
+        // Until it is there and rests.
+        Picture last = before;
+        ASSERT_TRUE(waitFor([&] {
+            std::this_thread::sleep_for(100ms);
+            const Picture former = std::exchange(last, page());
+            return last != before && last == former;
+        }));
         clickIn(input, *window, launchSwitch);
     }
 
