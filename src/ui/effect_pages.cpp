@@ -21,12 +21,13 @@ QWidget* colorRow(ViewContext& view, QWidget* choices) {
 QWidget* waitTime(ViewContext& view) {
     std::vector<Choice<double>> choices;
     for (const double seconds : idleChoices) {
-        const auto title = QString::number(seconds) + QStringLiteral(" s");
-        choices.push_back({seconds, [title](bool /*english*/) { return title; }});
+        auto title = QString::number(seconds) + QStringLiteral(" s");
+        choices.push_back(
+            {seconds, [title = std::move(title)](bool /*english*/) { return title; }});
     }
     return popUpPicker(view, Text{"Wait time", "等待时间"},
                        view.binding(&AppPreferences::highlight, &HighlightSettings::idleSeconds),
-                       std::move(choices));
+                       choices);
 }
 
 QWidget* highlightCard(ViewContext& view) {
