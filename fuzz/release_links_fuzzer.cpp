@@ -27,7 +27,7 @@ void requireOpenable(const std::string& link, bool mailAllowed) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view configuration(reinterpret_cast<const char*>(data), size);
     if (configuration.starts_with("bplist")) {
-        return -1;
+        return 0;
     }
     for (const auto link : {ReleaseLink::privacy, ReleaseLink::terms, ReleaseLink::support}) {
         if (const auto url = releaseURL(configuration, link)) {
