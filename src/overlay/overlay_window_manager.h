@@ -26,6 +26,14 @@ struct OverlayDesktop {
     OverlayWindows& overlayWindows;
     Transaction& transaction;
     EventMonitors& eventMonitors;
+
+    // Of one object that holds all of it under these names.
+    template <typename Desktop>
+    [[nodiscard]] static OverlayDesktop of(Desktop& desktop) {
+        return {desktop.clock,        desktop.pointer,        desktop.screens,
+                desktop.displayLinks, desktop.overlayWindows, desktop.transaction,
+                desktop.eventMonitors};
+    }
 };
 
 // Everything that puts the effects on the screen: a window for each display, a display link and two

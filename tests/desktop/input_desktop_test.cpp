@@ -3,6 +3,7 @@
 #include "platform/x11/desktop.h"
 #include "platform/x11/handles.h"
 #include "platform/x11/key_table.h"
+#include "support/click.h"
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/private_server.h"
@@ -363,24 +364,13 @@ TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
     EXPECT_EQ(x11::virtualKeyCodeOf(0), std::nullopt);
 }
 
-struct Click {
-    bool isRight = false;
-    GlobalPoint point;
-
-    bool operator==(const Click&) const = default;
-};
-
-void PrintTo(const Click& click, std::ostream* out) {
-    *out << (click.isRight ? "right" : "left") << " at " << click.point.x << ", " << click.point.y;
-}
-
 class ClicksDesktopTest : public InputDesktopTest {
 protected:
     void SetUp() override {
         InputDesktopTest::SetUp();
         monitor.emplace(ClickMonitor::operationsOf(x11->eventMonitors));
         monitor->onClick = [this](MouseButton button, GlobalPoint point) {
-            clicks.push_back({button == MouseButton::right, point});
+            clicks.push_back({button, point});
         };
         ASSERT_TRUE(monitor->start());
         input.moveTo({300, 100});
@@ -418,8 +408,8 @@ protected:
         ASSERT_TRUE(reply && reply->status == XCB_MAPPING_STATUS_SUCCESS);
     }
 
-    static constexpr Click left{false, {300, 500}};
-    static constexpr Click right{true, {300, 500}};
+    static constexpr Click left{MouseButton::left, {300, 500}};
+    static constexpr Click right{MouseButton::right, {300, 500}};
 
     std::optional<ClickMonitor> monitor;
     std::vector<Click> clicks;

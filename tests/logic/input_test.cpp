@@ -1,5 +1,6 @@
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
+#include "support/click.h"
 #include "support/headless_desktop.h"
 
 #include <gmock/gmock.h>
@@ -11,17 +12,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-struct Click {
-    bool isRight = false;
-    GlobalPoint point;
-
-    bool operator==(const Click&) const = default;
-};
-
-void PrintTo(const Click& click, std::ostream* out) {
-    *out << (click.isRight ? "right" : "left") << " at " << click.point.x << ", " << click.point.y;
-}
 
 // One whose bottom-left corner is at (300, 200).
 class OwnWindow final : public EventWindow {
@@ -35,7 +25,7 @@ class ClickMonitorTest : public testing::Test {
 protected:
     ClickMonitorTest() {
         monitor.onClick = [this](MouseButton button, GlobalPoint point) {
-            clicks.push_back({button == MouseButton::right, point});
+            clicks.push_back({button, point});
         };
     }
     void TearDown() override { EXPECT_THAT(faults.list, IsEmpty()); }
@@ -81,7 +71,8 @@ TEST_F(ClickMonitorTest, ReportsPressesInEveryWindowAtTheirPlaceOnTheDesktop) {
     monitors.send({.type = EventType::rightMouseDown, .locationInWindow = {10, 20}});
     monitors.send(
         {.type = EventType::leftMouseDown, .locationInWindow = {10, 20}, .window = &window});
-    EXPECT_THAT(clicks, ElementsAre(Click{true, {10, 20}}, Click{false, {310, 220}}));
+    EXPECT_THAT(clicks, ElementsAre(Click{MouseButton::right, {10, 20}},
+                                    Click{MouseButton::left, {310, 220}}));
 }
 
 // As on a desktop that sends more than it was asked for.

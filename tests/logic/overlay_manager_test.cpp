@@ -14,9 +14,7 @@ protected:
     void SetUp() override {
         desktop.screens.set({screen(1, {0, 0, 800, 600}), screen(2, {800, 0, 640, 480}, 120, 2)});
         desktop.pointer.place = {400, 300};
-        manager = std::make_unique<OverlayWindowManager>(
-            OverlayDesktop{desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                           desktop.overlayWindows, desktop.transaction, desktop.eventMonitors});
+        manager = std::make_unique<OverlayWindowManager>(OverlayDesktop::of(desktop));
     }
     void TearDown() override {
         manager.reset();
@@ -26,8 +24,8 @@ protected:
     }
 
     void show(CursorMode mode) { manager->apply(mode, preferences); }
-    void click(GlobalPoint point = {400, 300}, bool isRight = false) {
-        manager->addClick(point, isRight ? MouseButton::right : MouseButton::left);
+    void click(GlobalPoint point = {400, 300}, MouseButton button = MouseButton::left) {
+        manager->addClick(point, button);
     }
     const std::vector<headless::OverlayWindow*>& windows() {
         return desktop.overlayWindows.windows();
@@ -223,21 +221,21 @@ TEST_F(OverlayManagerTest, PlaysOnlyTheClicksThatWereAskedFor) {
     struct Case {
         CursorMode mode;
         ClickSettings settings;
-        bool isRight;
+        MouseButton button;
         std::size_t layers;
     };
     const Case cases[] = {
-        {CursorMode::highlight, {ClickStyle::ripple, true, false}, false, 1},
-        {CursorMode::highlight, {ClickStyle::ripple, true, false}, true, 0},
-        {CursorMode::highlight, {ClickStyle::pulse, false, true}, true, 1},
-        {CursorMode::highlight, {ClickStyle::none, true, true}, false, 0},
-        {CursorMode::laser, {ClickStyle::ripple, true, true}, false, 0},
+        {CursorMode::highlight, {ClickStyle::ripple, true, false}, MouseButton::left, 1},
+        {CursorMode::highlight, {ClickStyle::ripple, true, false}, MouseButton::right, 0},
+        {CursorMode::highlight, {ClickStyle::pulse, false, true}, MouseButton::right, 1},
+        {CursorMode::highlight, {ClickStyle::none, true, true}, MouseButton::left, 0},
+        {CursorMode::laser, {ClickStyle::ripple, true, true}, MouseButton::left, 0},
     };
-    for (const auto& [mode, settings, isRight, layers] : cases) {
+    for (const auto& [mode, settings, button, layers] : cases) {
         show(CursorMode::off);
         preferences.click = settings;
         show(mode);
-        click({400, 300}, isRight);
+        click({400, 300}, button);
         EXPECT_EQ(clickLayers(0), layers);
     }
 }

@@ -63,9 +63,7 @@ protected:
         connection = x11::Connection::open(server.display(), error);
         ASSERT_TRUE(connection) << error;
         x11 = std::make_unique<x11::X11Desktop>(*connection);
-        manager = std::make_unique<OverlayWindowManager>(
-            OverlayDesktop{x11->clock, x11->pointer, x11->screens, x11->displayLinks,
-                           x11->overlayWindows, x11->transaction, x11->eventMonitors});
+        manager = std::make_unique<OverlayWindowManager>(OverlayDesktop::of(*x11));
     }
     void start(CursorMode mode = CursorMode::highlight) {
         connect();

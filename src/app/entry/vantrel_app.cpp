@@ -33,8 +33,7 @@ VantrelApp::~VantrelApp() {
 }
 
 AppDesktop VantrelApp::appDesktop() {
-    return {.overlay = {x11_.clock, x11_.pointer, x11_.screens, x11_.displayLinks,
-                        x11_.overlayWindows, x11_.transaction, x11_.eventMonitors},
+    return {.overlay = OverlayDesktop::of(x11_),
             .hotKeys = x11_.hotKeys,
             .mainQueue = mainQueue_,
             .loginItem = loginItem_,

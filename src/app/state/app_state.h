@@ -50,8 +50,7 @@ struct AppDesktop {
     // Of one object that holds all of it under these names, as the desktop in memory does.
     template <typename Desktop>
     [[nodiscard]] static AppDesktop of(Desktop& desktop) {
-        return {.overlay = {desktop.clock, desktop.pointer, desktop.screens, desktop.displayLinks,
-                            desktop.overlayWindows, desktop.transaction, desktop.eventMonitors},
+        return {.overlay = OverlayDesktop::of(desktop),
                 .hotKeys = desktop.hotKeys,
                 .mainQueue = desktop.mainQueue,
                 .loginItem = desktop.loginItem,
