@@ -1,5 +1,9 @@
 #include "support/overlay_fixture.h"
 
+#include <algorithm>
+#include <ranges>
+#include <span>
+
 namespace vantrel::desktop {
 namespace {
 
@@ -12,11 +16,22 @@ protected:
         paintDesktop();
         input.moveTo({300, 300});
     }
-    // The picture tells it only once the compositing manager has painted.
+    // The picture tells it only once the compositing manager has painted. Windows that the overlays
+    // keep ready beyond the screen cover nothing, wherever they are in the order.
     bool isOnTop(const ClientWindow& window) const {
         const auto tree = ownReply(xcb_query_tree_reply(
             watcher.get(), xcb_query_tree(watcher.get(), watcher.root()), nullptr));
-        return xcb_query_tree_children(tree.get())[tree->children_len - 1] == window.id();
+        const std::span windows(xcb_query_tree_children(tree.get()), tree->children_len);
+        const auto top = std::ranges::find_if(std::views::reverse(windows),
+                                              [&](xcb_window_t each) { return isOnScreen(each); });
+        return *top == window.id();
+    }
+    bool isOnScreen(xcb_window_t window) const {
+        const auto place = ownReply(xcb_get_geometry_reply(
+            watcher.get(), xcb_get_geometry(watcher.get(), window), nullptr));
+        return place && place->x < wholeScreen().area.width &&
+               place->y < wholeScreen().area.height && place->x + place->width > 0 &&
+               place->y + place->height > 0;
     }
     ClientWindowOptions wholeScreen() const {
         return {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | green};

@@ -35,16 +35,17 @@ SpriteWindow* SpriteStack::acquire() {
     if (free == entries_.end()) {
         return nullptr;
     }
+    // Those that wait may be in front of a window that the others have yielded to.
+    const auto highest = std::ranges::find(entries_.rbegin(), entries_.rend(), true, &Entry::used);
+    if (highest != entries_.rend()) {
+        free->window->stackAbove(*highest->window);
+    }
     free->used = true;
     if (shown_) {
         free->window->map();
     }
     std::rotate(free, free + 1, entries_.end());
-    auto& window = *entries_.back().window;
-    if (entries_.size() > 1) {
-        window.stackAbove(*entries_[entries_.size() - 2].window);
-    }
-    return &window;
+    return entries_.back().window.get();
 }
 
 void SpriteStack::mapAll() {
