@@ -2,12 +2,12 @@
 
 #include "platform/freedesktop/unique_descriptor.h"
 
+#include <QFile>
+#include <QSaveFile>
+
 #include <cerrno>
-#include <chrono>
-#include <thread>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,12 +15,11 @@ namespace vantrel {
 namespace {
 
 constexpr off_t longestFile = off_t{16} << 20;
-constexpr std::chrono::seconds lockTimeout(5);
-constexpr std::chrono::milliseconds lockInterval(10);
-constexpr int longestLinkChain = 40;
 
+// A chain of links to its end, whether or not something stands there. Nothing where it has none.
 std::optional<std::filesystem::path> followLinks(std::filesystem::path path) {
-    for (int links = 0; links < longestLinkChain; ++links) {
+    constexpr int longestChain = 40;
+    for (int links = 0; links < longestChain; ++links) {
         std::error_code notALink;
         const auto target = std::filesystem::read_symlink(path, notALink);
         if (notALink) {
@@ -36,62 +35,10 @@ UniqueDescriptor openFolder(const std::filesystem::path& folder) {
     return UniqueDescriptor(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-// Whether the name still stands for the open file. Not so when another writer has moved it to its
-// place in the meantime.
-bool isNamed(int folder, const std::string& name, const struct stat& file) {
-    struct stat named {};
-    return fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-           named.st_dev == file.st_dev && named.st_ino == file.st_ino;
-}
-
-bool isOwn(const struct stat& file) {
-    return S_ISREG(file.st_mode) && file.st_uid == geteuid() && file.st_nlink == 1;
-}
-
-// Whether it came in time.
-bool lock(int file) {
-    const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
-    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(lockInterval);
-    }
-    return true;
-}
-
-// Locked, so that two running writers never mix their bytes.
-UniqueDescriptor openTemporary(int folder, const std::string& name) {
-    // Nobody is overtaken so often, but some file systems give a file another number each time.
-    constexpr int lastAttempt = 100;
-    for (int attempt = 1;; ++attempt) {
-        UniqueDescriptor file(openat(folder, name.c_str(),
-                                     O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
-                                     S_IRUSR | S_IWUSR));
-        struct stat status {};
-        if (!file || !lock(file.get()) || fstat(file.get(), &status) != 0) {
-            return {};
-        }
-        if (isNamed(folder, name, status) || attempt == lastAttempt) {
-            return isOwn(status) ? std::move(file) : UniqueDescriptor();
-        }
-    }
-}
-
-bool writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(file, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
-    return true;
-}
-
-bool fill(int file, std::string_view bytes, mode_t mode) {
-    return ftruncate(file, 0) == 0 && fchmod(file, mode) == 0 && writeAll(file, bytes) &&
-           fsync(file) == 0;
+QFile::Permissions permissionsOf(mode_t mode) {
+    // Each digit of the mode, as the toolkit has it.
+    return QFile::Permissions::fromInt(static_cast<QFile::Permissions::Int>(
+        (mode & S_IRWXU) << 6U | (mode & S_IRWXG) << 1U | (mode & S_IRWXO)));
 }
 
 std::string freeNameBeside(int folder, const std::string& name) {
@@ -147,16 +94,11 @@ bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode
         return false;
     }
     const UniqueDescriptor folder = openFolder(target->parent_path());
-    const std::string name = target->filename();
-    const std::string temporaryName = "." + name + ".new";
-    const UniqueDescriptor temporary =
-        folder ? openTemporary(folder.get(), temporaryName) : UniqueDescriptor();
-    if (!temporary) {
-        return false;
-    }
-    if (!fill(temporary.get(), bytes, mode) || !makeRoom(folder.get(), name, former) ||
-        renameat(folder.get(), temporaryName.c_str(), folder.get(), name.c_str()) != 0) {
-        unlinkat(folder.get(), temporaryName.c_str(), 0);
+    QSaveFile file(QFile::decodeName(target->c_str()));
+    const auto length = static_cast<qint64>(bytes.size());
+    if (!folder || !makeRoom(folder.get(), target->filename(), former) ||
+        !file.open(QIODevice::WriteOnly) || file.write(bytes.data(), length) != length ||
+        !file.setPermissions(permissionsOf(mode)) || !file.commit()) {
         return false;
     }
     fsync(folder.get());

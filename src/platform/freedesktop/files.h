@@ -19,11 +19,9 @@ enum class Former : std::uint8_t { replaced, kept };
 
 // Makes the bytes the content of the file, in one step and durably: a reader, or a machine that
 // lost its power, finds either all of the former content or all of the new one. A symbolic link
-// stays and what it points to is replaced. False, and nothing changed, when that is not possible,
-// and where something other than a file stands, such as a device.
-//
-// The bytes come through the file ".<name>.new" in the same folder. A run that was killed may leave
-// it behind; the next one takes it over. A running writer is waited for, five seconds at most.
+// stays and what it points to is replaced. False when that is not possible, as where something
+// other than a file stands or the user may not write to it; nothing is lost then, but what is to be
+// kept may have been put aside already.
 bool replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode,
                  Former former = Former::replaced);
 
