@@ -6,9 +6,9 @@ namespace vantrel::bench {
 namespace {
 
 std::unique_ptr<x11::Connection> connectTo(const std::string& display) {
-    std::string error;
+    x11::ConnectionError error;
     auto connection = x11::Connection::open(display, error);
-    return connection ? std::move(connection) : throw std::runtime_error(error);
+    return connection ? std::move(connection) : throw std::runtime_error(error.english);
 }
 
 } // namespace
@@ -18,13 +18,7 @@ CoreProgram::CoreProgram(const BenchDesktop& desktop)
       x11_(*connection_),
       defaults_(storedDocument(desktop).parent_path()),
       store_(defaults_, storedDocument(desktop).filename()),
-      state_(store_, {.overlay = OverlayDesktop::of(x11_),
-                      .hotKeys = x11_.hotKeys,
-                      .mainQueue = mainQueue_,
-                      .loginItem = loginItem_,
-                      .workspace = workspace_,
-                      .bundle = bundle_,
-                      .locale = locale_}) {
+      state_(store_, desktopOn(x11_, mainQueue_, rest_)) {
     state_.startUp();
 }
 

@@ -6,7 +6,7 @@
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/x11/desktop.h"
-#include "support/headless_session.h"
+#include "support/x11_with_memory.h"
 
 #include <filesystem>
 #include <memory>
@@ -29,10 +29,7 @@ private:
     x11::X11Desktop x11_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;
-    headless::LoginItem loginItem_;
-    headless::Workspace workspace_;
-    headless::Bundle bundle_;
-    headless::Locale locale_;
+    headless::Desktop rest_;
     SettingsStore store_;
     AppState state_;
 };

@@ -1,5 +1,5 @@
 // The least that a follower of the pointer can do: one small translucent window with one disc as
-// its background, moved once for each gulp of raw motion. With --display-link it also asks for
+// its background, moved once for each batch of raw motion. With --display-link it also asks for
 // every frame of the display, and for the pointer at each. With --shortcut it follows nothing: the
 // window is made ready where the pointer is, and mapped and unmapped by Control Alt H.
 

@@ -33,22 +33,6 @@ void operator delete(void* memory, std::size_t) noexcept {
 namespace vantrel {
 namespace {
 
-// Takes no memory itself, unlike the desktop of the tests, which keeps account of its caller.
-class PlainTransaction final : public Transaction {
-public:
-    explicit PlainTransaction(headless::Desktop& desktop) : desktop_(desktop) {}
-    void begin() override {}
-    void commit() override {}
-    void flush() override {
-        for (auto* window : desktop_.overlayWindows.windows()) {
-            window->flush(desktop_.clock.mediaTime());
-        }
-    }
-
-private:
-    headless::Desktop& desktop_;
-};
-
 struct Stage {
     explicit Stage(CursorMode mode = CursorMode::highlight, int screens = 1, double scale = 1) {
         std::vector<Screen> list;
@@ -58,14 +42,12 @@ struct Stage {
         }
         desktop.screens.set(list);
         desktop.pointer.place = {400, 300};
-        manager.emplace(OverlayDesktop{desktop.clock, desktop.pointer, desktop.screens,
-                                       desktop.displayLinks, desktop.overlayWindows, transaction,
-                                       desktop.eventMonitors});
+        desktop.transaction.watchesLayers = false;
+        manager.emplace(desktop);
         manager->apply(mode, preferences);
     }
 
     headless::Desktop desktop;
-    PlainTransaction transaction{desktop};
     AppPreferences preferences;
     std::optional<OverlayWindowManager> manager;
 };

@@ -1,7 +1,6 @@
 // What the windows cost, beside opening the settings: a switch of the tab, and a switch of the
 // language while all of them are open.
 
-#include "overlay/drawn_cursor.h"
 #include "support/headless_desktop.h"
 #include "ui/help_view.h"
 #include "ui/menu_panel.h"
@@ -45,9 +44,8 @@ struct Stage {
 
     headless::Desktop desktop;
     SettingsStore store{desktop.userDefaults, "key"};
-    AppState state{store, AppDesktop::of(desktop)};
-    DrawnCursor cursor;
-    ViewContext view{state, ViewDesktop::of(desktop, cursor, [] {})};
+    AppState state{store, desktop};
+    ViewContext view{state, desktop};
 };
 
 constexpr QSize settingsSize = contentSizeOf(AppWindow::settings);

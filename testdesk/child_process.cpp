@@ -143,9 +143,9 @@ void ChildProcess::signal(int number) const {
     }
 }
 
-ExitStatus ChildProcess::terminate(std::chrono::milliseconds patience) {
+ExitStatus ChildProcess::terminate(std::chrono::milliseconds timeout) {
     signal(SIGTERM);
-    if (const auto status = wait(patience)) {
+    if (const auto status = wait(timeout)) {
         return *status;
     }
     signal(SIGKILL);

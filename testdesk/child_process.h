@@ -45,7 +45,7 @@ public:
     std::optional<ExitStatus> wait(std::chrono::milliseconds limit);
     void signal(int number) const;
     // Asks it to end, and kills it when it has not done so in time.
-    ExitStatus terminate(std::chrono::milliseconds patience = std::chrono::seconds(3));
+    ExitStatus terminate(std::chrono::milliseconds timeout = std::chrono::seconds(3));
 
 private:
     pid_t pid_ = -1;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/event_monitors.h"
+#include "platform/input.h"
 
 #include <functional>
 #include <memory>

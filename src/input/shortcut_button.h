@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/alert_sound.h"
-#include "platform/keyboard.h"
+#include "platform/input.h"
+#include "platform/shell.h"
 #include "preferences/shortcut.h"
 
 #include <QBasicTimer>

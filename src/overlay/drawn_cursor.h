@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cursor_image.h"
+#include "platform/display.h"
 
 namespace vantrel {
 

@@ -2,7 +2,7 @@
 
 #include "overlay/click_animation.h"
 #include "platform/layers/layer.h"
-#include "platform/overlay_window.h"
+#include "platform/overlay.h"
 #include "preferences/preferences.h"
 
 #include <QUuid>

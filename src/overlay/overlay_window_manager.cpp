@@ -48,7 +48,7 @@ FrameRateRange frameRateRange(double maximumFramesPerSecond) {
     return {std::min(maximum, 60.0F), maximum, maximum};
 }
 
-OverlayWindowManager::OverlayWindowManager(const OverlayDesktop& desktop)
+OverlayWindowManager::OverlayWindowManager(const Desktop& desktop)
     : desktop_(desktop),
       self_(std::make_shared<OverlayWindowManager*>(this)),
       lastPoint_(desktop.pointer.location()),

@@ -2,13 +2,7 @@
 
 #include "overlay/click_animation.h"
 #include "overlay/overlay_view.h"
-#include "platform/clock.h"
-#include "platform/display_link.h"
-#include "platform/event_monitors.h"
-#include "platform/overlay_window.h"
-#include "platform/pointer.h"
-#include "platform/screens.h"
-#include "platform/transaction.h"
+#include "platform/desktop.h"
 #include "preferences/preferences.h"
 
 #include <memory>
@@ -16,25 +10,6 @@
 #include <vector>
 
 namespace vantrel {
-
-// What the overlays need of a desktop.
-struct OverlayDesktop {
-    Clock& clock;
-    Pointer& pointer;
-    Screens& screens;
-    DisplayLinks& displayLinks;
-    OverlayWindows& overlayWindows;
-    Transaction& transaction;
-    EventMonitors& eventMonitors;
-
-    // Of one object that holds all of it under these names.
-    template <typename Desktop>
-    [[nodiscard]] static OverlayDesktop of(Desktop& desktop) {
-        return {desktop.clock,        desktop.pointer,        desktop.screens,
-                desktop.displayLinks, desktop.overlayWindows, desktop.transaction,
-                desktop.eventMonitors};
-    }
-};
 
 // Everything that puts the effects on the screen: a window for each display, a display link and two
 // motion monitors that make it follow the pointer, and the clicks that are playing. While the
@@ -44,7 +19,7 @@ class OverlayWindowManager {
 public:
     static constexpr std::size_t maximumClicks = 8;
 
-    explicit OverlayWindowManager(const OverlayDesktop& desktop);
+    explicit OverlayWindowManager(const Desktop& desktop);
     ~OverlayWindowManager();
     OverlayWindowManager(const OverlayWindowManager&) = delete;
     OverlayWindowManager& operator=(const OverlayWindowManager&) = delete;
@@ -77,7 +52,7 @@ private:
     [[nodiscard]] bool isIdle(double now) const;
     void redraw(OverlayView& view, const GlobalRect& frame, double now, double mediaTime);
 
-    OverlayDesktop desktop_;
+    const Desktop desktop_;
     // What the link and the monitors know of this object; empty once it is gone.
     std::shared_ptr<OverlayWindowManager*> self_;
     std::vector<Overlay> windows_;

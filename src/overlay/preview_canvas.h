@@ -1,8 +1,8 @@
 #pragma once
 
 #include "overlay/click_animation.h"
-#include "platform/clock.h"
-#include "platform/cursor_image.h"
+#include "platform/display.h"
+#include "platform/time.h"
 #include "preferences/preferences.h"
 
 #include <QBasicTimer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/user_defaults.h"
+#include "platform/session.h"
 #include "preferences/preferences.h"
 
 #include <optional>

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/hot_keys.h"
-#include "platform/keyboard.h"
+#include "platform/input.h"
 
 #include <array>
 #include <cstdint>

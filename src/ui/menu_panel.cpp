@@ -55,13 +55,13 @@ QWidget* header(ViewContext& view) {
 
 QWidget* footer(ViewContext& view) {
     constexpr TextStyle style{12, QFont::Normal, Tone::secondary};
-    return row(8,
-               {labelButton(view, "gearshape", Text{"Settings", "设置"}, style,
-                            opening(view, AppWindow::settings)),
-                labelButton(view, "questionmark.circle", Text{"Help", "帮助"}, style,
-                            opening(view, AppWindow::help)),
-                spacer(),
-                labelButton(view, "power", Text{"Quit", "退出"}, style, view.desktop().terminate)})
+    return row(8, {labelButton(view, "gearshape", Text{"Settings", "设置"}, style,
+                               opening(view, AppWindow::settings)),
+                   labelButton(view, "questionmark.circle", Text{"Help", "帮助"}, style,
+                               opening(view, AppWindow::help)),
+                   spacer(),
+                   labelButton(view, "power", Text{"Quit", "退出"}, style,
+                               [&view] { view.desktop().application.terminate(); })})
         ->padded(margin - buttonPadding, 0);
 }
 
@@ -115,7 +115,7 @@ QWidget* offSection(ViewContext& view) {
 }
 
 bool hasWaylandNotice(const ViewContext& view) {
-    return view.desktop().inWaylandSession &&
+    return view.desktop().application.inWaylandSession() &&
            !view.desktop().userDefaults.boolean(waylandNoticeDismissedKey);
 }
 

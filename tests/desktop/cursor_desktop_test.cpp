@@ -38,9 +38,9 @@ protected:
     }
     void SetUp() override {
         std::filesystem::create_directory_symlink("/usr/share/icons", themes);
-        std::string error;
+        x11::ConnectionError error;
         connection = x11::Connection::open(server.display(), error);
-        ASSERT_TRUE(connection) << error;
+        ASSERT_TRUE(connection) << error.english;
         cursors.emplace(*connection, drawn);
     }
     void TearDown() override { std::filesystem::remove(themes); }

@@ -40,9 +40,9 @@ protected:
         xcb_set_input_focus(other.connection().get(), XCB_INPUT_FOCUS_NONE, other.id(),
                             XCB_CURRENT_TIME);
         other.connection().sync();
-        std::string error;
+        x11::ConnectionError error;
         connection = x11::Connection::open(server.display(), error);
-        ASSERT_TRUE(connection) << error;
+        ASSERT_TRUE(connection) << error.english;
         x11 = std::make_unique<x11::X11Desktop>(*connection);
     }
     void TearDown() override {
@@ -451,7 +451,7 @@ TEST_F(ClicksDesktopTest, AreSeenWhileAnotherProgramHasGrabbedThePointer) {
     EXPECT_THAT(clickedWith(Button::right), ElementsAre(right));
 }
 
-TEST_F(ClicksDesktopTest, OfOneGulpComeInTheirOrderBeforeTheMotion) {
+TEST_F(ClicksDesktopTest, OfOneBatchComeInTheirOrderBeforeTheMotion) {
     std::vector<EventType> order;
     const auto types = {EventType::leftMouseDown, EventType::rightMouseDown, EventType::mouseMoved};
     EventMask mask = 0;

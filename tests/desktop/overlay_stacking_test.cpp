@@ -91,7 +91,7 @@ TEST_F(OverlayStackingTest, YieldsToAWindowThatInsistsOnBeingAbove) {
         ++rounds;
     }
     EXPECT_GE(rounds, 1);
-    EXPECT_LE(rounds, x11::RaisePolicy::patience);
+    EXPECT_LE(rounds, x11::RaisePolicy::answersAllowed);
     // A click is drawn beneath it as well.
     preferences.click.style = ClickStyle::pulse;
     show(CursorMode::highlight);

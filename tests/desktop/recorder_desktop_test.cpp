@@ -38,9 +38,9 @@ public:
 class RecorderDesktopTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string error;
+        x11::ConnectionError error;
         connection = x11::Connection::open(server.display(), error);
-        ASSERT_TRUE(connection) << error;
+        ASSERT_TRUE(connection) << error.english;
         x11 = std::make_unique<x11::X11Desktop>(*connection);
         open();
     }
@@ -289,9 +289,9 @@ TEST_F(RecorderDesktopTest, RecordsFromItsFocusWhileAnotherProgramHasTheKeyboard
 TEST(AlertSoundDesktopTest, RingsTheBellAtOnce) {
     const auto server = PrivateServer::virtualScreen();
     const XTraffic traffic(server.display());
-    std::string error;
+    x11::ConnectionError error;
     const auto connection = x11::Connection::open(traffic.display(), error);
-    ASSERT_TRUE(connection) << error;
+    ASSERT_TRUE(connection) << error.english;
     x11::X11AlertSound(*connection).beep();
     EXPECT_TRUE(waitFor([&] { return traffic.counts().count({.major = XCB_BELL}) == 1; }));
 }

@@ -23,7 +23,7 @@ protected:
     // A new run of the program, without startUp().
     void launch() {
         state.reset();
-        state = std::make_unique<AppState>(store, AppDesktop::of(desktop));
+        state = std::make_unique<AppState>(store, desktop);
         state->openWindow = [this](AppWindow window) { opened.push_back(window); };
     }
     void change(auto change) { state->changePreferences(change); }

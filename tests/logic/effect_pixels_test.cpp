@@ -17,7 +17,7 @@ protected:
         manager.reset();
         desktop.screens.set({screen(1, {0, 0, 200, 200}, 60, scale)});
         desktop.pointer.place = {100, 100};
-        manager = std::make_unique<OverlayWindowManager>(OverlayDesktop::of(desktop));
+        manager = std::make_unique<OverlayWindowManager>(desktop);
         manager->apply(mode, preferences);
         scale_ = scale;
     }

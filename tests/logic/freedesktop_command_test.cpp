@@ -23,11 +23,11 @@ constexpr uid_t somebodyElse = 65534;
 
 // In a thread of its own, as a process of its own would.
 std::future<Outcome> ask(const std::string& address, const CommandWords& words,
-                         std::chrono::milliseconds patience = 10s) {
+                         std::chrono::milliseconds timeout = 10s) {
     return std::async(std::launch::async, [=] {
         auto opened = CommandCall::open(address);
         auto* call = std::get_if<CommandCall>(&opened);
-        return call != nullptr ? call->ask(words, std::chrono::steady_clock::now() + patience)
+        return call != nullptr ? call->ask(words, std::chrono::steady_clock::now() + timeout)
                                : std::get<Failure>(opened);
     });
 }
@@ -125,7 +125,7 @@ TEST_F(CommandSocketTest, HearsNobodyElseAndIsNotTakenInByThem) {
     EXPECT_EQ(asSomebodyElse([&] {
                   const auto opened = CommandCall::open(address);
                   const auto* failure = std::get_if<Failure>(&opened);
-                  return failure != nullptr && *failure == Failure::stranger ? 0 : 1;
+                  return failure != nullptr && *failure == Failure::otherUser ? 0 : 1;
               }),
               0)
         << "the caller speaks to another user's program";

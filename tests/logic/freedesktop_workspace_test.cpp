@@ -119,17 +119,18 @@ TEST_F(LoginManagerEvents, ComeAgainAfterTheBusHasDied) {
 
 TEST_F(LoginManagerEvents, AreTakenFromNobodyElseOnTheBus) {
     ASSERT_TRUE(waitUntilHeld());
-    auto stranger = QDBusConnection::connectToBus(privateBusAddress(), QStringLiteral("stranger"));
+    auto otherUser =
+        QDBusConnection::connectToBus(privateBusAddress(), QStringLiteral("otherUser"));
     auto message = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
                                               QStringLiteral("org.freedesktop.login1.Manager"),
                                               QStringLiteral("PrepareForSleep"));
     message << true;
-    stranger.send(message);
+    otherUser.send(message);
     // The answer comes after the bus has passed the signal on.
-    stranger.call(QDBusMessage::createMethodCall(
+    otherUser.call(QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
-    QDBusConnection::disconnectFromBus(QStringLiteral("stranger"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("otherUser"));
 
     const auto ending = manager->onWillShutDown([this] { events.emplace_back("end"); });
     mock->announce("PrepareForShutdown", true);

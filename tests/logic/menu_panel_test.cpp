@@ -168,7 +168,7 @@ TEST_F(MenuPanelTest, LeadsToTheWindowsAndToTheEnd) {
     click("Help");
     EXPECT_EQ(opened, (std::vector{AppWindow::settings, AppWindow::settings, AppWindow::help}));
     click("Quit");
-    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(desktop.application.terminations, 1);
 }
 
 TEST_F(MenuPanelTest, TheKeyboardComesToEveryControlInReadingOrder) {

@@ -14,7 +14,7 @@ protected:
     void SetUp() override {
         desktop.screens.set({screen(1, {0, 0, 800, 600}), screen(2, {800, 0, 640, 480}, 120, 2)});
         desktop.pointer.place = {400, 300};
-        manager = std::make_unique<OverlayWindowManager>(OverlayDesktop::of(desktop));
+        manager = std::make_unique<OverlayWindowManager>(desktop);
     }
     void TearDown() override {
         manager.reset();

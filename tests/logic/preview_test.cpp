@@ -45,7 +45,7 @@ protected:
     QImage overlay(double scale, std::optional<GlobalPoint> click = {}, double age = 0) {
         desktop.screens.set({screen(1, {0, 0, side, side}, 60, scale)});
         desktop.pointer.place = {side / 2.0, side / 2.0};
-        OverlayWindowManager manager(OverlayDesktop::of(desktop));
+        OverlayWindowManager manager(desktop);
         manager.apply(mode, preferences);
         if (click) {
             manager.addClick(*click, MouseButton::left);

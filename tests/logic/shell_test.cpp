@@ -1,7 +1,6 @@
 #include "app/shell/app_delegate.h"
 #include "app/shell/popover_placement.h"
 #include "app/shell/window_plan.h"
-#include "overlay/drawn_cursor.h"
 #include "support/headless_fixture.h"
 #include "support/offscreen_application.h"
 
@@ -63,14 +62,7 @@ protected:
         return titles;
     }
 
-    DrawnCursor cursor;
-    int terminations = 0;
-    std::vector<WId> activated;
-    AppDelegate delegate{AppDesktop::of(desktop),
-                         ViewDesktop::of(desktop, cursor, [this] { ++terminations; }),
-                         {.userDefaults = desktop.userDefaults,
-                          .statusItem = desktop.statusItem,
-                          .activate = [this](WId window) { activated.push_back(window); }}};
+    AppDelegate delegate{desktop};
 };
 
 using Windows = std::vector<AppWindow>;
@@ -103,8 +95,8 @@ TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
         EXPECT_TRUE(window->isVisible());
         EXPECT_EQ(window->geometry(), QRect(10, 30, 700, 700));
         settle();
-        ASSERT_FALSE(activated.empty());
-        EXPECT_EQ(activated.back(), window->winId());
+        ASSERT_FALSE(desktop.application.activated.empty());
+        EXPECT_EQ(desktop.application.activated.back(), window->winId());
     }
 }
 
@@ -120,7 +112,7 @@ TEST_F(ShellTest, TheMenuDoesWhatItSaysInTheLanguageOfTheInterface) {
     chooseFromMenu("Show Panel");
     EXPECT_TRUE(popoverShown());
     chooseFromMenu("Quit");
-    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(desktop.application.terminations, 1);
     delegate.state().changePreferences(
         [](AppPreferences& preferences) { preferences.language = AppLanguage::chinese; });
     settle();
@@ -219,7 +211,7 @@ TEST_F(ShellTest, StartingAgainGivesTheKeyboardToTheWindowUsedLast) {
     used->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(used));
     delegate.applicationShouldHandleReopen(true);
-    EXPECT_EQ(activated.back(), used->winId());
+    EXPECT_EQ(desktop.application.activated.back(), used->winId());
 }
 
 TEST_F(ShellTest, BecomingActiveTakesOverWhatTheDesktopDidToTheLoginItem) {

@@ -205,7 +205,7 @@ TEST(RaisePolicyTest, YieldsToAWindowThatAnswersEveryTime) {
     for (; raises < 100 && policy.shouldRaise(7, now); ++raises) {
         now += 0.6;
     }
-    EXPECT_EQ(raises, RaisePolicy::patience);
+    EXPECT_EQ(raises, RaisePolicy::answersAllowed);
     for (int i = 0; i < 100; ++i) {
         EXPECT_FALSE(policy.shouldRaise(7, now += 5));
     }
@@ -261,7 +261,7 @@ TEST(ScreensTest, GiveEveryPixelToOneDisplay) {
     }
 }
 
-TEST(XwaylandTrustTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
+TEST(StalePointerFilterTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOfIt) {
     struct Step {
         int x;
         bool inside;
@@ -277,28 +277,28 @@ TEST(XwaylandTrustTest, ThePointerIsKnownOverAWindowAndWhileADragIsFollowedOutOf
         {30, false, true, false}, // the compositor took the drag over
         {31, true, false, true},
     };
-    XwaylandTrust trust;
+    StalePointerFilter filter;
     for (const auto& [x, inside, held, known] : steps) {
-        const XwaylandWord word{
+        const PointerSample sample{
             .place = QPoint(x, 0), .inside = inside, .held = held, .focused = true};
-        EXPECT_EQ(trust.accepts(word, 0), known) << "at " << x;
-        auto unfocused = word;
+        EXPECT_EQ(filter.accepts(sample, 0), known) << "at " << x;
+        auto unfocused = sample;
         unfocused.focused = false;
-        EXPECT_FALSE(XwaylandTrust().accepts(unfocused, 0));
+        EXPECT_FALSE(StalePointerFilter().accepts(unfocused, 0));
     }
 }
 
-TEST(XwaylandTrustTest, ThePointerIsNotKnownAnyMoreWhenNothingWasHeardOfItForLong) {
-    XwaylandTrust trust;
-    XwaylandWord word{.place = QPoint(10, 0), .inside = true, .focused = true};
-    EXPECT_TRUE(trust.accepts(word, 100));
-    EXPECT_TRUE(trust.accepts(word, 102.9));
-    EXPECT_FALSE(trust.accepts(word, 103));
-    word.held = true;
-    EXPECT_TRUE(trust.accepts(word, 200));
-    EXPECT_FALSE(trust.accepts(word, 203));
-    word.place.rx() += 1;
-    EXPECT_TRUE(trust.accepts(word, 204));
+TEST(StalePointerFilterTest, ThePointerIsNotKnownAnyMoreWhenNothingWasHeardOfItForLong) {
+    StalePointerFilter filter;
+    PointerSample sample{.place = QPoint(10, 0), .inside = true, .focused = true};
+    EXPECT_TRUE(filter.accepts(sample, 100));
+    EXPECT_TRUE(filter.accepts(sample, 102.9));
+    EXPECT_FALSE(filter.accepts(sample, 103));
+    sample.held = true;
+    EXPECT_TRUE(filter.accepts(sample, 200));
+    EXPECT_FALSE(filter.accepts(sample, 203));
+    sample.place.rx() += 1;
+    EXPECT_TRUE(filter.accepts(sample, 204));
 }
 
 } // namespace

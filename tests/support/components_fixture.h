@@ -1,6 +1,5 @@
 #pragma once
 
-#include "overlay/drawn_cursor.h"
 #include "support/headless_fixture.h"
 #include "support/offscreen_application.h"
 #include "ui/components/background.h"
@@ -19,7 +18,9 @@ namespace vantrel {
 // The application state on a desktop in memory, and a window for parts that show it.
 class ViewTest : public HeadlessTest {
 protected:
-    explicit ViewTest(bool inWaylandSession = false) : inWaylandSession_(inWaylandSession) {}
+    explicit ViewTest(bool inWaylandSession = false) {
+        desktop.application.waylandSession = inWaylandSession;
+    }
 
     // Puts a part into a window.
     QWidget& show(QWidget* part) {
@@ -78,20 +79,10 @@ protected:
     }
     auto laserColor() { return view.binding(&AppPreferences::laser, &LaserSettings::color); }
 
-    const bool inWaylandSession_;
     SettingsStore store{desktop.userDefaults, "key"};
-    AppState state{store, AppDesktop::of(desktop)};
-    DrawnCursor cursor;
-    int terminations = 0;
-    ViewContext view{state, viewDesktop()};
+    AppState state{store, desktop};
+    ViewContext view{state, desktop};
     std::unique_ptr<QWidget> window;
-
-private:
-    ViewDesktop viewDesktop() {
-        auto views = ViewDesktop::of(desktop, cursor, [this] { ++terminations; });
-        views.inWaylandSession = inWaylandSession_;
-        return views;
-    }
 };
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "platform/time.h"
 
 namespace vantrel::headless {
 

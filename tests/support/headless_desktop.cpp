@@ -139,6 +139,9 @@ void Transaction::begin() {
         faults_.add("a transaction was begun inside another");
     }
     open_ = true;
+    if (!watchesLayers) {
+        return;
+    }
     for (const auto* window : windows_.windows()) {
         const auto* root = window->rootLayer();
         if (root == nullptr) {
@@ -157,6 +160,9 @@ void Transaction::commit() {
     }
     open_ = false;
     ++commits;
+    if (!watchesLayers) {
+        return;
+    }
     committed_.clear();
     for (const auto* window : windows_.windows()) {
         if (const auto* root = window->rootLayer()) {
@@ -223,6 +229,28 @@ void EventMonitors::send(const Event& event) {
             return;
         }
     }
+}
+
+Desktop::operator vantrel::Desktop() {
+    return {.clock = clock,
+            .mainQueue = mainQueue,
+            .screens = screens,
+            .displayLinks = displayLinks,
+            .cursors = cursors,
+            .pointer = pointer,
+            .eventMonitors = eventMonitors,
+            .keyboard = keyboard,
+            .hotKeys = hotKeys,
+            .overlayWindows = overlayWindows,
+            .transaction = transaction,
+            .locale = locale,
+            .bundle = bundle,
+            .userDefaults = userDefaults,
+            .loginItem = loginItem,
+            .workspace = workspace,
+            .statusItem = statusItem,
+            .alertSound = alertSound,
+            .application = application};
 }
 
 void Desktop::frame(double seconds) {

@@ -1,14 +1,10 @@
 #pragma once
 
-#include "platform/display_link.h"
-#include "platform/event_monitors.h"
+#include "overlay/drawn_cursor.h"
+#include "platform/desktop.h"
 #include "platform/layers/layer.h"
 #include "platform/layers/sprite_scene.h"
-#include "platform/observers.h"
-#include "platform/overlay_window.h"
-#include "platform/pointer.h"
-#include "platform/screens.h"
-#include "platform/transaction.h"
+#include "platform/subscription.h"
 #include "support/headless_clock.h"
 #include "support/headless_faults.h"
 #include "support/headless_hot_keys.h"
@@ -167,6 +163,7 @@ public:
 
     int commits = 0;
     int flushes = 0;
+    bool watchesLayers = true; // which takes memory for every commit
 
 private:
     OverlayWindows& windows_;
@@ -231,7 +228,10 @@ struct Desktop {
     AlertSound alertSound;
     Keyboard keyboard;
     StatusItem statusItem;
+    Application application;
+    DrawnCursor cursors;
 
+    operator vantrel::Desktop();
     // Time goes on, and then a frame comes.
     void frame(double seconds = 1.0 / 60);
 };

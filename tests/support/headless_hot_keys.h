@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hot_keys.h"
+#include "platform/input.h"
 #include "support/headless_faults.h"
 
 #include <functional>

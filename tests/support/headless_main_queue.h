@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/main_queue.h"
+#include "platform/time.h"
 #include "support/headless_clock.h"
 
 #include <cstdint>

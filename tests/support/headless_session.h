@@ -1,13 +1,9 @@
 #pragma once
 
-#include "platform/alert_sound.h"
-#include "platform/bundle.h"
-#include "platform/keyboard.h"
-#include "platform/locale.h"
-#include "platform/login_item.h"
-#include "platform/observers.h"
-#include "platform/status_item.h"
-#include "platform/workspace.h"
+#include "platform/input.h"
+#include "platform/session.h"
+#include "platform/shell.h"
+#include "platform/subscription.h"
 
 #include <map>
 #include <set>
@@ -111,6 +107,17 @@ public:
     std::vector<MenuEntry> menu;
     int menusSet = 0;
     std::optional<QRect> where;
+};
+
+class Application final : public vantrel::Application {
+public:
+    void terminate() override { ++terminations; }
+    void activate(WId window) override { activated.push_back(window); }
+    [[nodiscard]] bool inWaylandSession() const override { return waylandSession; }
+
+    int terminations = 0;
+    std::vector<WId> activated;
+    bool waylandSession = false;
 };
 
 class Keyboard final : public vantrel::Keyboard {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "overlay/overlay_window_manager.h"
-#include "platform/x11/desktop.h"
+#include "support/x11_with_memory.h"
 #include "testdesk/client_window.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/displays.h"
@@ -59,11 +59,11 @@ protected:
     void startCompositing() { compositing.emplace(startCompositingManager(server)); }
     // Nothing is shown before a mode is applied.
     void connect() {
-        std::string error;
+        x11::ConnectionError error;
         connection = x11::Connection::open(server.display(), error);
-        ASSERT_TRUE(connection) << error;
+        ASSERT_TRUE(connection) << error.english;
         x11 = std::make_unique<x11::X11Desktop>(*connection);
-        manager = std::make_unique<OverlayWindowManager>(OverlayDesktop::of(*x11));
+        manager = std::make_unique<OverlayWindowManager>(desktopOn(*x11, rest.mainQueue, rest));
     }
     void start(CursorMode mode = CursorMode::highlight) {
         connect();
@@ -123,6 +123,7 @@ protected:
     std::optional<ClientWindow> background;
     AppPreferences preferences;
 
+    headless::Desktop rest;
     std::unique_ptr<x11::Connection> connection;
     std::unique_ptr<x11::X11Desktop> x11;
     std::unique_ptr<OverlayWindowManager> manager;

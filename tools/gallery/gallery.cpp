@@ -2,8 +2,6 @@
 // memory: nothing that is chosen here reaches the screen or the disk. QT_SCALE_FACTOR sets the
 // scale.
 
-#include "overlay/drawn_cursor.h"
-#include "platform/system_clock.h"
 #include "support/headless_desktop.h"
 #include "ui/components/action_row.h"
 #include "ui/components/background.h"
@@ -35,7 +33,9 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QScrollBar>
+#include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -311,19 +311,10 @@ int run(const QApplication& application) {
         QApplication::setPalette(darkPalette());
     }
     headless::Desktop desktop;
+    desktop.application.waylandSession = options.isSet(text("wayland"));
     SettingsStore store(desktop.userDefaults, "gallery");
-    AppState state(store, AppDesktop::of(desktop));
-    const SystemClock clock;
-    const DrawnCursor cursor;
-    ViewContext view(state, {.clock = clock,
-                             .cursors = cursor,
-                             .screens = desktop.screens,
-                             .bundle = desktop.bundle,
-                             .userDefaults = desktop.userDefaults,
-                             .keyboard = desktop.keyboard,
-                             .alertSound = desktop.alertSound,
-                             .terminate = [] { QApplication::quit(); },
-                             .inWaylandSession = options.isSet(text("wayland"))});
+    AppState state(store, desktop);
+    ViewContext view(state, desktop);
     if (!prepare(options, desktop, state)) {
         std::fputs("vantrel-gallery: no such language, mode or tab\n", stderr);
         return 2;
@@ -338,6 +329,9 @@ int run(const QApplication& application) {
     }
     window->setWindowTitle(text("Vantrel gallery"));
     window->show();
+    QTimer frames;
+    QObject::connect(&frames, &QTimer::timeout, [&desktop] { desktop.frame(); });
+    frames.start(std::chrono::milliseconds(16));
     return options.isSet(text("png")) ? writePicture(*window, options) : QApplication::exec();
 }
 

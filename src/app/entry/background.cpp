@@ -39,13 +39,13 @@ void leaveCaller(int descriptorToKeep) {
 }
 
 // The other end is closed when the child ends. One that ends as a failure has said why.
-int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
+int awaitReady(pid_t child, int ready, std::chrono::milliseconds timeout) {
     pollfd descriptor{ready, POLLIN, 0};
-    if (poll(&descriptor, 1, static_cast<int>(patience.count())) != 1) {
+    if (poll(&descriptor, 1, static_cast<int>(timeout.count())) != 1) {
         return report(failure(said("timed out while starting", "启动超时")));
     }
-    char word = 0;
-    if (recv(ready, &word, 1, 0) == 1) {
+    char byte = 0;
+    if (recv(ready, &byte, 1, 0) == 1) {
         return EXIT_SUCCESS;
     }
     int status = 0;
@@ -57,7 +57,7 @@ int awaitReady(pid_t child, int ready, std::chrono::milliseconds patience) {
 
 } // namespace
 
-int runInBackground(std::chrono::milliseconds patience,
+int runInBackground(std::chrono::milliseconds timeout,
                     const std::function<int(std::function<void()> ready)>& program) {
     std::signal(SIGCHLD, SIG_DFL); // a caller that ignored it would leave no exit status
     std::array<int, 2> pair{-1, -1};
@@ -70,7 +70,7 @@ int runInBackground(std::chrono::milliseconds patience,
     }
     if (child > 0) {
         telling->reset();
-        return awaitReady(child, waiting.get(), patience);
+        return awaitReady(child, waiting.get(), timeout);
     }
     waiting.reset();
     leaveCaller(telling->get());

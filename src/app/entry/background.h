@@ -11,7 +11,7 @@ namespace vantrel {
 //
 // Until it is ready, the program has the caller's standard error, and of what else the caller has
 // open nothing. No thread may run yet, and the three standard descriptors must be open.
-int runInBackground(std::chrono::milliseconds patience,
+int runInBackground(std::chrono::milliseconds timeout,
                     const std::function<int(std::function<void()> ready)>& program);
 
 } // namespace vantrel

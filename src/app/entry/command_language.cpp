@@ -8,18 +8,14 @@
 
 namespace vantrel {
 
-bool commandLineUsesEnglish() {
-    static const bool english = [] {
+std::string said(std::string_view english, std::string_view chinese) {
+    static const bool usesEnglishHere = [] {
         const auto document = readFile(FileUserDefaults::userFolder() / preferencesKey);
         const auto stored = document ? usablePreferences(*document) : std::nullopt;
         return usesEnglish(EnvironmentLocale().preferredLanguages(),
                            stored.value_or(AppPreferences()).language);
     }();
-    return english;
-}
-
-std::string said(std::string_view english, std::string_view chinese) {
-    return std::string(commandLineUsesEnglish() ? english : chinese);
+    return std::string(usesEnglishHere ? english : chinese);
 }
 
 } // namespace vantrel

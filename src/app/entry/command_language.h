@@ -5,11 +5,8 @@
 
 namespace vantrel {
 
-// Whether the command line speaks English, by the rule of the windows: as the stored settings say,
-// else as the desktop prefers. Decided once in a process.
-[[nodiscard]] bool commandLineUsesEnglish();
-
-// The text in that language.
+// The text in the language of the command line, which is found by the rule of the windows: as the
+// stored settings say, else as the desktop prefers. Decided once in a process.
 [[nodiscard]] std::string said(std::string_view english, std::string_view chinese);
 
 } // namespace vantrel

@@ -36,11 +36,11 @@ constexpr std::string_view chineseWaylandRemark =
     "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
     "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
 
-constexpr std::chrono::seconds patienceWithBus(1);
+constexpr std::chrono::seconds busTimeout(1);
 
 void prepareToolkit() {
     // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
-    if (sessionBusIsSilent(patienceWithBus)) {
+    if (sessionBusIsSilent(busTimeout)) {
         const auto remark = said("vantrel: the session bus does not answer; going on without it\n",
                                  "vantrel: 会话总线没有响应；将不使用会话总线\n");
         std::fputs(remark.c_str(), stderr);
@@ -112,16 +112,16 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
 }
 
 int runProgram(const Start& start) {
-    std::optional<ServerPatience> serverPatience(std::in_place);
-    std::string error;
-    const auto connection = x11::Connection::open({}, error, commandLineUsesEnglish());
+    std::optional<ServerTimeout> serverTimeout(std::in_place);
+    x11::ConnectionError error;
+    const auto connection = x11::Connection::open({}, error);
     if (!connection) {
-        return report(failure(error));
+        return report(failure(said(error.english, error.chinese)));
     }
     while (true) {
         CommandSocket commands;
         if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
-            serverPatience.reset();
+            serverTimeout.reset();
             return runAsInstance(*connection, commands, start);
         }
         if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {

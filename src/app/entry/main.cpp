@@ -64,7 +64,7 @@ constexpr std::string_view chineseUsage =
     "\n"
     "退出状态：0 完成，1 失败，2 无法理解，3 Vantrel 未在此显示器上运行。";
 
-constexpr std::chrono::seconds patienceWithStart(30);
+constexpr std::chrono::seconds startTimeout(30);
 
 using Status = CommandAnswer::Status;
 
@@ -104,10 +104,11 @@ int runProgram(const Start& start) {
 
 // Nothing when no instance runs.
 std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
-    const ServerPatience serverPatience;
-    std::string error;
-    const auto connection = x11::Connection::open({}, error, commandLineUsesEnglish());
-    return connection ? askRunningInstance(*connection, words, command) : failure(error);
+    const ServerTimeout serverTimeout;
+    x11::ConnectionError error;
+    const auto connection = x11::Connection::open({}, error);
+    return connection ? askRunningInstance(*connection, words, command)
+                      : failure(said(error.english, error.chinese));
 }
 
 int runCommand(const Start& start) {
@@ -118,7 +119,7 @@ int runCommand(const Start& start) {
         return report({.status = Status::notRunning,
                        .text = said("not running on this display", "未在此显示器上运行")});
     }
-    return runInBackground(patienceWithStart, [&start](std::function<void()> ready) {
+    return runInBackground(startTimeout, [&start](std::function<void()> ready) {
         Start again = start;
         again.launched = std::move(ready);
         return runProgram(again);

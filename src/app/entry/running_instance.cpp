@@ -19,8 +19,8 @@ namespace vantrel {
 
 namespace {
 
-constexpr std::chrono::seconds patience(5);
-constexpr std::chrono::seconds patienceWithServer(7); // longer, as it includes the former
+constexpr std::chrono::seconds answerTimeout(5);
+constexpr std::chrono::seconds serverTimeout(7); // longer, as it includes the former
 constexpr std::chrono::milliseconds retryInterval(10);
 
 using Status = CommandAnswer::Status;
@@ -44,7 +44,7 @@ CommandCall::Outcome<CommandAnswer> askAt(const std::string& address, const Comm
 
 } // namespace
 
-ServerPatience::ServerPatience() {
+ServerTimeout::ServerTimeout() {
     // Nothing may be allocated once the signal comes.
     static const std::string message =
         said("vantrel: no answer from the X server\n", "vantrel: X 服务器没有响应\n");
@@ -52,23 +52,23 @@ ServerPatience::ServerPatience() {
         [[maybe_unused]] const auto written = write(STDERR_FILENO, message.data(), message.size());
         _exit(EXIT_FAILURE);
     });
-    alarm(static_cast<unsigned>(patienceWithServer.count()));
+    alarm(static_cast<unsigned>(serverTimeout.count()));
 }
 
-ServerPatience::~ServerPatience() {
+ServerTimeout::~ServerTimeout() {
     alarm(0);
     std::signal(SIGALRM, SIG_DFL);
 }
 
 std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,
                                                 const CommandWords& words, const Command& command) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + answerTimeout;
     while (const auto address = x11::Instance::find(connection)) {
         const auto outcome = askAt(*address, words, command, deadline);
         if (const auto* answer = std::get_if<CommandAnswer>(&outcome)) {
             return *answer;
         }
-        if (std::get<Failure>(outcome) == Failure::stranger) {
+        if (std::get<Failure>(outcome) == Failure::otherUser) {
             return failure(said("another user is already running Vantrel on this display",
                                 "其他用户已在此显示器上运行 Vantrel"));
         }

@@ -11,12 +11,12 @@ namespace vantrel {
 
 // Ends the process, with a word, when the X server hangs: it is waited for at every turn, without
 // an end. Until this is destroyed.
-class ServerPatience {
+class ServerTimeout {
 public:
-    ServerPatience();
-    ~ServerPatience();
-    ServerPatience(const ServerPatience&) = delete;
-    ServerPatience& operator=(const ServerPatience&) = delete;
+    ServerTimeout();
+    ~ServerTimeout();
+    ServerTimeout(const ServerTimeout&) = delete;
+    ServerTimeout& operator=(const ServerTimeout&) = delete;
 };
 
 // Gives a command to the instance that runs on this display. Nothing when none runs, or when it was

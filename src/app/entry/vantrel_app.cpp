@@ -16,7 +16,7 @@ VantrelApp::VantrelApp(x11::Connection& connection, CommandSocket& commands, con
       commands_(commands),
       x11_(connection),
       loginItem_(runningExecutable()),
-      delegate_(appDesktop(), viewDesktop(), shellDesktop()) {
+      delegate_(desktop()) {
     delegate_.applicationDidFinishLaunching(command);
     observeDesktop();
     // Those that came in the meantime have their turn after the launch.
@@ -32,32 +32,26 @@ VantrelApp::~VantrelApp() {
     end();
 }
 
-AppDesktop VantrelApp::appDesktop() {
-    return {.overlay = OverlayDesktop::of(x11_),
-            .hotKeys = x11_.hotKeys,
-            .mainQueue = mainQueue_,
-            .loginItem = loginItem_,
-            .workspace = workspace_,
-            .bundle = bundle_,
-            .locale = locale_};
-}
-
-ViewDesktop VantrelApp::viewDesktop() {
+Desktop VantrelApp::desktop() {
     return {.clock = x11_.clock,
-            .cursors = cursors_,
+            .mainQueue = mainQueue_,
             .screens = x11_.screens,
+            .displayLinks = x11_.displayLinks,
+            .cursors = cursors_,
+            .pointer = x11_.pointer,
+            .eventMonitors = x11_.eventMonitors,
+            .keyboard = x11_.keyboard,
+            .hotKeys = x11_.hotKeys,
+            .overlayWindows = x11_.overlayWindows,
+            .transaction = x11_.transaction,
+            .locale = locale_,
             .bundle = bundle_,
             .userDefaults = defaults_,
-            .keyboard = x11_.keyboard,
+            .loginItem = loginItem_,
+            .workspace = workspace_,
+            .statusItem = statusItem_,
             .alertSound = x11_.alertSound,
-            .terminate = [this] { quit(); },
-            .inWaylandSession = connection_.isXwayland()};
-}
-
-ShellDesktop VantrelApp::shellDesktop() {
-    return {.userDefaults = defaults_, .statusItem = statusItem_, .activate = [this](WId window) {
-                x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
-            }};
+            .application = *this};
 }
 
 void VantrelApp::observeDesktop() {
@@ -66,9 +60,9 @@ void VantrelApp::observeDesktop() {
     subscriptions_.push_back(workspace_.onWillShutDown([this] {
         delegate_.sleep();
         defaults_.flush();
-        quit();
+        terminate();
     }));
-    subscriptions_.push_back(connection_.lost.add([this] { quit(); }));
+    subscriptions_.push_back(connection_.lost.add([this] { terminate(); }));
     QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &delegate_,
                      [this](Qt::ApplicationState state) {
                          if (state == Qt::ApplicationActive) {
@@ -123,8 +117,16 @@ RemoteControl VantrelApp::remoteControl() {
 }
 
 // Also from within an event loop that has not been started yet.
-void VantrelApp::quit() {
+void VantrelApp::terminate() {
     mainQueue_.async([] { QCoreApplication::exit(); });
+}
+
+void VantrelApp::activate(WId window) {
+    x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
+}
+
+bool VantrelApp::inWaylandSession() const {
+    return connection_.isXwayland();
 }
 
 void VantrelApp::end() {

@@ -22,13 +22,13 @@ namespace vantrel {
 
 // The program on this machine's desktop, from its launch to its end. Needs the toolkit's
 // application object.
-class VantrelApp {
+class VantrelApp final : private Application {
 public:
     // The connection and the socket, on which it takes commands, must outlive it. The callback
     // comes once, when the command that it was started for was carried out.
     VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
                std::function<void()> launched);
-    ~VantrelApp();
+    ~VantrelApp() override;
     VantrelApp(const VantrelApp&) = delete;
     VantrelApp& operator=(const VantrelApp&) = delete;
 
@@ -38,13 +38,13 @@ public:
     [[nodiscard]] bool isSaved() const { return saved_; }
 
 private:
-    [[nodiscard]] AppDesktop appDesktop();
-    [[nodiscard]] ViewDesktop viewDesktop();
-    [[nodiscard]] ShellDesktop shellDesktop();
+    void terminate() override;
+    void activate(WId window) override;
+    [[nodiscard]] bool inWaylandSession() const override;
+    [[nodiscard]] Desktop desktop();
     [[nodiscard]] RemoteControl remoteControl();
     void takeCommands();
     void observeDesktop();
-    void quit();
 
     x11::Connection& connection_;
     CommandSocket& commands_;

@@ -24,28 +24,27 @@ constexpr auto settingsShortcut = "Ctrl+,";
 
 } // namespace
 
-AppDelegate::AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell)
-    : app_(app),
-      shell_(shell),
-      store_(shell.userDefaults, std::string(preferencesKey)),
-      state_(store_, app),
-      view_(state_, views),
-      popover_(app.overlay.eventMonitors, app.overlay.clock) {}
+AppDelegate::AppDelegate(const Desktop& desktop)
+    : desktop_(desktop),
+      store_(desktop.userDefaults, std::string(preferencesKey)),
+      state_(store_, desktop),
+      view_(state_, desktop),
+      popover_(desktop.eventMonitors, desktop.clock) {}
 
 void AppDelegate::applicationDidFinishLaunching(const Command& command) {
-    shell_.statusItem.setAction([this] { togglePopover(); });
+    desktop_.statusItem.setAction([this] { togglePopover(); });
     listenForShortcuts(popover_);
     state_.openWindow = [this](AppWindow window) { open(window); };
     observeMode();
     view_.follow(this, [this] { updateMenu(); });
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::noteUse);
     later([this, command] { launch(command); });
-    subscriptions_.push_back(app_.workspace.onWillSleep([this] { sleep(); }));
-    subscriptions_.push_back(app_.workspace.onDidWake([this] { wake(); }));
+    subscriptions_.push_back(desktop_.workspace.onWillSleep([this] { sleep(); }));
+    subscriptions_.push_back(desktop_.workspace.onDidWake([this] { wake(); }));
 }
 
 void AppDelegate::later(std::function<void()> task) {
-    app_.mainQueue.async([self = QPointer(this), task = std::move(task)] {
+    desktop_.mainQueue.async([self = QPointer(this), task = std::move(task)] {
         if (self) {
             task();
         }
@@ -60,7 +59,7 @@ void AppDelegate::launch(const Command& command) {
     state_.startUp();
     if (command.opensSettings()) {
         open(AppWindow::settings);
-    } else if (!shell_.userDefaults.boolean(welcomeDismissedKey)) {
+    } else if (!desktop_.userDefaults.boolean(welcomeDismissedKey)) {
         open(AppWindow::welcome);
     }
 }
@@ -85,7 +84,7 @@ CommandAnswer AppDelegate::carryOut(const Command& command) {
     case Command::Action::reportStatusAsJson:
         return {.text = toJson(status())};
     case Command::Action::quit:
-        view_.desktop().terminate();
+        desktop_.application.terminate();
         break;
     }
     if (command.withSettings) {
@@ -95,7 +94,7 @@ CommandAnswer AppDelegate::carryOut(const Command& command) {
 }
 
 ProgramStatus AppDelegate::status() const {
-    return programStatus(state_, app_.bundle);
+    return programStatus(state_, desktop_.bundle);
 }
 
 void AppDelegate::observeMode() {
@@ -112,7 +111,7 @@ void AppDelegate::observeMode() {
 void AppDelegate::showMode() {
     const auto mode = state_.mode().get();
     if (std::exchange(shownMode_, mode) != mode) {
-        shell_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
+        desktop_.statusItem.setImage(statusIcon(mode), statusDescription(mode));
     }
 }
 
@@ -134,7 +133,7 @@ void AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
         }
     }
     if (front != nullptr) {
-        showActive(*front, shell_.activate);
+        showActive(*front, desktop_.application);
     }
 }
 
@@ -162,15 +161,13 @@ void AppDelegate::open(AppWindow window) {
     const QSize size = contentSizeOf(window);
     auto& place = windows_[key];
     if (place) {
-        showActive(*place, shell_.activate);
+        showActive(*place, desktop_.application);
         return;
     }
     place = makeWindow(size, makeContent(window).release());
     listenForShortcuts(*place);
-    showActive(*place, [this, made = place.get(), size = size](WId id) {
-        placeWithFrame(*made, size);
-        shell_.activate(id);
-    });
+    showActive(*place, desktop_.application,
+               [made = place.get(), size] { placeWithFrame(*made, size); });
 }
 
 void AppDelegate::noteUse(const QWindow* focused) {
@@ -236,11 +233,8 @@ void AppDelegate::showPopover() {
     if (!popover_.hasContent()) {
         popover_.setContent(new MenuPanel(view_));
     }
-    popover_.placeAt(shell_.statusItem.place());
-    showActive(popover_, [this](WId id) {
-        popover_.place();
-        shell_.activate(id);
-    });
+    popover_.placeAt(desktop_.statusItem.place());
+    showActive(popover_, desktop_.application, [this] { popover_.place(); });
 }
 
 void AppDelegate::resizePopover() {
@@ -249,7 +243,6 @@ void AppDelegate::resizePopover() {
 
 std::vector<MenuEntry> AppDelegate::menu() {
     const auto say = [this](const Text& text) { return view_.say(text).toStdString(); };
-    const auto terminate = view_.desktop().terminate;
     std::vector<MenuEntry> entries;
     for (const auto mode : allCases<CursorMode>()) {
         entries.push_back({.title = state_.title(mode),
@@ -267,7 +260,8 @@ std::vector<MenuEntry> AppDelegate::menu() {
     entries.push_back(
         {.title = say({"Help", "帮助"}), .action = [this] { open(AppWindow::help); }});
     entries.push_back({});
-    entries.push_back({.title = say({"Quit", "退出"}), .action = terminate});
+    entries.push_back(
+        {.title = say({"Quit", "退出"}), .action = [this] { desktop_.application.terminate(); }});
     return entries;
 }
 
@@ -275,7 +269,7 @@ void AppDelegate::updateMenu() {
     auto entries = menu();
     if (!std::ranges::equal(entries, shownMenu_, &MenuEntry::looksLike)) {
         shownMenu_ = entries;
-        shell_.statusItem.setMenu(std::move(entries));
+        desktop_.statusItem.setMenu(std::move(entries));
     }
 }
 

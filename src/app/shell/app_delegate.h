@@ -4,8 +4,8 @@
 #include "app/state/app_state.h"
 #include "app/state/command.h"
 #include "app/state/program_status.h"
-#include "platform/command_answer.h"
-#include "platform/status_item.h"
+#include "platform/control.h"
+#include "platform/desktop.h"
 #include "ui/components/toolkit_language.h"
 #include "ui/components/view_context.h"
 
@@ -19,20 +19,12 @@
 
 namespace vantrel {
 
-// What the shell asks of the desktop, besides what the state and the views do.
-struct ShellDesktop {
-    UserDefaults& userDefaults;
-    StatusItem& statusItem;
-    // Brings a window that is on the screen to the front and gives it the keyboard.
-    std::function<void(WId)> activate;
-};
-
 // The program around its state: the status item with its menu and its popover, the windows, and
 // what the desktop announces.
 class AppDelegate final : public QObject {
 public:
     // The desktop must outlive the delegate.
-    AppDelegate(const AppDesktop& app, const ViewDesktop& views, const ShellDesktop& shell);
+    explicit AppDelegate(const Desktop& desktop);
 
     // Once, with the command that the program was started for. What it opens or switches on comes
     // in a later turn of the main queue.
@@ -74,8 +66,7 @@ private:
     void listenForShortcuts(QWidget& window);
     void noteUse(const QWindow* focused);
 
-    AppDesktop app_;
-    ShellDesktop shell_;
+    const Desktop desktop_;
     SettingsStore store_;
     AppState state_;
     ViewContext view_;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/clock.h"
-#include "platform/event_monitors.h"
+#include "platform/input.h"
+#include "platform/time.h"
 
 #include <QTimer>
 #include <QWidget>

@@ -32,14 +32,17 @@ private:
 
 } // namespace
 
-void showActive(QWidget& window, const std::function<void(WId)>& activate) {
+void showActive(QWidget& window, Application& application, std::function<void()> shown) {
     // A window on another workspace is known to the desktop, though it is not exposed.
     const bool wasShown = window.isVisible() && !window.isMinimized();
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
     window.activateWindow();
-    const auto now = [&window, activate] { activate(window.winId()); };
+    const auto now = [&window, &application, shown = std::move(shown)] {
+        shown();
+        application.activate(window.winId());
+    };
     if (wasShown || window.windowHandle()->isExposed()) {
         now();
     } else {

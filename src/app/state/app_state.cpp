@@ -4,12 +4,12 @@
 
 namespace vantrel {
 
-AppState::AppState(SettingsStore& store, const AppDesktop& desktop)
+AppState::AppState(SettingsStore& store, const Desktop& desktop)
     : store_(store),
       desktop_(desktop),
       preferences_(store.load()),
-      overlays_(desktop.overlay),
-      clicks_(ClickMonitor::operationsOf(desktop.overlay.eventMonitors)),
+      overlays_(desktop),
+      clicks_(ClickMonitor::operationsOf(desktop.eventMonitors)),
       hotkeys_(desktop.hotKeys) {
     // Both are members: neither can call when this object is gone.
     clicks_.onClick = [this](MouseButton button, GlobalPoint point) {

@@ -4,12 +4,7 @@
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
 #include "overlay/overlay_window_manager.h"
-#include "platform/bundle.h"
-#include "platform/hot_keys.h"
-#include "platform/locale.h"
-#include "platform/login_item.h"
-#include "platform/main_queue.h"
-#include "platform/workspace.h"
+#include "platform/desktop.h"
 #include "preferences/release_links.h"
 #include "preferences/settings_store.h"
 
@@ -37,29 +32,6 @@ struct CasesOf<SettingsTab> {
 // The windows that can be asked for.
 enum class AppWindow : std::uint8_t { settings, welcome, help };
 
-// What the application state needs of a desktop.
-struct AppDesktop {
-    OverlayDesktop overlay;
-    HotKeys& hotKeys;
-    MainQueue& mainQueue;
-    LoginItem& loginItem;
-    Workspace& workspace;
-    const Bundle& bundle;
-    const Locale& locale;
-
-    // Of one object that holds all of it under these names, as the desktop in memory does.
-    template <typename Desktop>
-    [[nodiscard]] static AppDesktop of(Desktop& desktop) {
-        return {.overlay = OverlayDesktop::of(desktop),
-                .hotKeys = desktop.hotKeys,
-                .mainQueue = desktop.mainQueue,
-                .loginItem = desktop.loginItem,
-                .workspace = desktop.workspace,
-                .bundle = desktop.bundle,
-                .locale = desktop.locale};
-    }
-};
-
 // The one coordinator of the running application. It owns the live preferences, the mode and what
 // acts on the desktop for them, and every change goes through it.
 class AppState {
@@ -69,7 +41,7 @@ public:
 
     // Loads the preferences and registers the shortcuts; shows nothing yet. The store and the
     // desktop must outlive the state.
-    AppState(SettingsStore& store, const AppDesktop& desktop);
+    AppState(SettingsStore& store, const Desktop& desktop);
     ~AppState() = default;
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
@@ -134,7 +106,7 @@ private:
     [[nodiscard]] std::string chosen(std::string_view english, std::string_view chinese) const;
 
     SettingsStore& store_;
-    AppDesktop desktop_;
+    const Desktop desktop_;
     Observable<AppPreferences> preferences_;
     Observable<CursorMode> mode_{CursorMode::off};
     Observable<bool> clickAvailable_{false};

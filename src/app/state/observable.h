@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/observers.h"
+#include "platform/subscription.h"
 
 #include <functional>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/state/app_state.h"
-#include "platform/remote_control.h"
+#include "platform/control.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/login_item.h"
+#include "platform/session.h"
 
 #include <filesystem>
 #include <optional>

@@ -41,63 +41,6 @@ QVariantMap valuesFor(const MenuEntry& entry) {
 
 } // namespace
 
-// What the types are on the bus is found by their names.
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuProperties& entry) {
-    argument.beginStructure();
-    argument << entry.id << entry.values;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuProperties& entry) {
-    argument.beginStructure();
-    argument >> entry.id >> entry.values;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& layout) {
-    argument.beginStructure();
-    argument << layout.entry.id << layout.entry.values << layout.below;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& layout) {
-    argument.beginStructure();
-    argument >> layout.entry.id >> layout.entry.values >> layout.below;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovals& removals) {
-    argument.beginStructure();
-    argument << removals.id << removals.names;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovals& removals) {
-    argument.beginStructure();
-    argument >> removals.id >> removals.names;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& event) {
-    argument.beginStructure();
-    argument << event.id << event.name << event.data << event.time;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& event) {
-    argument.beginStructure();
-    argument >> event.id >> event.name >> event.data >> event.time;
-    argument.endStructure();
-    return argument;
-}
-
 BusMenu::BusMenu(QObject* object) : QDBusAbstractAdaptor(object) {
     qDBusRegisterMetaType<BusMenuProperties>();
     qDBusRegisterMetaType<QList<BusMenuProperties>>();

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/status_item.h"
+#include "platform/freedesktop/bus_structure.h"
+#include "platform/shell.h"
 
 #include <QDBusAbstractAdaptor>
-#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusVariant>
 #include <QList>
@@ -19,15 +19,23 @@ namespace vantrel {
 struct BusMenuProperties {
     int id = 0;
     QVariantMap values{};
+
+    static auto members(auto& self) { return std::tie(self.id, self.values); }
 };
 struct BusMenuLayout {
     BusMenuProperties entry;
     QVariantList below{};
+
+    static auto members(auto& self) {
+        return std::tie(self.entry.id, self.entry.values, self.below);
+    }
 };
 // The names of what an entry no longer has: (ias).
 struct BusMenuRemovals {
     int id = 0;
     QStringList names{};
+
+    static auto members(auto& self) { return std::tie(self.id, self.names); }
 };
 // What happened to an entry: (isvu).
 struct BusMenuEvent {
@@ -35,6 +43,8 @@ struct BusMenuEvent {
     QString name;
     QDBusVariant data;
     uint time = 0;
+
+    static auto members(auto& self) { return std::tie(self.id, self.name, self.data, self.time); }
 };
 
 // The interface com.canonical.dbusmenu, by which panels show the menus of other programs. The

@@ -73,8 +73,8 @@ void askSystemBus(QObject* context, const std::function<void(bool answers)>& ans
     }
     auto* reply = new QSocketNotifier(descriptor->get(), QSocketNotifier::Read, context);
     QObject::connect(reply, &QSocketNotifier::activated, context, [reply, descriptor, answer] {
-        char word = 0;
-        const auto count = recv(descriptor->get(), &word, sizeof word, 0);
+        char byte = 0;
+        const auto count = recv(descriptor->get(), &byte, sizeof byte, 0);
         reply->setEnabled(false);
         reply->deleteLater();
         answer(count > 0);

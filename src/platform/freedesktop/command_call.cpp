@@ -28,7 +28,7 @@ CommandCall::Outcome<CommandCall> CommandCall::open(const std::string& address) 
         return Failure::gone;
     }
     if (!isOfSameUser(socket.get())) {
-        return Failure::stranger;
+        return Failure::otherUser;
     }
     return CommandCall(std::move(socket));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/command_answer.h"
+#include "platform/control.h"
 #include "platform/freedesktop/unique_descriptor.h"
 
 #include <chrono>
@@ -20,7 +20,7 @@ public:
     enum class Failure : std::uint8_t {
         unanswered, // in time
         gone,       // the program has ended, or takes no commands there
-        stranger,   // a process of another user takes them
+        otherUser,  // a process of another user takes them
     };
     template <typename T>
     using Outcome = std::variant<T, Failure>;

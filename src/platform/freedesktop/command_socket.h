@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/command_answer.h"
+#include "platform/control.h"
 #include "platform/freedesktop/command_call.h"
 #include "platform/freedesktop/unique_descriptor.h"
 

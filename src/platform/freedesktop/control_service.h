@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/remote_control.h"
+#include "platform/control.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/login_manager.h"
-#include "platform/workspace.h"
+#include "platform/session.h"
 
 namespace vantrel {
 

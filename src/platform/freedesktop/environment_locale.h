@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/locale.h"
+#include "platform/session.h"
 
 #include <string>
 

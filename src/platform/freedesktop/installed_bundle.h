@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/bundle.h"
+#include "platform/session.h"
 
 namespace vantrel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/unique_descriptor.h"
-#include "platform/main_queue.h"
+#include "platform/time.h"
 
 #include <QSocketNotifier>
 #include <chrono>

@@ -34,35 +34,6 @@ BusPicture pictureOf(const QImage& image) {
 
 } // namespace
 
-// What the types are on the bus is found by their names.
-QDBusArgument& operator<<(QDBusArgument& argument, const BusPicture& picture) {
-    argument.beginStructure();
-    argument << picture.width << picture.height << picture.pixels;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusPicture& picture) {
-    argument.beginStructure();
-    argument >> picture.width >> picture.height >> picture.pixels;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const BusToolTip& toolTip) {
-    argument.beginStructure();
-    argument << toolTip.iconName << toolTip.pictures << toolTip.title << toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, BusToolTip& toolTip) {
-    argument.beginStructure();
-    argument >> toolTip.iconName >> toolTip.pictures >> toolTip.title >> toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-
 StatusNotifierAdaptor::StatusNotifierAdaptor(QObject* object, std::function<void()> activated)
     : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {
     qDBusRegisterMetaType<BusPicture>();

@@ -3,7 +3,6 @@
 #include "platform/freedesktop/bus_menu.h"
 
 #include <QDBusAbstractAdaptor>
-#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QIcon>
@@ -21,6 +20,8 @@ struct BusPicture {
     int width = 0;
     int height = 0;
     QByteArray pixels{};
+
+    static auto members(auto& self) { return std::tie(self.width, self.height, self.pixels); }
 };
 using BusPictures = QList<BusPicture>;
 
@@ -30,6 +31,10 @@ struct BusToolTip {
     BusPictures pictures{};
     QString title{};
     QString text{};
+
+    static auto members(auto& self) {
+        return std::tie(self.iconName, self.pictures, self.title, self.text);
+    }
 };
 
 // The interface org.kde.StatusNotifierItem, by which panels show the items of other programs. The

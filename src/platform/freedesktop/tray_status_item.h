@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/status_notifier.h"
-#include "platform/status_item.h"
-#include "platform/system_tray.h"
+#include "platform/shell.h"
 
 #include <QActionGroup>
 #include <QMenu>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/alert_sound.h"
+#include "platform/shell.h"
 #include "platform/x11/connection.h"
 
 namespace vantrel::x11 {

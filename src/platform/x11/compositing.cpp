@@ -15,7 +15,7 @@ namespace {
 constexpr int shortestInterval = 4;
 constexpr int longestInterval = 2000;
 // How long a mark waits before it is shown in the way that needs no manager.
-constexpr int patience = 400;
+constexpr int answerTimeout = 400;
 
 } // namespace
 
@@ -130,7 +130,7 @@ void Compositing::take(bool blends) {
     const int interval = std::clamp(unanswered_, shortestInterval, longestInterval);
     unanswered_ += interval;
     asking_.start(interval);
-    const bool waits = blending_ == Blending::awaited && unanswered_ < patience;
+    const bool waits = blending_ == Blending::awaited && unanswered_ < answerTimeout;
     setBlending(waits ? Blending::awaited : Blending::no);
 }
 

@@ -37,16 +37,19 @@ bool isAtLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMaj
 
 } // namespace
 
-std::unique_ptr<Connection> Connection::open(const std::string& displayName, std::string& error,
-                                             bool inEnglish) {
+std::unique_ptr<Connection> Connection::open(const std::string& displayName,
+                                             ConnectionError& error) {
     int screenNumber = 0;
     const char* environment = std::getenv("DISPLAY");
     const auto name =
         displayName.empty() && environment != nullptr ? std::string(environment) : displayName;
     auto* xcb = xcb_connect(name.empty() ? nullptr : name.c_str(), &screenNumber);
     std::unique_ptr<Connection> connection(new Connection(xcb, name, screenNumber));
-    error = connection->prepare(inEnglish);
-    return error.empty() ? std::move(connection) : nullptr;
+    if (auto missing = connection->prepare()) {
+        error = std::move(*missing);
+        return nullptr;
+    }
+    return connection;
 }
 
 Connection::Connection(xcb_connection_t* connection, std::string displayName, int screenNumber)
@@ -59,26 +62,22 @@ Connection::~Connection() {
     xcb_disconnect(connection_);
 }
 
-// Returns what is missing.
-std::string Connection::prepare(bool inEnglish) {
-    const auto lacks = [inEnglish](const std::string& what) {
-        return (inEnglish ? "the X server lacks " : "X 服务器缺少 ") + what;
-    };
+std::optional<ConnectionError> Connection::prepare() {
     if (xcb_connection_has_error(connection_) != 0) {
         return displayName_.empty()
-                   ? (inEnglish ? "cannot connect to an X server: DISPLAY is not set"
-                                : "无法连接 X 服务器：未设置 DISPLAY")
-                   : (inEnglish ? "cannot connect to the X server \"" : "无法连接 X 服务器 \"") +
-                         displayName_ + "\"";
+                   ? ConnectionError{"cannot connect to an X server: DISPLAY is not set",
+                                     "无法连接 X 服务器：未设置 DISPLAY"}
+                   : ConnectionError{"cannot connect to the X server \"" + displayName_ + "\"",
+                                     "无法连接 X 服务器 \"" + displayName_ + "\""};
     }
     screen_ = screenAt(connection_, screenNumber_);
     if (screen_ == nullptr) {
-        return inEnglish ? "the X server has no such screen" : "X 服务器没有该屏幕";
+        return ConnectionError{"the X server has no such screen", "X 服务器没有该屏幕"};
     }
     if (std::ranges::find(usableDepths, screen_->root_depth) == usableDepths.end()) {
         const auto depth = std::to_string(screen_->root_depth);
-        return inEnglish ? "the X server's screen has an unusual depth of " + depth + " bits"
-                         : "X 服务器的屏幕使用不支持的色深：" + depth + " 位";
+        return ConnectionError{"the X server's screen has an unusual depth of " + depth + " bits",
+                               "X 服务器的屏幕使用不支持的色深：" + depth + " 位"};
     }
     rootSize_ = QSize(screen_->width_in_pixels, screen_->height_in_pixels);
     selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -89,7 +88,9 @@ std::string Connection::prepare(bool inEnglish) {
         findArgbVisual();
         missing = outdatedExtension();
     }
-    return missing.empty() ? missing : lacks(missing);
+    return missing.empty() ? std::nullopt
+                           : std::optional(ConnectionError{"the X server lacks " + missing,
+                                                           "X 服务器缺少 " + missing});
 }
 
 // A request of an extension that is not there would end the connection.
@@ -140,26 +141,13 @@ std::string Connection::outdatedExtension() {
 }
 
 void Connection::internAtoms() {
-    const auto number = std::to_string(screenNumber_);
+    const std::string none;
+    const auto screen = std::to_string(screenNumber_);
+    const auto user = std::to_string(getuid());
     const std::array<std::string, static_cast<std::size_t>(Atom::count)> names{
-        "_NET_WM_CM_S" + number,
-        "_NET_WM_WINDOW_TYPE",
-        "_NET_WM_WINDOW_TYPE_DND",
-        "_NET_WM_BYPASS_COMPOSITOR",
-        "_COMPTON_SHADOW",
-        "_NET_WORKAREA",
-        "_NET_CURRENT_DESKTOP",
-        "RESOURCE_MANAGER",
-        "_XSETTINGS_S" + number,
-        "_XSETTINGS_SETTINGS",
-        "MANAGER",
-        "UTF8_STRING",
-        "_NET_WM_NAME",
-        "_NET_SYSTEM_TRAY_S" + number,
-        "_NET_ACTIVE_WINDOW",
-        "_NET_WM_DESKTOP",
-        "_VANTREL_INSTANCE_" + std::to_string(getuid()),
-        "_VANTREL_ADDRESS",
+#define VANTREL_ATOM_NAME(atom, name, number) name + number,
+        VANTREL_ATOMS(VANTREL_ATOM_NAME)
+#undef VANTREL_ATOM_NAME
     };
     std::array<xcb_intern_atom_cookie_t, names.size()> cookies{};
     std::ranges::transform(names, cookies.begin(), [this](const std::string& name) {
@@ -265,7 +253,7 @@ void Connection::noteRootSize(const xcb_generic_event_t& event) {
     }
 }
 
-bool Connection::deliverGulp() {
+bool Connection::deliverBatch() {
     bool any = false;
     auto event = std::exchange(ahead_, nullptr);
     if (!event) {
@@ -286,9 +274,9 @@ void Connection::dispatch() {
     // Enough for what answers bring along; each turn of the event loop takes time of its own.
     constexpr int most = 8;
     dispatching_ = true;
-    for (int gulps = 0; gulps < most; ++gulps) {
+    for (int batches = 0; batches < most; ++batches) {
         beginTurn();
-        if (!deliverGulp()) {
+        if (!deliverBatch()) {
             break;
         }
         forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/observers.h"
 #include "platform/subscription.h"
+#include "platform/x11/atoms.h"
 
 #include <QSize>
 
@@ -40,35 +40,18 @@ public:
     virtual void eventsDrained() {}
 };
 
-enum class Atom : std::uint8_t {
-    compositingManager, // _NET_WM_CM_Sn of this screen
-    windowType,
-    windowTypeDnd,
-    bypassCompositor,
-    noShadow,
-    workArea,
-    currentDesktop,
-    resourceManager,
-    xsettings, // _XSETTINGS_Sn of this screen
-    xsettingsSettings,
-    manager,
-    utf8String,
-    netWmName,
-    systemTray, // _NET_SYSTEM_TRAY_Sn of this screen
-    activeWindow,
-    windowDesktop,
-    instance, // of this program for this user
-    instanceAddress,
-    count,
+// Why there is no connection, in both languages of the interface.
+struct ConnectionError {
+    std::string english;
+    std::string chinese;
 };
 
 // The connection to the X server, with what was asked about it at the start.
 class Connection {
 public:
-    // Null with a line that says why: no server, or one that lacks what the overlays need. An empty
-    // name means the display of the environment. The line is in English or in Chinese.
-    static std::unique_ptr<Connection> open(const std::string& displayName, std::string& error,
-                                            bool inEnglish = true);
+    // Null with an error: no server, or one that lacks what the overlays need. An empty name means
+    // the display of the environment.
+    static std::unique_ptr<Connection> open(const std::string& displayName, ConnectionError& error);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -96,15 +79,15 @@ public:
     // Adds to what the root window reports, whoever else wants something of it.
     void selectRootEvents(std::uint32_t mask);
 
-    // Handles what has arrived, in gulps, and sends what that led to. When much arrives meanwhile,
-    // some is left for the next time: a server that always has something to say must not hold up
-    // the rest.
+    // Handles what has arrived, in batches, and sends what that led to. When much arrives
+    // meanwhile, some is left for the next time: a server that always has something to say must not
+    // hold up the rest.
     void dispatch();
     // Whether events wait in memory, where the descriptor does not tell of them.
     [[nodiscard]] bool hasQueuedEvents();
 
-    // Goes up with each gulp, and when the event loop is about to wait. What the server has said in
-    // an earlier turn may have changed since.
+    // Goes up with each batch, and when the event loop is about to wait. What the server has said
+    // in an earlier turn may have changed since.
     [[nodiscard]] std::uint64_t turn() const { return turn_; }
     void beginTurn() { ++turn_; }
 
@@ -115,12 +98,12 @@ public:
 private:
     Connection(xcb_connection_t* connection, std::string displayName, int screenNumber);
 
-    std::string prepare(bool inEnglish);
+    [[nodiscard]] std::optional<ConnectionError> prepare();
     std::string missingExtension();
     std::string outdatedExtension();
     void internAtoms();
     void findArgbVisual();
-    bool deliverGulp();
+    bool deliverBatch();
     void deliver(const xcb_generic_event_t& event);
     void uncheckedError(const xcb_generic_error_t& error) const;
     void noteRootSize(const xcb_generic_event_t& event);

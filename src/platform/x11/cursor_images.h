@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cursor_image.h"
+#include "platform/display.h"
 #include "platform/x11/connection.h"
 
 #include <string>
@@ -24,7 +24,7 @@ struct CursorSources {
     QSize screen;                   // pixels
 };
 
-// The first source that has a word on it counts; the size is otherwise that of a program that is
+// The first source that names one counts; the size is otherwise that of a program that is
 // told nothing.
 [[nodiscard]] CursorTheme chooseCursorTheme(const CursorSources& sources);
 

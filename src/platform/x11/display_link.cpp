@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // How long the server may leave out vertical blanks before a timer takes over.
-constexpr auto patience = 500ms;
+constexpr auto blankTimeout = 500ms;
 
 class X11DisplayLink final : public DisplayLink, private EventHandler {
 public:
@@ -64,7 +64,7 @@ X11DisplayLink::X11DisplayLink(Connection& connection, QRect display, double rat
     createWindow(display);
     requestBlank();
     QObject::connect(&lifeCheck_, &QTimer::timeout, [this] { checkLife(); });
-    lifeCheck_.start(patience);
+    lifeCheck_.start(blankTimeout);
 }
 
 X11DisplayLink::~X11DisplayLink() {
@@ -126,7 +126,7 @@ void X11DisplayLink::eventsDrained() {
     if (timer_) {
         // The display was off, and is on again.
         timer_.reset();
-        lifeCheck_.start(patience);
+        lifeCheck_.start(blankTimeout);
     }
     // Goes out with what the target asks of the server.
     requestBlank();

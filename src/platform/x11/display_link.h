@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/display_link.h"
+#include "platform/display.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/screens.h"
 

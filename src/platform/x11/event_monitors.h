@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/event_monitors.h"
+#include "platform/input.h"
 #include "platform/x11/button_mapping.h"
 #include "platform/x11/pointer.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hot_keys.h"
+#include "platform/input.h"
 #include "platform/x11/key_grab.h"
 #include "platform/x11/modifier_map.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/keyboard.h"
+#include "platform/input.h"
 #include "platform/x11/connection.h"
 
 #include <memory>

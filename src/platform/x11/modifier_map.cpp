@@ -1,6 +1,6 @@
 #include "platform/x11/modifier_map.h"
 
-#include "platform/hot_keys.h"
+#include "platform/input.h"
 
 #include <algorithm>
 #include <array>

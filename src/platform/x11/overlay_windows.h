@@ -1,9 +1,8 @@
 #pragma once
 
-#include "platform/clock.h"
 #include "platform/layers/sprite_scene.h"
-#include "platform/overlay_window.h"
-#include "platform/transaction.h"
+#include "platform/overlay.h"
+#include "platform/time.h"
 #include "platform/x11/compositing.h"
 #include "platform/x11/screens.h"
 #include "platform/x11/sprite_stack.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/clock.h"
-#include "platform/pointer.h"
+#include "platform/input.h"
+#include "platform/time.h"
 #include "platform/x11/screens.h"
 #include "platform/x11/xwayland.h"
 

@@ -8,11 +8,11 @@ bool RaisePolicy::shouldRaise(Window window, double now) {
         rival = {};
     }
     rival.cameAbove = now;
-    if (rival.answers >= patience) {
+    if (rival.answers >= answersAllowed) {
         return false;
     }
     rival.answers = now - rival.raisedOver <= answerTime ? rival.answers + 1 : 0;
-    if (rival.answers >= patience) {
+    if (rival.answers >= answersAllowed) {
         return false;
     }
     rival.raisedOver = now;

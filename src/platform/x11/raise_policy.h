@@ -14,7 +14,7 @@ class RaisePolicy {
 public:
     using Window = std::uint32_t;
 
-    static constexpr int patience = 4;            // answers
+    static constexpr int answersAllowed = 4;      // answers
     static constexpr double answerTime = 1.0;     // seconds; what comes later is no answer
     static constexpr double forgivingTime = 10.0; // seconds without coming above
 

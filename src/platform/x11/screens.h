@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/screens.h"
+#include "platform/display.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop_scale.h"
 #include "platform/x11/pixel_map.h"

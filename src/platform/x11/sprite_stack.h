@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "platform/time.h"
 #include "platform/x11/raise_policy.h"
 #include "platform/x11/sprite_window.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system_tray.h"
+#include "platform/shell.h"
 #include "platform/x11/connection.h"
 
 namespace vantrel::x11 {

@@ -53,15 +53,15 @@ bool isXwayland(xcb_connection_t* connection, xcb_window_t root) {
 
 // A drag that began in one of its windows is followed wherever it leads, unless the compositor has
 // taken it over: the button then stays down, at the place where the pointer left.
-bool XwaylandTrust::accepts(const XwaylandWord& word, double now) {
-    if (std::exchange(last_, word) != word) {
+bool StalePointerFilter::accepts(const PointerSample& sample, double now) {
+    if (std::exchange(last_, sample) != sample) {
         changed_ = now;
     }
-    if (word.inside) {
-        lastInside_ = word.place;
+    if (sample.inside) {
+        lastInside_ = sample.place;
     }
-    const bool dragged = word.held && word.place != lastInside_;
-    return word.focused && (word.inside || dragged) && now - changed_ < patience;
+    const bool dragged = sample.held && sample.place != lastInside_;
+    return sample.focused && (sample.inside || dragged) && now - changed_ < restTimeout;
 }
 
 XwaylandPointer::XwaylandPointer(Connection& connection)
@@ -70,11 +70,11 @@ XwaylandPointer::XwaylandPointer(Connection& connection)
 }
 
 bool XwaylandPointer::isKnown(const xcb_query_pointer_reply_t& answer, double now) {
-    return trust_.accepts({.place = QPoint(answer.root_x, answer.root_y),
-                           .inside = isInside(answer.child),
-                           .held = (answer.mask & buttons) != 0,
-                           .focused = isFocused()},
-                          now);
+    return filter_.accepts({.place = QPoint(answer.root_x, answer.root_y),
+                            .inside = isInside(answer.child),
+                            .held = (answer.mask & buttons) != 0,
+                            .focused = isFocused()},
+                           now);
 }
 
 void XwaylandPointer::handleEvent(const xcb_generic_event_t& event) {

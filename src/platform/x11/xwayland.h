@@ -14,28 +14,28 @@ namespace vantrel::x11 {
 [[nodiscard]] bool isXwayland(xcb_connection_t* connection, xcb_window_t root);
 
 // What Xwayland says about the pointer.
-struct XwaylandWord {
+struct PointerSample {
     QPoint place;
     bool inside = false;  // over a window that shows something
     bool held = false;    // with a button down
     bool focused = false; // while an X program has the keyboard
 
-    bool operator==(const XwaylandWord&) const = default;
+    bool operator==(const PointerSample&) const = default;
 };
 
-// Tells what such a word is worth. Elsewhere than over its windows, Xwayland goes on naming the
-// place where the pointer left them.
-class XwaylandTrust {
+// Tells samples that say where the pointer is from stale ones. Elsewhere than over its windows,
+// Xwayland goes on naming the place where the pointer left them.
+class StalePointerFilter {
 public:
     // For how long the pointer is believed to rest where it is said to be, in seconds.
-    static constexpr double patience = 3;
+    static constexpr double restTimeout = 3;
 
     // Whether it tells where the pointer is. Wants to hear each, in their order, with the uptime.
-    [[nodiscard]] bool accepts(const XwaylandWord& word, double now);
+    [[nodiscard]] bool accepts(const PointerSample& sample, double now);
 
 private:
     QPoint lastInside_;
-    XwaylandWord last_;
+    PointerSample last_;
     double changed_ = 0;
 };
 
@@ -53,7 +53,7 @@ private:
     bool isFocused();
 
     Connection& connection_;
-    XwaylandTrust trust_;
+    StalePointerFilter filter_;
     xcb_window_t window_ = XCB_NONE;
     bool inside_ = false; // of that window, which shows something
     bool focused_ = false;

@@ -6,8 +6,8 @@
 
 namespace vantrel {
 
-ViewContext::ViewContext(AppState& state, ViewDesktop desktop)
-    : root_(*this), state_(state), desktop_(std::move(desktop)) {
+ViewContext::ViewContext(AppState& state, const Desktop& desktop)
+    : root_(*this), state_(state), desktop_(desktop) {
     const auto observe = [this](auto& observable) {
         subscriptions_.push_back(observable.observe([this](const auto&) { publish(); }));
     };

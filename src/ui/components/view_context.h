@@ -1,13 +1,7 @@
 #pragma once
 
 #include "app/state/app_state.h"
-#include "platform/alert_sound.h"
-#include "platform/bundle.h"
-#include "platform/clock.h"
-#include "platform/cursor_image.h"
-#include "platform/keyboard.h"
-#include "platform/screens.h"
-#include "platform/user_defaults.h"
+#include "platform/desktop.h"
 #include "ui/components/binding.h"
 #include "ui/components/text.h"
 
@@ -22,35 +16,6 @@
 
 namespace vantrel {
 
-// What views ask of the desktop, besides what the state does for them.
-struct ViewDesktop {
-    const Clock& clock;
-    const CursorImages& cursors;
-    Screens& screens;
-    const Bundle& bundle;
-    UserDefaults& userDefaults;
-    const Keyboard& keyboard;
-    AlertSound& alertSound;
-    // Ends the program.
-    std::function<void()> terminate;
-    // Only a part of the session is known: the programs that run through Xwayland, as this one.
-    bool inWaylandSession = false;
-
-    // Of one object that holds the rest under these names, as the desktop in memory does.
-    template <typename Desktop>
-    [[nodiscard]] static ViewDesktop of(Desktop& desktop, const CursorImages& cursors,
-                                        const std::function<void()>& terminate) {
-        return {.clock = desktop.clock,
-                .cursors = cursors,
-                .screens = desktop.screens,
-                .bundle = desktop.bundle,
-                .userDefaults = desktop.userDefaults,
-                .keyboard = desktop.keyboard,
-                .alertSound = desktop.alertSound,
-                .terminate = terminate};
-    }
-};
-
 // What every view needs: the state, and the one place from which views are brought up to date. All
 // that the state publishes in one go leads to one round of updates, in the next turn of the event
 // loop, so that the overlays come before the windows.
@@ -59,11 +24,11 @@ class ViewContext : public QObject {
 
 public:
     // The state and the desktop must outlive the context, and the context the views.
-    ViewContext(AppState& state, ViewDesktop desktop);
+    ViewContext(AppState& state, const Desktop& desktop);
 
     [[nodiscard]] AppState& state() const { return state_; }
     [[nodiscard]] const AppPreferences& preferences() const { return state_.preferences().get(); }
-    [[nodiscard]] const ViewDesktop& desktop() const { return desktop_; }
+    [[nodiscard]] const Desktop& desktop() const { return desktop_; }
     [[nodiscard]] bool english() const { return state_.english(); }
     [[nodiscard]] QString say(const Wording& wording) const { return wording(english()); }
 
@@ -106,7 +71,7 @@ private:
 
     ViewContext& root_;
     AppState& state_;
-    const ViewDesktop desktop_;
+    const Desktop desktop_;
     bool pending_ = false;
     std::vector<Subscription> subscriptions_;
 };

@@ -1,12 +1,17 @@
 #pragma once
 
+#include "platform/subscription.h"
+
 #include <QIcon>
 #include <QRect>
+#include <qwindowdefs.h>
 
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
+
+// What the program shows in the desktop's own surfaces.
 
 namespace vantrel {
 
@@ -37,6 +42,35 @@ public:
     // Where it is, in the coordinates of the toolkit's windows; absent when the desktop does not
     // tell.
     [[nodiscard]] virtual std::optional<QRect> place() const = 0;
+};
+
+// The tray of a desktop that takes icons in as windows.
+class SystemTray {
+public:
+    virtual ~SystemTray() = default;
+
+    [[nodiscard]] virtual bool present() const = 0;
+    [[nodiscard]] virtual Subscription onChange(std::function<void()> callback) = 0;
+};
+
+class AlertSound {
+public:
+    virtual ~AlertSound() = default;
+
+    virtual void beep() = 0;
+};
+
+// The running program, as the desktop knows it.
+class Application {
+public:
+    virtual ~Application() = default;
+
+    // Ends it, in a later turn of the event loop.
+    virtual void terminate() = 0;
+    // Brings a window of it that is on the screen to the front and gives it the keyboard.
+    virtual void activate(WId window) = 0;
+    // Only a part of the session is known: the programs that run through Xwayland, as this one.
+    [[nodiscard]] virtual bool inWaylandSession() const = 0;
 };
 
 } // namespace vantrel

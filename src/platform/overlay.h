@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/display.h"
 #include "platform/geometry.h"
-#include "platform/screens.h"
 
 #include <memory>
+
+// What is drawn above everything else.
 
 namespace vantrel {
 
@@ -28,6 +30,17 @@ public:
     virtual ~OverlayWindows() = default;
 
     [[nodiscard]] virtual std::unique_ptr<OverlayWindow> create(const Screen& screen) = 0;
+};
+
+// Changes of layers reach the screen together: between begin and commit they are collected, and
+// flush shows all that was committed. Layers change at once, without implicit animations.
+class Transaction {
+public:
+    virtual ~Transaction() = default;
+
+    virtual void begin() = 0;
+    virtual void commit() = 0;
+    virtual void flush() = 0;
 };
 
 } // namespace vantrel

@@ -3,10 +3,16 @@
 #include "platform/geometry.h"
 #include "platform/subscription.h"
 
+#include <QImage>
+#include <QPointF>
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
+
+// The displays: where they are, when their frames come, and the pictures of the pointer on them.
 
 namespace vantrel {
 
@@ -42,5 +48,45 @@ public:
         return one == other;
     });
 }
+
+// Frames for each second.
+struct FrameRateRange {
+    float minimum = 0;
+    float maximum = 0;
+    float preferred = 0;
+
+    bool operator==(const FrameRateRange&) const = default;
+};
+
+// Calls its target once for each frame of a display, until it is destroyed.
+class DisplayLink {
+public:
+    virtual ~DisplayLink() = default;
+};
+
+class DisplayLinks {
+public:
+    virtual ~DisplayLinks() = default;
+
+    [[nodiscard]] virtual std::unique_ptr<DisplayLink>
+    create(const Screen& screen, FrameRateRange range, std::function<void()> target) = 0;
+};
+
+// A picture of the arrow pointer.
+struct CursorImage {
+    QImage image;    // with its device pixel ratio
+    QPointF hotSpot; // in points, from the picture's top-left corner
+
+    bool operator==(const CursorImage&) const = default;
+};
+
+// Where pictures of the pointer come from.
+class CursorImages {
+public:
+    virtual ~CursorImages() = default;
+
+    // For a display with that many pixels for each point.
+    [[nodiscard]] virtual CursorImage arrow(double scale) const = 0;
+};
 
 } // namespace vantrel
