@@ -21,11 +21,15 @@ desktop_packages=(
     libxcb-res0-dev libxcb-xtest0-dev
     openbox picom xvfb
 )
+# GNOME Shell without the rest of GNOME, and what a window in it needs.
+gnome_packages=(
+    adwaita-icon-theme gir1.2-gtk-4.0 gjs gnome-shell libegl1 libgl1-mesa-dri xwayland
+)
 test_packages=(
-    "${desktop_packages[@]}"
+    "${desktop_packages[@]}" "${gnome_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
     libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
-    x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy xwayland zsh
+    x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy zsh
 )
 # What starts programs by their desktop entries, and the manual; besides those of the tests.
 package_test_packages=(libglib2.0-bin man-db)

@@ -94,11 +94,6 @@ Effect highlightEffect(const HighlightSettings& highlight, const ClickSettings& 
 
 } // namespace
 
-double Effect::diameter() const {
-    const auto largest = std::ranges::max_element(discs, {}, &Disc::diameter);
-    return largest == discs.end() ? 0 : largest->diameter;
-}
-
 Effect effectOf(CursorMode mode, const AppPreferences& preferences) {
     switch (mode) {
     case CursorMode::off:

@@ -1,0 +1,4 @@
+// GNOME Shell 43 and 44.
+const Cairo = imports.cairo;
+const {Clutter, Gio, GLib, Meta, Shell, St} = imports.gi;
+const Main = imports.ui.main;

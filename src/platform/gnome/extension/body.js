@@ -1,0 +1,482 @@
+
+const Name = 'org.vantrel.Marks1';
+const Path = '/org/vantrel/Marks1';
+// Raised with every change that a program must know of.
+const Version = 1;
+
+const Interface = `
+<node>
+  <interface name="${Name}">
+    <!-- Shows this around the pointer until the next call, Clear, or the caller's end. Sizes are in
+         points, times in seconds, colours red, green, blue and alpha from 0 to 1.
+         mark, a(dda(ddddd)): discs, the lowest first: diameter; width of the line, whose outer edge has
+           the diameter, 0 for a filled disc; stops: offset from the centre, 0 to 1, and colour.
+         rings, a(udddddddd): one for a mouse button, 1 left, 3 right: duration, width of the line,
+           diameter to its middle at the start and at the end, opacity at the start, red, green, blue.
+         idle, d: the pointer's rest after which the mark hides; 0 for never. -->
+    <method name="Show"><arg name="effect" type="a{sv}" direction="in"/></method>
+    <method name="Clear"/>
+    <!-- All shortcuts of the caller, by numbers of its choice, in place of earlier ones. Answers the
+         numbers of those that cannot be had. -->
+    <method name="Grab">
+      <arg name="accelerators" type="a(us)" direction="in"/>
+      <arg name="refused" type="au" direction="out"/>
+    </method>
+    <!-- Sent to the caller of Grab alone. -->
+    <signal name="Pressed"><arg name="number" type="u"/></signal>
+    <property name="Version" type="u" access="read"/>
+  </interface>
+</node>`;
+
+const MostRings = 8;
+
+// What is handed over
+
+const isWithin = (low, high) => value => value >= low && value <= high; // not for NaN
+const isShare = isWithin(0, 1);
+const isSize = isWithin(0, 4096);
+const isDuration = isWithin(0, 60);
+const isEach = (values, isSound, most) => values.length <= most && values.every(isSound);
+
+function isDisc([diameter, width, stops]) {
+    return isSize(diameter) && isWithin(0, diameter)(width) && stops.length > 0 &&
+        isEach(stops, stop => stop.every(isShare), 16) &&
+        stops.every(([offset], index) => index === 0 || offset >= stops[index - 1][0]);
+}
+
+function isRing([button, duration, width, start, end, ...color]) {
+    return isWithin(1, 16)(button) && isDuration(duration) && duration > 0 &&
+        [width, start, end].every(isSize) && color.every(isShare);
+}
+
+const Parts = {
+    mark: {type: 'a(dda(ddddd))', otherwise: [], isSound: discs => isEach(discs, isDisc, 16)},
+    rings: {type: 'a(udddddddd)', otherwise: [], isSound: rings => isEach(rings, isRing, 16)},
+    idle: {type: 'd', otherwise: 0, isSound: isWithin(0, 86400)},
+};
+
+// Null for what cannot be shown.
+function readEffect(options) {
+    const effect = {};
+    for (const name of Object.keys(options)) {
+        if (!Object.hasOwn(Parts, name) || options[name].get_type_string() !== Parts[name].type)
+            return null;
+    }
+    for (const [name, {otherwise, isSound}] of Object.entries(Parts)) {
+        effect[name] = options[name]?.recursiveUnpack() ?? otherwise;
+        if (!isSound(effect[name]))
+            return null;
+    }
+    return effect;
+}
+
+function areAccelerators(list) {
+    return isEach(list, ([, accelerator]) => accelerator.length <= 64, 16) &&
+        new Set(list.map(([number]) => number)).size === list.length;
+}
+
+// The shell
+
+// GNOME 48 moved these to other objects.
+const letFullScreenWindowsBypass = allowed => {
+    if (global.compositor?.disable_unredirect)
+        allowed ? global.compositor.enable_unredirect() : global.compositor.disable_unredirect();
+    else
+        allowed ? Meta.enable_unredirect_for_display(global.display)
+            : Meta.disable_unredirect_for_display(global.display);
+};
+const cursorTracker = () => global.backend.get_cursor_tracker?.() ??
+    Meta.CursorTracker.get_for_display(global.display);
+const idleMonitor = () => global.backend.get_core_idle_monitor();
+const seconds = () => GLib.get_monotonic_time() / 1e6;
+const theme = () => St.ThemeContext.get_for_stage(global.stage);
+
+// Shows what it draws around a point of the stage.
+class Picture {
+    constructor(parent, diameter, draw) {
+        // More than 1 where the stage is laid out in device pixels.
+        const scale = theme().scale_factor;
+        // Whose half is a whole number of pixels at every quarter of a scale.
+        this._side = Math.ceil(diameter * scale / 8 + 0.25) * 8;
+        this.actor = new St.DrawingArea({
+            reactive: false, can_focus: false, track_hover: false, width: this._side, height: this._side,
+        });
+        this.actor.connect('repaint', () => {
+            const context = this.actor.get_context();
+            const [width, height] = this.actor.get_surface_size();
+            context.translate(width / 2, height / 2);
+            context.scale(scale, scale);
+            draw(context);
+            context.$dispose();
+        });
+        parent.add_child(this.actor);
+    }
+
+    // Whether that is another place than before, to the pixel: that brings a frame. By a translation,
+    // for a new position would have everything drawn anew.
+    moveTo(x, y) {
+        const pixels = this.actor.get_resource_scale() || 1;
+        const left = Math.round(x * pixels) / pixels - this._side / 2;
+        const top = Math.round(y * pixels) / pixels - this._side / 2;
+        if (left === this.actor.translation_x && top === this.actor.translation_y)
+            return false;
+        this.actor.set_translation(left, top, 0);
+        return true;
+    }
+
+    destroy() {
+        this.actor.destroy();
+    }
+}
+
+function drawDisc(context, [diameter, width, stops]) {
+    if (diameter <= width)
+        return;
+    const gradient = new Cairo.RadialGradient(0, 0, 0, 0, 0, diameter / 2);
+    for (const stop of stops)
+        gradient.addColorStopRGBA(...stop);
+    context.setSource(gradient);
+    context.newPath();
+    context.arc(0, 0, (diameter - width) / 2, 0, 2 * Math.PI);
+    if (width > 0) {
+        context.setLineWidth(width);
+        context.stroke();
+    } else {
+        context.fill();
+    }
+}
+
+// Keeps an actor above its siblings, menus and dialogs among them, which raise themselves when they
+// open. One that comes back each time is left above until it has been quiet for a while.
+class TopPlace {
+    static patience = 4; // times
+    static answerTime = 1; // seconds; what comes later is no answer
+    static forgivingTime = 10;
+
+    constructor(actor) {
+        this._actor = actor;
+        this._rivals = new WeakMap();
+        this._parent = actor.get_parent();
+        this._signal = this._parent.connect('notify::last-child', () => this._take());
+    }
+
+    destroy() {
+        this._parent.disconnect(this._signal);
+    }
+
+    _take() {
+        const rival = this._parent.get_last_child();
+        if (this._taking || !rival || rival === this._actor || !this._mayRaise(rival))
+            return;
+        this._taking = true;
+        this._parent.set_child_above_sibling(this._actor, null);
+        this._taking = false;
+    }
+
+    _mayRaise(actor) {
+        const now = seconds();
+        const fresh = {came: -Infinity, raised: -Infinity, answers: 0};
+        let rival = this._rivals.get(actor) ?? fresh;
+        if (now - rival.came > TopPlace.forgivingTime)
+            rival = fresh;
+        this._rivals.set(actor, rival);
+        rival.came = now;
+        if (rival.answers < TopPlace.patience)
+            rival.answers = now - rival.raised <= TopPlace.answerTime ? rival.answers + 1 : 0;
+        if (rival.answers >= TopPlace.patience)
+            return false;
+        rival.raised = now;
+        return true;
+    }
+}
+
+// What is shown around the pointer, and the rings of presses.
+class Overlay {
+    constructor() {
+        this._layer = new Clutter.Actor({name: 'vantrel', reactive: false});
+        Main.layoutManager.uiGroup.add_child(this._layer);
+        this._topPlace = new TopPlace(this._layer);
+        this._tracker = cursorTracker();
+        this._monitor = idleMonitor();
+        this._rings = [];
+        this._visible = false;
+        this._signals = [
+            [this._tracker, 'position-invalidated', () => this._motion()],
+            // Where the pointer is may be known better by now than when it moved.
+            [global.stage, 'prepare-frame', () => this._frame()],
+            [theme(), 'notify::scale-factor', () => this._draw()],
+        ].map(([object, name, handler]) => [object, object.connect(name, handler)]);
+        this._tracker.track_position?.();
+    }
+
+    destroy() {
+        this._setVisible(false);
+        for (const [object, id] of this._signals)
+            object.disconnect(id);
+        this._tracker.untrack_position?.();
+        this._stopWatching();
+        this._stopTimer();
+        this._dropRings(0);
+        this._topPlace.destroy();
+        this._layer.destroy();
+    }
+
+    show(effect) {
+        this._effect = effect;
+        if (effect.rings.length === 0)
+            this._dropRings(0);
+        this._draw();
+        this._stopWatching();
+        if (effect.rings.length > 0 || effect.idle > 0)
+            this._watch();
+        this._stopTimer();
+        this._active();
+    }
+
+    _draw() {
+        this._mark?.destroy();
+        const {mark} = this._effect;
+        this._mark = new Picture(this._layer, Math.max(0, ...mark.map(([diameter]) => diameter)),
+            context => mark.forEach(disc => drawDisc(context, disc)));
+        this._layer.set_child_below_sibling(this._mark.actor, null);
+        this._mark.actor.visible = this._visible;
+        this._waiting = false;
+        this._place();
+    }
+
+    _setVisible(visible) {
+        if (this._visible === visible)
+            return;
+        this._visible = visible;
+        this._mark.actor.visible = visible;
+        letFullScreenWindowsBypass(!visible);
+    }
+
+    _place() {
+        const [{x, y}] = this._tracker.get_pointer();
+        return this._mark.moveTo(x, y);
+    }
+
+    // For every motion, of which a frame may have many: the first asks for the frame.
+    _motion() {
+        if (this._waiting)
+            return;
+        this._waiting = this._place();
+        this._active();
+    }
+
+    _frame() {
+        if (!this._waiting)
+            return;
+        this._waiting = false;
+        this._place();
+    }
+
+    _active() {
+        this._lastActivity = seconds();
+        this._setVisible(true);
+        if (this._effect.idle > 0 && !this._timer)
+            this._startTimer(this._effect.idle);
+    }
+
+    // Set again when it is over, not for every motion.
+    _startTimer(delay) {
+        this._timer = GLib.timeout_add(GLib.PRIORITY_DEFAULT, Math.ceil(delay * 1000), () => {
+            this._timer = 0;
+            const left = this._lastActivity + this._effect.idle - seconds();
+            if (left > 0)
+                this._startTimer(left);
+            else
+                this._setVisible(false);
+            return GLib.SOURCE_REMOVE;
+        });
+    }
+
+    _stopTimer() {
+        if (this._timer)
+            GLib.source_remove(this._timer);
+        this._timer = 0;
+    }
+
+    // Presses in windows reach neither the stage nor filters of events. The idle monitor hears of every
+    // event before it is delivered, and tells of one for each watch.
+    _watch() {
+        this._watchId = this._monitor.add_user_active_watch(() => {
+            this._watch();
+            const event = Clutter.get_current_event();
+            if (event?.type() === Clutter.EventType.BUTTON_PRESS)
+                this._press(event.get_button(), ...event.get_coords());
+        });
+    }
+
+    _stopWatching() {
+        if (this._watchId)
+            this._monitor.remove_watch(this._watchId);
+        this._watchId = 0;
+    }
+
+    _press(button, x, y) {
+        if (button !== 1 && button !== 3)
+            return;
+        this._active();
+        const ring = this._effect.rings.find(([of]) => of === button);
+        if (!ring)
+            return;
+        this._dropRings(MostRings - 1);
+        this._play(ring, x, y);
+    }
+
+    _play([, duration, width, start, end, opacity, ...color], x, y) {
+        let progress = 0;
+        const picture = new Picture(this._layer, Math.max(start, end) + width, context => {
+            const diameter = start + (end - start) * progress + width;
+            drawDisc(context, [diameter, width, [[0, ...color, opacity * (1 - progress)]]]);
+        });
+        picture.moveTo(x, y);
+        const timeline = new Clutter.Timeline({actor: picture.actor, duration: duration * 1000});
+        timeline.connect('new-frame', () => {
+            progress = timeline.get_progress();
+            picture.actor.queue_repaint();
+        });
+        const ring = {
+            end() {
+                timeline.stop();
+                picture.destroy();
+            },
+        };
+        timeline.connect('completed', () => {
+            this._rings = this._rings.filter(other => other !== ring);
+            ring.end();
+        });
+        this._rings.push(ring);
+        timeline.start();
+    }
+
+    // The oldest ones, until so many are left.
+    _dropRings(left) {
+        while (this._rings.length > left)
+            this._rings.shift().end();
+    }
+}
+
+class Shortcuts {
+    constructor(pressed) {
+        this._numbers = new Map(); // by the shell's own
+        this._signal = global.display.connect('accelerator-activated', (_display, action) => {
+            if (this._numbers.has(action))
+                pressed(this._numbers.get(action));
+        });
+    }
+
+    destroy() {
+        this.grab([]);
+        global.display.disconnect(this._signal);
+    }
+
+    // Returns the numbers of those that were refused.
+    grab(accelerators) {
+        for (const action of this._numbers.keys()) {
+            this._allowIn(action, Shell.ActionMode.NONE);
+            global.display.ungrab_accelerator(action);
+        }
+        this._numbers.clear();
+        const refused = [];
+        for (const [number, accelerator] of accelerators) {
+            const action = global.display.grab_accelerator(accelerator,
+                Meta.KeyBindingFlags.IGNORE_AUTOREPEAT);
+            if (action === Meta.KeyBindingAction.NONE) {
+                refused.push(number);
+            } else {
+                this._allowIn(action, Shell.ActionMode.ALL);
+                this._numbers.set(action, number);
+            }
+        }
+        return refused;
+    }
+
+    _allowIn(action, modes) {
+        Main.wm.allowKeybinding(Meta.external_binding_name_for_action(action), modes);
+    }
+}
+
+// Serves one program at a time. All that is shown and grabbed is that program's, and ends with it.
+class Service {
+    constructor() {
+        this._bus = Gio.DBus.session;
+        this._shortcuts = new Shortcuts(number => this._bus.emit_signal(this._client, Path, Name, 'Pressed',
+            new GLib.Variant('(u)', [number])));
+        this._object = Gio.DBusExportedObject.wrapJSObject(Interface, this);
+        this._object.export(this._bus, Path);
+        this._name = Gio.bus_own_name_on_connection(this._bus, Name, Gio.BusNameOwnerFlags.NONE, null, null);
+    }
+
+    destroy() {
+        Gio.bus_unown_name(this._name);
+        this._object.unexport();
+        this._forget();
+        this._shortcuts.destroy();
+    }
+
+    get Version() {
+        return Version;
+    }
+
+    ShowAsync([options], invocation) {
+        const effect = readEffect(options);
+        this._serve(invocation, effect !== null, () => {
+            this._overlay ??= new Overlay();
+            this._overlay.show(effect);
+            return null;
+        });
+    }
+
+    ClearAsync(_nothing, invocation) {
+        this._serve(invocation, true, () => {
+            this._clear();
+            return null;
+        });
+    }
+
+    GrabAsync([accelerators], invocation) {
+        this._serve(invocation, areAccelerators(accelerators), () =>
+            new GLib.Variant('(au)', [this._shortcuts.grab(accelerators)]));
+    }
+
+    // Answers with what the action returns.
+    _serve(invocation, isSound, action) {
+        const sender = invocation.get_sender();
+        if (!isSound) {
+            invocation.return_dbus_error('org.freedesktop.DBus.Error.InvalidArgs', 'out of range');
+        } else if (this._client && this._client !== sender) {
+            invocation.return_dbus_error(`${Name}.Error.Busy`, 'another program is served');
+        } else {
+            this._remember(sender);
+            try {
+                invocation.return_value(action());
+            } catch (error) {
+                invocation.return_dbus_error('org.freedesktop.DBus.Error.Failed', `${error}`);
+            }
+        }
+    }
+
+    _remember(client) {
+        if (this._client === client)
+            return;
+        this._client = client;
+        this._watch = Gio.bus_watch_name_on_connection(this._bus, client, Gio.BusNameWatcherFlags.NONE,
+            null, () => this._forget());
+    }
+
+    _forget() {
+        this._clear();
+        this._shortcuts.grab([]);
+        if (this._client)
+            Gio.bus_unwatch_name(this._watch);
+        this._client = null;
+    }
+
+    _clear() {
+        this._overlay?.destroy();
+        this._overlay = null;
+    }
+}

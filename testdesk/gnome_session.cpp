@@ -1,0 +1,274 @@
+#include "testdesk/gnome_session.h"
+
+#include "testdesk/wait.h"
+
+#include <QDBusObjectPath>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto inputService = "org.gnome.Mutter.RemoteDesktop";
+
+Environment environmentFor(const std::filesystem::path& folder, const PrivateBus& systemBus,
+                           const PrivateBus& sessionBus, const std::filesystem::path& dataFolder) {
+    auto environment = minimalEnvironment();
+    environment["HOME"] = folder;
+    environment["XDG_CACHE_HOME"] = folder / "cache";
+    environment["XDG_CONFIG_HOME"] = folder / "config";
+    environment["XDG_DATA_HOME"] = folder / "data";
+    environment["XDG_STATE_HOME"] = folder / "state";
+    environment["XDG_RUNTIME_DIR"] = folder / "runtime";
+    environment["XDG_DATA_DIRS"] = dataFolder.string() + ":/usr/local/share:/usr/share";
+    environment["XDG_SESSION_TYPE"] = "wayland";
+    environment["XDG_CURRENT_DESKTOP"] = "GNOME";
+    environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = sessionBus.address();
+    environment["GSETTINGS_BACKEND"] = "keyfile";
+    environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
+    environment["NO_AT_BRIDGE"] = "1";
+    return environment;
+}
+
+void writeSettings(const std::filesystem::path& folder, int scale) {
+    const auto settings = folder / "config" / "glib-2.0" / "settings";
+    std::filesystem::create_directories(settings);
+    std::ofstream(settings / "keyfile") << "[org/gnome/desktop/background]\n"
+                                           "picture-options='none'\n"
+                                           "primary-color='#000000'\n"
+                                           "color-shading-type='solid'\n"
+                                           "[org/gnome/desktop/interface]\n"
+                                           "enable-animations=false\n"
+                                           "scaling-factor=uint32 "
+                                        << scale
+                                        << "\n"
+                                           "[org/gnome/desktop/notifications]\n"
+                                           "show-banners=false\n"
+                                           "[org/gnome/desktop/session]\n"
+                                           "idle-delay=uint32 0\n";
+    std::filesystem::create_directory(folder / "runtime");
+    std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+    // Without it the shell ends, as it could not start an Xwayland.
+    std::filesystem::create_directory("/tmp/.X11-unix");
+    if (std::error_code error; std::filesystem::is_directory("/tmp/.X11-unix", error)) {
+        std::filesystem::permissions(
+            "/tmp/.X11-unix", std::filesystem::perms::all | std::filesystem::perms::sticky_bit,
+            error);
+    }
+}
+
+Command shellCommand(const GnomeSession::Options& options, const Environment& environment,
+                     const std::filesystem::path& folder) {
+    writeSettings(folder, options.scale);
+    std::vector<std::string> arguments{"gnome-shell", "--headless", "--unsafe-mode"};
+    for (const auto& monitor : options.monitors) {
+        arguments.insert(arguments.end(), {"--virtual-monitor", monitor});
+    }
+    return {.arguments = arguments,
+            .environment = environment,
+            .output = folder / "shell.out",
+            .errors = folder / "shell.err",
+            .signalOnParentDeath = SIGTERM};
+}
+
+} // namespace
+
+GnomeSession::GnomeSession(const Options& options)
+    : systemBus_(folder_.path() / "system_bus"),
+      sessionBus_(folder_.path() / "session_bus"),
+      environment_(environmentFor(folder_.path(), systemBus_, sessionBus_, options.dataFolder)),
+      shell_(shellCommand(options, environment_, folder_.path())),
+      bus_(QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()),
+                                         QString::fromStdString(sessionBus_.address()))) {
+    // At the start a pane over everything takes all presses, and then the overview opens.
+    const auto isReady = [this] {
+        try {
+            return evaluate("if (Main.overview.visible && !Main.overview.animationInProgress)"
+                            "    Main.overview.hide();"
+                            "!Main.layoutManager._startingUp && !Main.overview.visible &&"
+                            "    Main.overview._shown === false") == true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    };
+    if (!waitFor([&] { return !shell_.running() || isReady(); }, 30s) || !shell_.running()) {
+        throw std::runtime_error("gnome-shell did not start: " +
+                                 readFile(folder_.path() / "shell.err"));
+    }
+    startInput();
+}
+
+GnomeSession::~GnomeSession() {
+    QDBusConnection::disconnectFromBus(bus_.name());
+}
+
+Environment GnomeSession::environment() const {
+    auto environment = environment_;
+    environment["WAYLAND_DISPLAY"] = "wayland-0";
+    environment["DISPLAY"] = evaluate("imports.gi.GLib.getenv('DISPLAY')");
+    const auto authority = evaluate("imports.gi.GLib.getenv('XAUTHORITY')");
+    if (authority.is_string()) {
+        environment["XAUTHORITY"] = authority;
+    }
+    return environment;
+}
+
+ChildProcess GnomeSession::startFullScreenWindow() const {
+    const auto script = folder_.path() / "window.js";
+    std::ofstream(script) << R"(
+        imports.gi.versions.Gtk = '4.0';
+        const {Gtk, GLib} = imports.gi;
+        Gtk.init();
+        const window = new Gtk.Window();
+        const clicks = new Gtk.GestureClick({button: 0});
+        clicks.connect('pressed', () => print('press'));
+        window.add_controller(clicks);
+        const keys = new Gtk.EventControllerKey();
+        keys.connect('key-pressed', () => print('key'));
+        window.add_controller(keys);
+        window.fullscreen();
+        window.present();
+        new GLib.MainLoop(null, false).run();
+    )";
+    auto environment = environment_;
+    environment["WAYLAND_DISPLAY"] = "wayland-0";
+    environment["GDK_BACKEND"] = "wayland";
+    environment["GSK_RENDERER"] = "cairo";
+    ChildProcess window({.arguments = {"gjs", script},
+                         .environment = environment,
+                         .output = windowLog(),
+                         .errors = folder_.path() / "window.err"});
+    if (!waitFor([&] {
+            return !window.running() ||
+                   evaluate("global.display.focus_window?.is_fullscreen() ?? false") == true;
+        })) {
+        throw std::runtime_error("no window: " + readFile(folder_.path() / "window.err"));
+    }
+    return window;
+}
+
+std::ptrdiff_t GnomeSession::countInWindow(const std::string& what) const {
+    std::ifstream log(windowLog());
+    return std::count(std::istream_iterator<std::string>(log), {}, what);
+}
+
+std::string GnomeSession::complaints() const {
+    std::string complaints;
+    std::ifstream log(folder_.path() / "shell.err");
+    for (std::string line; std::getline(log, line);) {
+        const auto has = [&](const char* word) { return line.find(word) != std::string::npos; };
+        // Of a session without the services of one.
+        if ((has("JS ERROR") && !has("ServiceUnknown")) || has("vantrel")) {
+            complaints += line + "\n";
+        }
+    }
+    return complaints;
+}
+
+int GnomeSession::version() const {
+    return std::stoi(evaluate("imports.misc.config.PACKAGE_VERSION").get<std::string>());
+}
+
+nlohmann::json GnomeSession::evaluate(const std::string& script) const {
+    const auto answer = call("org.gnome.Shell", QStringLiteral("/org/gnome/Shell"),
+                             "org.gnome.Shell", "Eval", {QString::fromStdString(script)})
+                            .arguments();
+    const auto result = answer.at(1).toString().toStdString();
+    if (!answer.at(0).toBool()) {
+        throw std::runtime_error(script + ": " + result);
+    }
+    return result.empty() ? nlohmann::json() : nlohmann::json::parse(result);
+}
+
+QImage GnomeSession::picture(bool withPointer) const {
+    const auto file = QString::fromStdString(folder_.path() / "picture.png");
+    call("org.gnome.Shell", QStringLiteral("/org/gnome/Shell/Screenshot"),
+         "org.gnome.Shell.Screenshot", "Screenshot", {withPointer, false, file});
+    return QImage(file).convertToFormat(QImage::Format_RGB32);
+}
+
+bool GnomeSession::enable(const QString& extension) const {
+    return call("org.gnome.Shell", QStringLiteral("/org/gnome/Shell"), "org.gnome.Shell.Extensions",
+                "EnableExtension", {extension})
+        .arguments()
+        .at(0)
+        .toBool();
+}
+
+void GnomeSession::startInput() {
+    inputSession_ = call(inputService, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
+                         inputService, "CreateSession")
+                        .arguments()
+                        .at(0)
+                        .value<QDBusObjectPath>()
+                        .path();
+    inputCall("Start");
+}
+
+QPointF GnomeSession::pointer() const {
+    const auto place = evaluate("const tracker = global.backend.get_cursor_tracker?.() ??"
+                                "    imports.gi.Meta.CursorTracker.get_for_display(global.display);"
+                                "const [point] = tracker.get_pointer();"
+                                "[point.x, point.y]");
+    return {place.at(0).get<double>(), place.at(1).get<double>()};
+}
+
+void GnomeSession::moveTo(double x, double y) const {
+    // The first motion only makes the pointer, and at some scales all go further than they should.
+    double pace = 1;
+    QPointF place = pointer();
+    const bool arrived = waitFor([&] {
+        const QPointF before = place;
+        const QPointF way = QPointF(x, y) - before;
+        inputCall("NotifyPointerMotionRelative", {way.x() / pace, way.y() / pace});
+        waitFor([&] { return (place = pointer()) != before; }, 200ms);
+        const QPointF moved = place - before;
+        if (!moved.isNull()) {
+            pace *= std::hypot(moved.x(), moved.y()) / std::hypot(way.x(), way.y());
+        }
+        return (place - QPointF(x, y)).manhattanLength() < 0.1;
+    });
+    if (!arrived) {
+        throw std::runtime_error("the pointer does not move");
+    }
+}
+
+void GnomeSession::press(int button, bool down) const {
+    inputCall("NotifyPointerButton", {button, down});
+}
+
+void GnomeSession::click(int button) const {
+    press(button, true);
+    press(button, false);
+}
+
+void GnomeSession::type(int key, bool down) const {
+    inputCall("NotifyKeyboardKeycode", {static_cast<uint>(key), down});
+}
+
+void GnomeSession::inputCall(const char* method, const QVariantList& arguments) const {
+    call(inputService, inputSession_, "org.gnome.Mutter.RemoteDesktop.Session", method, arguments);
+}
+
+QDBusMessage GnomeSession::call(const char* service, const QString& path, const char* interface,
+                                const char* method, const QVariantList& arguments) const {
+    auto message =
+        QDBusMessage::createMethodCall(QString::fromLatin1(service), path,
+                                       QString::fromLatin1(interface), QString::fromLatin1(method));
+    message.setArguments(arguments);
+    auto answer = bus_.call(message);
+    if (answer.type() == QDBusMessage::ErrorMessage) {
+        throw std::runtime_error(answer.errorName().toStdString() + ": " +
+                                 answer.errorMessage().toStdString());
+    }
+    return answer;
+}
+
+} // namespace vantrel::desktop

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "testdesk/private_bus.h"
+#include "testdesk/private_server.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QImage>
+#include <QPointF>
+#include <QString>
+#include <QVariant>
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace vantrel::desktop {
+
+// GNOME Shell as a Wayland session without a screen, with buses, home and settings of its own, over
+// a black desktop. It is up, with no overview, once this is constructed. There must be a
+// QCoreApplication.
+class GnomeSession {
+public:
+    struct Options {
+        std::vector<std::string> monitors{"1280x720"};
+        int scale = 1; // of all of them
+        // In which the shell finds extensions, besides those of the system.
+        std::filesystem::path dataFolder{};
+    };
+    // Throws when it does not come up.
+    explicit GnomeSession(const Options& options);
+    ~GnomeSession();
+    GnomeSession(const GnomeSession&) = delete;
+    GnomeSession& operator=(const GnomeSession&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
+    [[nodiscard]] pid_t pid() const { return shell_.pid(); }
+    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    // For programs of the session. Starts its Xwayland for the first one.
+    [[nodiscard]] Environment environment() const;
+    // A native window with the keyboard. Returns once it covers the display.
+    [[nodiscard]] ChildProcess startFullScreenWindow() const;
+    // Of "press" and "key" that the window has got.
+    [[nodiscard]] std::ptrdiff_t countInWindow(const std::string& what) const;
+    // What the shell has written of faults in its scripts.
+    [[nodiscard]] std::string complaints() const;
+    // The major version.
+    [[nodiscard]] int version() const;
+
+    // The value of a script in the shell. Throws when it fails.
+    nlohmann::json evaluate(const std::string& script) const;
+    // What all displays show, in the largest scale of any, with or without the pointer.
+    [[nodiscard]] QImage picture(bool withPointer = false) const;
+    // Whether the shell accepted it.
+    bool enable(const QString& extension) const;
+
+    [[nodiscard]] QPointF pointer() const;
+    // In points of the desktop, as the shell counts them. Not into the corner that opens the
+    // overview.
+    void moveTo(double x, double y) const;
+    void press(int button, bool down) const; // a code of Linux, as BTN_LEFT
+    void click(int button) const;
+    void type(int key, bool down) const; // a code of Linux, as KEY_A
+
+    // Waits for the answer; throws what the other side objects.
+    QDBusMessage call(const char* service, const QString& path, const char* interface,
+                      const char* method, const QVariantList& arguments = {}) const;
+
+private:
+    [[nodiscard]] std::filesystem::path windowLog() const { return folder_.path() / "window.out"; }
+    void startInput();
+    void inputCall(const char* method, const QVariantList& arguments = {}) const;
+
+    TemporaryFolder folder_;
+    PrivateBus systemBus_;
+    PrivateBus sessionBus_;
+    Environment environment_;
+    ChildProcess shell_;
+    QDBusConnection bus_;
+    QString inputSession_;
+};
+
+} // namespace vantrel::desktop

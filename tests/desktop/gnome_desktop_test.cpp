@@ -1,0 +1,287 @@
+#include "overlay/effect.h"
+#include "overlay/effect_drawing.h"
+#include "platform/gnome/effect_message.h"
+#include "testdesk/core_application.h"
+#include "testdesk/gnome_session.h"
+#include "testdesk/wait.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <linux/input-event-codes.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+// The largest difference of a picture from what the reference painter makes of the effect around
+// that pixel, over black: in pixels on an edge, and in all others.
+struct Differences {
+    int onEdges = 0;
+    int elsewhere = 0;
+};
+
+Differences differences(const QImage& picture, QPoint center, const Effect& effect, double scale) {
+    const int half = static_cast<int>(effect.diameter() * scale / 2) + 6;
+    QImage wanted(2 * half, 2 * half, QImage::Format_RGB32);
+    wanted.fill(Qt::black);
+    QPainter painter(&wanted);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(scale, scale);
+    EffectDrawing::drawDiscs(painter, QPointF(half, half) / scale, effect);
+    painter.end();
+    const QImage shown = picture.copy(center.x() - half, center.y() - half, 2 * half, 2 * half);
+    const auto distance = [](QRgb one, QRgb other) {
+        return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
+                         std::abs(qBlue(one) - qBlue(other))});
+    };
+    Differences found;
+    for (int y = 1; y < wanted.height() - 1; ++y) {
+        for (int x = 1; x < wanted.width() - 1; ++x) {
+            const QRgb pixel = wanted.pixel(x, y);
+            bool onEdge = false;
+            for (const QPoint neighbour : {QPoint{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+                onEdge = onEdge || distance(pixel, wanted.pixel(QPoint{x, y} + neighbour)) > 20;
+            }
+            int& most = onEdge ? found.onEdges : found.elsewhere;
+            most = std::max(most, distance(pixel, shown.pixel(x, y)));
+        }
+    }
+    return found;
+}
+
+// A session that shows marks, and is left without a fault of theirs.
+class Session : public GnomeSession {
+public:
+    explicit Session(int scale = 1) : GnomeSession({.scale = scale, .dataFolder = VANTREL_DATA}) {
+        EXPECT_TRUE(enable(extension()));
+        moveTo(place.x() * scale, place.y() * scale);
+    }
+    ~Session() { EXPECT_EQ(complaints(), ""); }
+
+    [[nodiscard]] QString extension() const {
+        return version() < 45 ? QStringLiteral("marks43@vantrel.org")
+                              : QStringLiteral("marks@vantrel.org");
+    }
+    // The error's name, if there is one.
+    [[nodiscard]] std::string errorOf(const QDBusConnection& caller, const char* method,
+                                      const QVariantList& arguments = {}) const {
+        auto message = QDBusMessage::createMethodCall(agent, QStringLiteral("/org/vantrel/Marks1"),
+                                                      agent, QString::fromLatin1(method));
+        message.setArguments(arguments);
+        return caller.call(message).errorName().toStdString();
+    }
+    void show(const Effect& effect) const {
+        EXPECT_EQ(errorOf(bus(), "Show", {messageOf(effect)}), "");
+    }
+    // The pictures that can be seen, of the mark and of rings.
+    [[nodiscard]] int countPictures() const {
+        return evaluate("Main.layoutManager.uiGroup.get_children()"
+                        "    .filter(actor => actor.name === 'vantrel')"
+                        "    .flatMap(actor => actor.get_children())"
+                        "    .filter(actor => actor.visible).length");
+    }
+    [[nodiscard]] bool comesToShow(int count) const {
+        return waitFor([&] { return countPictures() == count; });
+    }
+    // Waits until the pointer is marked so.
+    void expectMark(const Effect& effect, const std::string& where) const {
+        Differences last;
+        EXPECT_TRUE(waitFor(
+            [&] {
+                const auto shown = picture();
+                const auto center = (pointer() * shown.width() / width()).toPoint();
+                last = differences(shown, center, effect, scale());
+                return last.elsewhere <= 6 && last.onEdges <= 60;
+            },
+            3s))
+            << where << ": " << last.elsewhere << ", on edges " << last.onEdges;
+    }
+    // Of all displays, in the units of places.
+    [[nodiscard]] double width() const { return evaluate("global.stage.width"); }
+    // Pixels for each point.
+    [[nodiscard]] double scale() const { return evaluate("global.display.get_monitor_scale(0)"); }
+
+    static constexpr QPoint place{300, 300};
+    static inline const auto agent = QStringLiteral("org.vantrel.Marks1");
+};
+
+AppPreferences strongly() {
+    AppPreferences preferences;
+    preferences.highlight.opacity = 0.9;
+    return preferences;
+}
+
+class GnomeLookTest : public testing::TestWithParam<int> {};
+
+TEST_P(GnomeLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
+    const CoreApplication application;
+    const Session session(GetParam());
+    auto preferences = strongly();
+    for (const auto style : {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
+        preferences.highlight.style = style;
+        const auto effect = effectOf(CursorMode::highlight, preferences);
+        session.show(effect);
+        session.expectMark(effect, "style " + std::to_string(static_cast<int>(style)));
+    }
+    const auto laser = effectOf(CursorMode::laser, preferences);
+    session.show(laser);
+    session.expectMark(laser, "laser");
+
+    // A ring is the fainter the larger it has become.
+    const ClickRing ring{.duration = 3,
+                         .lineWidth = 4,
+                         .startDiameter = 16,
+                         .endDiameter = 80,
+                         .startOpacity = 0.8,
+                         .color = Qt::red};
+    session.show({.left = ring});
+    session.click(BTN_LEFT);
+    const double scale = session.scale();
+    EXPECT_TRUE(waitFor([&] {
+        const auto picture = session.picture();
+        const auto center = (session.pointer() * picture.width() / session.width()).toPoint();
+        int first = 0;
+        int last = 0;
+        for (int x = 1; x < 48 * scale; ++x) {
+            if (qRed(picture.pixel(center + QPoint(x, 0))) > 10) {
+                first = first > 0 ? first : x;
+                last = x;
+            }
+        }
+        const double progress = ((first + last + 1) / scale - 16) / 64;
+        const int red = qRed(picture.pixel(center + QPoint((first + last) / 2, 0)));
+        return progress > 0.4 && progress < 0.6 &&
+               std::abs(red - 255 * ring.opacityAt(progress)) < 8;
+    }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, GnomeLookTest, testing::Values(1, 2));
+
+TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
+    const CoreApplication application;
+    Session session;
+    const auto window = session.startFullScreenWindow();
+    Effect effect = effectOf(CursorMode::highlight, strongly());
+    effect.left->duration = 30;
+    session.show(effect);
+    // The first press tells the window that there is a pointer, and may be lost in that.
+    ASSERT_TRUE(waitFor([&] {
+        session.click(BTN_LEFT);
+        return waitFor([&] { return session.countInWindow("press") > 0; }, 500ms);
+    }));
+    const auto before = session.countInWindow("press");
+    for (int press = 0; press < 20; ++press) {
+        session.click(BTN_LEFT);
+    }
+    EXPECT_TRUE(waitFor([&] { return session.countInWindow("press") == before + 20; }));
+    EXPECT_TRUE(session.comesToShow(1 + 8));
+    // Of another button, and without that ring.
+    effect.right.reset();
+    session.show(effect);
+    session.click(BTN_RIGHT);
+    EXPECT_TRUE(session.comesToShow(1 + 8));
+}
+
+TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
+    const CoreApplication application;
+    Session session;
+    Effect effect = effectOf(CursorMode::laser, strongly());
+    effect.hideAfter = 0.3;
+    session.show(effect);
+    EXPECT_TRUE(session.comesToShow(0));
+    session.moveTo(640, 120);
+    EXPECT_TRUE(session.comesToShow(1));
+    EXPECT_TRUE(session.comesToShow(0));
+    session.click(BTN_LEFT);
+    EXPECT_TRUE(session.comesToShow(1));
+
+    effect.hideAfter.reset();
+    session.show(effect);
+    session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
+    EXPECT_TRUE(waitFor([&] {
+        return session.evaluate("Main.layoutManager.uiGroup.get_last_child().name") == "vantrel";
+    }));
+}
+
+TEST(GnomeTest, ServesOneProgramAndForgetsItWhenItIsGone) {
+    const CoreApplication application;
+    const Session session;
+    const auto effect = effectOf(CursorMode::laser, {});
+    const auto address = session.environment().at("DBUS_SESSION_BUS_ADDRESS");
+    const auto name = QStringLiteral("other");
+    std::optional other(QDBusConnection::connectToBus(QString::fromStdString(address), name));
+    EXPECT_EQ(session.errorOf(*other, "Show", {messageOf(effect)}), "");
+    EXPECT_TRUE(session.comesToShow(1));
+    EXPECT_EQ(session.errorOf(session.bus(), "Show", {messageOf(effect)}),
+              "org.vantrel.Marks1.Error.Busy");
+    EXPECT_EQ(session.errorOf(session.bus(), "Clear"), "org.vantrel.Marks1.Error.Busy");
+    EXPECT_EQ(session.errorOf(*other, "Clear"), "");
+    EXPECT_TRUE(session.comesToShow(0));
+    EXPECT_EQ(session.errorOf(*other, "Show", {messageOf(effect)}), "");
+    EXPECT_TRUE(session.comesToShow(1));
+    other.reset();
+    QDBusConnection::disconnectFromBus(name);
+    EXPECT_TRUE(session.comesToShow(0));
+
+    // As when the screen is locked and unlocked: what was shown is the program's to tell again.
+    session.show(effect);
+    EXPECT_TRUE(session.comesToShow(1));
+    session.evaluate("Main.sessionMode.pushMode('unlock-dialog'); 1");
+    EXPECT_TRUE(session.comesToShow(0));
+    session.evaluate("Main.sessionMode.popMode('unlock-dialog'); 1");
+    EXPECT_TRUE(waitFor([&] { return session.errorOf(session.bus(), "Clear").empty(); }));
+    EXPECT_EQ(session.countPictures(), 0);
+}
+
+TEST(GnomeTest, RefusesWhatCannotBeShown) {
+    const CoreApplication application;
+    const Session session;
+    const auto refuses = [&](const QVariantMap& effect) {
+        return session.errorOf(session.bus(), "Show", {effect}) ==
+               "org.freedesktop.DBus.Error.InvalidArgs";
+    };
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    const auto disc = [](double diameter, double width, std::vector<ColorStop> stops) {
+        return messageOf({.discs = {{diameter, width, std::move(stops)}}});
+    };
+    const auto ring = [](auto change) {
+        Effect effect{.left = clickRing(ClickStyle::ripple, Qt::red)};
+        change(*effect.left);
+        return messageOf(effect);
+    };
+    EXPECT_FALSE(refuses(disc(4096, 0, {{0, Qt::red}})));
+    EXPECT_FALSE(refuses(ring([](auto&) {})));
+    for (const auto& [what, effect] : std::map<std::string, QVariantMap>{
+             {"too large", disc(4097, 0, {{0, Qt::red}})},
+             {"no number", disc(std::nan(""), 0, {{0, Qt::red}})},
+             {"negative", disc(-1, 0, {{0, Qt::red}})},
+             {"line wider than the disc", disc(10, 11, {{0, Qt::red}})},
+             {"without colours", disc(10, 0, {})},
+             {"stops in disorder", disc(10, 0, {{0.5, Qt::red}, {0.4, Qt::red}})},
+             {"stop beyond the edge", disc(10, 0, {{1.5, Qt::red}})},
+             {"too many stops", disc(10, 0, std::vector(17, ColorStop{0, Qt::red}))},
+             {"too many discs", messageOf({.discs = std::vector(17, Disc{10, 0, {{0, Qt::red}}})})},
+             {"endless ring", ring([](auto& click) { click.duration = infinite; })},
+             {"instant ring", ring([](auto& click) { click.duration = 0; })},
+             {"infinite ring", ring([](auto& click) { click.endDiameter = infinite; })},
+             {"rest without end", messageOf({.hideAfter = infinite})},
+             {"another type", {{QStringLiteral("idle"), QStringLiteral("1")}}},
+             {"unknown", {{QStringLiteral("toString"), 1.0}}},
+         }) {
+        EXPECT_TRUE(refuses(effect)) << what;
+    }
+    EXPECT_NE(session.errorOf(session.bus(), "Show", {1}), "");
+}
+
+} // namespace
+} // namespace vantrel::desktop
