@@ -131,7 +131,7 @@ ChildProcess GnomeSession::startFullScreenWindow() const {
         clicks.connect('pressed', () => print('press'));
         window.add_controller(clicks);
         const keys = new Gtk.EventControllerKey();
-        keys.connect('key-pressed', () => print('key'));
+        keys.connect('key-pressed', (_keys, _symbol, keycode) => print(`key-${keycode - 8}`));
         window.add_controller(keys);
         window.fullscreen();
         window.present();
@@ -194,9 +194,9 @@ QImage GnomeSession::picture(bool withPointer) const {
     return QImage(file).convertToFormat(QImage::Format_RGB32);
 }
 
-bool GnomeSession::enable(const QString& extension) const {
+bool GnomeSession::switchExtension(const QString& extension, bool on) const {
     return call("org.gnome.Shell", QStringLiteral("/org/gnome/Shell"), "org.gnome.Shell.Extensions",
-                "EnableExtension", {extension})
+                on ? "EnableExtension" : "DisableExtension", {extension})
         .arguments()
         .at(0)
         .toBool();

@@ -42,7 +42,7 @@ public:
     [[nodiscard]] Environment environment() const;
     // A native window with the keyboard. Returns once it covers the display.
     [[nodiscard]] ChildProcess startFullScreenWindow() const;
-    // Of "press" and "key" that the window has got.
+    // Of "press" of a button and "key-30" that the window has got, with the key's code of Linux.
     [[nodiscard]] std::ptrdiff_t countInWindow(const std::string& what) const;
     // What the shell has written of faults in its scripts.
     [[nodiscard]] std::string complaints() const;
@@ -53,8 +53,8 @@ public:
     nlohmann::json evaluate(const std::string& script) const;
     // What all displays show, in the largest scale of any, with or without the pointer.
     [[nodiscard]] QImage picture(bool withPointer = false) const;
-    // Whether the shell accepted it.
-    bool enable(const QString& extension) const;
+    // On or off. Whether the shell knows it.
+    bool switchExtension(const QString& extension, bool on) const;
 
     [[nodiscard]] QPointF pointer() const;
     // In points of the desktop, as the shell counts them. Not into the corner that opens the

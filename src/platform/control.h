@@ -27,7 +27,9 @@ struct CommandAnswer {
 
 // How the program stands, as other programs are told.
 struct ProgramStatus {
-    std::string mode; // off, highlight or laser
+    std::string mode;                          // off, highlight or laser
+    std::string marks{};                       // who draws them: x11, xwayland or gnome-shell
+    std::optional<std::string> marksMissing{}; // why the desktop does not
     bool clickAvailable = true;
     std::optional<std::string> hotkeyError{}; // duplicate or registration
     std::string version{};

@@ -2,6 +2,7 @@
 
 #include "platform/display.h"
 #include "platform/input.h"
+#include "platform/marks.h"
 #include "platform/overlay.h"
 #include "platform/session.h"
 #include "platform/shell.h"
@@ -24,6 +25,7 @@ struct Desktop {
     const Keyboard& keyboard;
     HotKeys& hotKeys;
 
+    Marks& marks;
     OverlayWindows& overlayWindows;
     Transaction& transaction;
 

@@ -13,8 +13,10 @@ namespace vantrel {
 [[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight,
                                      double textScale = 1);
 
-// In the user defaults: true once the notice about Wayland sessions was dismissed.
+// In the user defaults: true once the notice about Wayland sessions was dismissed, and that about
+// marks that the desktop could draw.
 inline constexpr std::string_view waylandNoticeDismissedKey = "waylandNoticeDismissed";
+inline constexpr std::string_view marksNoticeDismissedKey = "marksNoticeDismissed";
 
 // What opens from the status item: the mode, and the few settings that it has. It is always as wide
 // as its hint, and as high when everything is to be seen.

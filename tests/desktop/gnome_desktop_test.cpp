@@ -1,8 +1,10 @@
 #include "overlay/effect.h"
 #include "overlay/effect_drawing.h"
 #include "platform/gnome/effect_message.h"
+#include "platform/gnome/shell_report.h"
 #include "testdesk/core_application.h"
 #include "testdesk/gnome_session.h"
+#include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 
 #include <QPainter>
@@ -63,15 +65,12 @@ Differences differences(const QImage& picture, QPoint center, const Effect& effe
 class Session : public GnomeSession {
 public:
     explicit Session(int scale = 1) : GnomeSession({.scale = scale, .dataFolder = VANTREL_DATA}) {
-        EXPECT_TRUE(enable(extension()));
+        EXPECT_TRUE(switchExtension(extension(), true));
         moveTo(place.x() * scale, place.y() * scale);
     }
     ~Session() { EXPECT_EQ(complaints(), ""); }
 
-    [[nodiscard]] QString extension() const {
-        return version() < 45 ? QStringLiteral("marks43@vantrel.org")
-                              : QStringLiteral("marks@vantrel.org");
-    }
+    [[nodiscard]] QString extension() const { return extensionFor(QString::number(version())); }
     // The error's name, if there is one.
     [[nodiscard]] std::string errorOf(const QDBusConnection& caller, const char* method,
                                       const QVariantList& arguments = {}) const {
@@ -281,6 +280,97 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
         EXPECT_TRUE(refuses(effect)) << what;
     }
     EXPECT_NE(session.errorOf(session.bus(), "Show", {1}), "");
+}
+
+TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
+    const CoreApplication application;
+    Session session;
+    session.switchExtension(session.extension(), false);
+    auto stored = preferencesShowing("highlight");
+    writePreferences(session.folder() / "config", stored);
+    const auto start = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), VANTREL_PROGRAM);
+        return ChildProcess({.arguments = words,
+                             .environment = session.environment(),
+                             .output = session.folder() / words.back()});
+    };
+    const auto status = [&] {
+        start({"status", "--json"}).wait(10s);
+        return nlohmann::json::parse(readFile(session.folder() / "--json"), nullptr, false);
+    };
+    const auto tells = [&](const char* key, const nlohmann::json& value) {
+        return waitFor([&] {
+            const auto all = status();
+            return all.is_object() && all.at(key) == value;
+        });
+    };
+    std::optional program(start({"--settings"}));
+    EXPECT_TRUE(tells("marksMissing", "switchedOff"));
+    EXPECT_EQ(status().at("marks"), "xwayland");
+    session.switchExtension(session.extension(), true);
+    EXPECT_TRUE(tells("marks", "gnome-shell"));
+    EXPECT_EQ(status().at("marksMissing"), nullptr);
+    EXPECT_EQ(status().at("hotkeyError"), nullptr);
+    EXPECT_TRUE(session.comesToShow(1));
+
+    // A window gets the keys of other combinations only.
+    const auto window = session.startFullScreenWindow();
+    const auto type = [&](int key) {
+        for (const bool down : {true, false}) {
+            session.type(KEY_LEFTCTRL, down);
+            session.type(KEY_LEFTALT, down);
+            session.type(key, down);
+        }
+    };
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
+    type(KEY_K);
+    EXPECT_TRUE(
+        waitFor([&] { return session.countInWindow("key-" + std::to_string(KEY_K)) == 1; }));
+    EXPECT_EQ(session.countInWindow("key-" + std::to_string(KEY_L)), 0);
+
+    // However it goes and comes, and when the screen is unlocked.
+    program->signal(SIGKILL);
+    EXPECT_TRUE(session.comesToShow(0));
+    stored["laserShortcut"] = {{"keyCode", 1}, {"modifiers", 0x100}, {"display", "⌘S"}};
+    writePreferences(session.folder() / "config", stored);
+    program.emplace(start({"--settings"}));
+    EXPECT_TRUE(session.comesToShow(1));
+    EXPECT_TRUE(tells("hotkeyError", "registration")); // the shell's own
+    session.evaluate("Main.sessionMode.pushMode('unlock-dialog'); 1");
+    EXPECT_TRUE(session.comesToShow(0));
+    EXPECT_TRUE(tells("marks", "xwayland"));
+    session.evaluate("Main.sessionMode.popMode('unlock-dialog'); 1");
+    EXPECT_TRUE(session.comesToShow(1));
+    type(KEY_H);
+    EXPECT_TRUE(tells("mode", "off"));
+    EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, SaysWhatIsMissing) {
+    using enum MarksState;
+    struct Case {
+        ShellReport report;
+        MarksState state;
+    };
+    const auto extension = [](ExtensionState state) {
+        return ShellReport{.hasShell = true, .extension = state};
+    };
+    for (const auto& [report, state] :
+         {Case{{}, none}, Case{{.hasShell = true}, off},
+          Case{{.hasShell = true, .isAwaited = true}, needsLogin},
+          Case{extension(ExtensionState::disabled), off},
+          Case{extension(ExtensionState::initialized), off},
+          Case{extension(ExtensionState::error), failed},
+          Case{extension(ExtensionState::outOfDate), unsupported},
+          Case{{.hasShell = true, .version = extensionVersion}, available},
+          Case{{.hasShell = true, .version = extensionVersion + 1}, otherVersion},
+          Case{{.hasShell = true, .version = extensionVersion, .servesOther = true}, busy},
+          Case{{.hasShell = true, .version = extensionVersion, .hasFailed = true}, failed}}) {
+        EXPECT_EQ(stateOf(report), state);
+    }
+    EXPECT_EQ(extensionFor(QStringLiteral("44.1")), QStringLiteral("marks43@vantrel.org"));
+    EXPECT_EQ(extensionFor(QStringLiteral("45.beta")), QStringLiteral("marks@vantrel.org"));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "app/state/app_state.h"
+#include "overlay/effect.h"
 #include "preferences/preference_encoding.h"
 #include "support/headless_fixture.h"
 
@@ -91,6 +92,38 @@ TEST_F(AppStateTest, SeesClicksOnlyWhereTheyMatter) {
     }
     state->setMode(CursorMode::off);
     EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
+}
+
+TEST_F(AppStateTest, LeavesTheMarksToADesktopThatDrawsThemForAsLongAsItDoes) {
+    auto& marks = desktop.marks;
+    const auto drawnHere = [this] { return !desktop.overlayWindows.windows().empty(); };
+    const auto wanted = [this] {
+        return effectOf(state->mode().get(), state->preferences().get());
+    };
+    marks.set(MarksState::available);
+    EXPECT_EQ(marks.shown, std::nullopt);
+    state->startUp();
+    state->setMode(CursorMode::highlight);
+    change([](auto& preferences) { preferences.highlight.diameter = 100; });
+    EXPECT_EQ(marks.shown, wanted());
+    EXPECT_FALSE(drawnHere());
+    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
+    marks.set(MarksState::off);
+    EXPECT_TRUE(drawnHere());
+    EXPECT_TRUE(monitorsClicks());
+    state->setMode(CursorMode::laser);
+    marks.set(MarksState::available);
+    EXPECT_FALSE(drawnHere());
+    EXPECT_EQ(marks.shown, wanted());
+    state->suspend();
+    EXPECT_EQ(marks.shown, std::nullopt);
+    marks.set(MarksState::off);
+    EXPECT_FALSE(drawnHere());
+    marks.set(MarksState::available);
+    state->wake();
+    EXPECT_EQ(marks.shown, wanted());
+    state->setMode(CursorMode::off);
+    EXPECT_EQ(marks.shown, std::nullopt);
 }
 
 TEST_F(AppStateTest, ShowsEachChangeAtOnceAndTheClicksThatAreWanted) {

@@ -126,6 +126,31 @@ TEST_F(WaylandPanelTest, TellsWhatWorksUntilThatIsDismissedForGood) {
     EXPECT_FALSE(says(chineseNotice));
 }
 
+TEST_F(WaylandPanelTest, OffersMarksThatTheDesktopCouldDraw) {
+    constexpr auto offer = "GNOME can draw the marks over every window, and take the shortcuts "
+                           "everywhere. The extension that does so is switched off.";
+    desktop.userDefaults.setBoolean("waylandNoticeDismissed", true);
+    open<MenuPanel>();
+    desktop.marks.set(MarksState::off);
+    update();
+    EXPECT_TRUE(says(offer));
+    click("Switch On");
+    EXPECT_EQ(desktop.marks.enables, 1);
+    desktop.marks.set(MarksState::needsLogin);
+    update();
+    EXPECT_TRUE(says("Log out and in again once: then GNOME draws the marks over every window."));
+    EXPECT_FALSE(says("Switch On"));
+    change([](auto& preferences) { preferences.language = AppLanguage::chinese; });
+    EXPECT_TRUE(says("请注销并重新登录一次，之后 GNOME 会在所有窗口上绘制标记。"));
+    click("关闭提示");
+    EXPECT_TRUE(desktop.userDefaults.boolean("marksNoticeDismissed"));
+    desktop.userDefaults.setBoolean("marksNoticeDismissed", false);
+    desktop.userDefaults.setBoolean("waylandNoticeDismissed", false);
+    desktop.marks.set(MarksState::available);
+    update();
+    EXPECT_FALSE(says(chineseNotice));
+}
+
 TEST_F(WaylandPanelTest, AsksForTheRoomOfTheNoticeBeforeItIsOnTheScreen) {
     for (const auto language : {AppLanguage::english, AppLanguage::chinese}) {
         change([&](auto& preferences) { preferences.language = language; });

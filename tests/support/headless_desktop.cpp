@@ -241,6 +241,7 @@ Desktop::operator vantrel::Desktop() {
             .eventMonitors = eventMonitors,
             .keyboard = keyboard,
             .hotKeys = hotKeys,
+            .marks = marks,
             .overlayWindows = overlayWindows,
             .transaction = transaction,
             .locale = locale,

@@ -208,6 +208,29 @@ private:
     std::map<Token, Monitor<LocalHandler>> local_;
 };
 
+class Marks final : public vantrel::Marks {
+public:
+    [[nodiscard]] MarksState state() const override { return state_; }
+    [[nodiscard]] Subscription onChange(std::function<void()> callback) override {
+        return changes_.add(std::move(callback));
+    }
+    void show(const Effect& effect) override { shown = effect; }
+    void clear() override { shown.reset(); }
+    void enable() override { ++enables; }
+
+    void set(MarksState state) {
+        state_ = state;
+        changes_.notify();
+    }
+
+    std::optional<Effect> shown;
+    int enables = 0;
+
+private:
+    MarksState state_ = MarksState::none;
+    Observers<> changes_;
+};
+
 // All of it.
 struct Desktop {
     Faults faults;
@@ -219,6 +242,7 @@ struct Desktop {
     Transaction transaction{overlayWindows, clock, faults};
     EventMonitors eventMonitors{faults};
     HotKeys hotKeys{faults};
+    Marks marks;
     MainQueue mainQueue{clock};
     UserDefaults userDefaults;
     LoginItem loginItem;

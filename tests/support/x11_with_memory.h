@@ -18,6 +18,7 @@ namespace vantrel {
             .eventMonitors = x11.eventMonitors,
             .keyboard = x11.keyboard,
             .hotKeys = x11.hotKeys,
+            .marks = rest.marks,
             .overlayWindows = x11.overlayWindows,
             .transaction = x11.transaction,
             .locale = rest.locale,

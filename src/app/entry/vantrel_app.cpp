@@ -1,6 +1,7 @@
 #include "app/entry/vantrel_app.h"
 
 #include "platform/x11/activation.h"
+#include "platform/x11/key_table.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -33,6 +34,10 @@ VantrelApp::~VantrelApp() {
 }
 
 Desktop VantrelApp::desktop() {
+    if (connection_.isXwayland()) {
+        shell_.emplace(QDBusConnection::sessionBus(), defaults_, bundle_.dataFolder());
+        shellHotKeys_.emplace(*shell_, x11_.hotKeys, x11::keycodeOf);
+    }
     return {.clock = x11_.clock,
             .mainQueue = mainQueue_,
             .screens = x11_.screens,
@@ -41,7 +46,8 @@ Desktop VantrelApp::desktop() {
             .pointer = x11_.pointer,
             .eventMonitors = x11_.eventMonitors,
             .keyboard = x11_.keyboard,
-            .hotKeys = x11_.hotKeys,
+            .hotKeys = shellHotKeys_ ? static_cast<HotKeys&>(*shellHotKeys_) : x11_.hotKeys,
+            .marks = shell_ ? static_cast<Marks&>(*shell_) : noMarks_,
             .overlayWindows = x11_.overlayWindows,
             .transaction = x11_.transaction,
             .locale = locale_,

@@ -11,6 +11,8 @@
 #include "platform/freedesktop/installed_bundle.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/tray_status_item.h"
+#include "platform/gnome/shell_extension.h"
+#include "platform/gnome/shell_hot_keys.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
 
@@ -57,6 +59,9 @@ private:
     EnvironmentLocale locale_;
     DrawnCursor drawnCursor_;
     x11::X11CursorImages cursors_{connection_, drawnCursor_};
+    NoMarks noMarks_;
+    std::optional<ShellExtension> shell_; // in a Wayland session
+    std::optional<ShellHotKeys> shellHotKeys_;
     TrayStatusItem statusItem_{x11_.systemTray};
     AppDelegate delegate_;
     std::optional<ControlService> control_;

@@ -94,7 +94,7 @@ CommandAnswer AppDelegate::carryOut(const Command& command) {
 }
 
 ProgramStatus AppDelegate::status() const {
-    return programStatus(state_, desktop_.bundle);
+    return programStatus(state_, desktop_);
 }
 
 void AppDelegate::observeMode() {

@@ -1,5 +1,6 @@
 #include "app/state/app_state.h"
 
+#include "overlay/effect.h"
 #include "preferences/interface_language.h"
 
 namespace vantrel {
@@ -18,6 +19,13 @@ AppState::AppState(SettingsStore& store, const Desktop& desktop)
     hotkeys_.onMode = [this](CursorMode mode) { handleShortcut(mode); };
     hotkeys_.onLoss = [this] { registerShortcuts(); };
     registerShortcuts();
+    marks_.set(desktop_.marks.state());
+    marksChanges_ = desktop_.marks.onChange([this] {
+        marks_.set(desktop_.marks.state());
+        if (!suspended_) {
+            apply();
+        }
+    });
 }
 
 void AppState::setPreferences(AppPreferences preferences) {
@@ -62,12 +70,28 @@ bool AppState::wantsClicks() const {
 }
 
 void AppState::apply() {
+    suspended_ = false;
+    if (marks_.get() == MarksState::available) {
+        overlays_.stop();
+        clicks_.stop();
+        showMarks();
+        clickAvailable_.set(true);
+        return;
+    }
     overlays_.apply(mode_.get(), preferences_.get());
     if (wantsClicks()) {
         clickAvailable_.set(clicks_.start());
     } else {
         clicks_.stop();
         clickAvailable_.set(true);
+    }
+}
+
+void AppState::showMarks() {
+    if (mode_.get() == CursorMode::off) {
+        desktop_.marks.clear();
+    } else {
+        desktop_.marks.show(effectOf(mode_.get(), preferences_.get()));
     }
 }
 
@@ -80,8 +104,10 @@ void AppState::startUp() {
 void AppState::suspend() {
     saveTask_.cancel();
     store_.save(preferences_.get());
+    suspended_ = true;
     clicks_.stop();
     overlays_.stop();
+    desktop_.marks.clear();
 }
 
 void AppState::wake() {

@@ -48,6 +48,9 @@ public:
 
     [[nodiscard]] const Observable<AppPreferences>& preferences() const { return preferences_; }
     [[nodiscard]] const Observable<CursorMode>& mode() const { return mode_; }
+    // Of the marks that the desktop itself draws. While they are available they stand in for the
+    // overlays and the click monitor.
+    [[nodiscard]] const Observable<MarksState>& marks() const { return marks_; }
     // False only when presses should be seen and cannot be.
     [[nodiscard]] const Observable<bool>& clickAvailable() const { return clickAvailable_; }
     // One of the hotkeyerror texts, if the shortcuts have a problem.
@@ -77,6 +80,8 @@ public:
     // Brings overlays and click monitoring in line with mode and preferences.
     void apply();
 
+    void enableMarks() { desktop_.marks.enable(); }
+
     // Once, at launch: the mode of the last run comes back.
     void startUp();
     // Before sleep and at the end: saves at once and leaves the screen.
@@ -102,6 +107,7 @@ private:
     void preferencesDidChange();
     void registerShortcuts();
     void scheduleSave();
+    void showMarks();
     [[nodiscard]] bool wantsClicks() const;
     [[nodiscard]] std::string chosen(std::string_view english, std::string_view chinese) const;
 
@@ -109,6 +115,7 @@ private:
     const Desktop desktop_;
     Observable<AppPreferences> preferences_;
     Observable<CursorMode> mode_{CursorMode::off};
+    Observable<MarksState> marks_{MarksState::none};
     Observable<bool> clickAvailable_{false};
     Observable<std::optional<std::string>> hotkeyError_;
     Observable<std::optional<std::string>> systemMessage_;
@@ -117,6 +124,8 @@ private:
     ClickMonitor clicks_;
     HotkeyManager hotkeys_;
     Subscription saveTask_;
+    Subscription marksChanges_;
+    bool suspended_ = true;
 };
 
 } // namespace vantrel

@@ -4,8 +4,44 @@
 
 namespace vantrel {
 
-ProgramStatus programStatus(const AppState& state, const Bundle& bundle) {
+namespace {
+
+std::string whoDraws(MarksState marks, bool inWaylandSession) {
+    return marks == MarksState::available ? "gnome-shell" : inWaylandSession ? "xwayland" : "x11";
+}
+
+// Of a Wayland session, in which nobody else can draw them over everything.
+std::optional<std::string> whatIsMissing(MarksState marks) {
+    switch (marks) {
+    case MarksState::none:
+        return "desktop";
+    case MarksState::available:
+        return std::nullopt;
+    case MarksState::off:
+        return "switchedOff";
+    case MarksState::needsLogin:
+        return "login";
+    case MarksState::otherVersion:
+        return "otherVersion";
+    case MarksState::busy:
+        return "busy";
+    case MarksState::unsupported:
+        return "unsupported";
+    case MarksState::failed:
+        return "failed";
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+ProgramStatus programStatus(const AppState& state, const Desktop& desktop) {
+    const auto marks = state.marks().get();
+    const bool inWaylandSession = desktop.application.inWaylandSession();
+    const auto& bundle = desktop.bundle;
     return {.mode = std::string(nameOf(state.mode().get())),
+            .marks = whoDraws(marks, inWaylandSession),
+            .marksMissing = inWaylandSession ? whatIsMissing(marks) : std::nullopt,
             .clickAvailable = state.clickAvailable().get(),
             .hotkeyError = state.hotkeyError().get(),
             .version = bundle.shortVersion().value_or(""),
@@ -15,6 +51,11 @@ ProgramStatus programStatus(const AppState& state, const Bundle& bundle) {
 std::string toJson(const ProgramStatus& status) {
     nlohmann::ordered_json json;
     json["mode"] = status.mode;
+    json["marks"] = status.marks;
+    json["marksMissing"] = nullptr;
+    if (status.marksMissing) {
+        json["marksMissing"] = *status.marksMissing;
+    }
     json["clickAvailable"] = status.clickAvailable;
     json["hotkeyError"] = nullptr;
     if (status.hotkeyError) {

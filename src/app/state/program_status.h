@@ -7,7 +7,7 @@
 
 namespace vantrel {
 
-[[nodiscard]] ProgramStatus programStatus(const AppState& state, const Bundle& bundle);
+[[nodiscard]] ProgramStatus programStatus(const AppState& state, const Desktop& desktop);
 
 // One line.
 [[nodiscard]] std::string toJson(const ProgramStatus& status);

@@ -13,6 +13,8 @@ class InstalledBundle final : public Bundle {
 public:
     explicit InstalledBundle(const std::filesystem::path& executable = runningExecutable());
 
+    // Of all that is installed with the program for others, such as share.
+    [[nodiscard]] std::filesystem::path dataFolder() const { return folder_.parent_path(); }
     [[nodiscard]] std::optional<std::filesystem::path>
     resource(std::string_view name, std::string_view extension) const override;
     [[nodiscard]] std::optional<std::string> shortVersion() const override;

@@ -6,8 +6,7 @@
 
 namespace vantrel {
 
-// An effect as the shell's extension takes it, and back.
+// An effect as the shell's extension takes it.
 [[nodiscard]] QVariantMap messageOf(const Effect& effect);
-[[nodiscard]] Effect effectIn(const QVariantMap& message);
 
 } // namespace vantrel

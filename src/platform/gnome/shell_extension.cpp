@@ -1,0 +1,300 @@
+#include "platform/gnome/shell_extension.h"
+
+#include "platform/freedesktop/xdg_directories.h"
+#include "platform/gnome/effect_message.h"
+
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+
+#include <algorithm>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+const auto busService = QStringLiteral("org.freedesktop.DBus");
+const auto busPath = QStringLiteral("/org/freedesktop/DBus");
+const auto properties = QStringLiteral("org.freedesktop.DBus.Properties");
+const auto shellService = QStringLiteral("org.gnome.Shell");
+const auto shellPath = QStringLiteral("/org/gnome/Shell");
+const auto extensionsInterface = QStringLiteral("org.gnome.Shell.Extensions");
+const auto agentService = QStringLiteral("org.vantrel.Marks1");
+const auto agentPath = QStringLiteral("/org/vantrel/Marks1");
+
+constexpr int retryInterval = 2000; // milliseconds
+
+// In the user defaults: true from when the user has asked for an extension that the shell finds at
+// the next login only.
+constexpr std::string_view awaitedKey = "gnomeExtensionAwaited";
+
+QDBusMessage callOf(const QString& service, const QString& path, const QString& interface,
+                    const char* method, const QVariantList& arguments = {}) {
+    auto message =
+        QDBusMessage::createMethodCall(service, path, interface, QString::fromLatin1(method));
+    message.setArguments(arguments);
+    // Not to be started for this.
+    message.setAutoStartService(false);
+    return message;
+}
+
+bool isError(const QDBusMessage& answer) {
+    return answer.type() == QDBusMessage::ErrorMessage;
+}
+
+// Of an answer; an empty one for an error.
+QVariant valueIn(const QDBusMessage& answer) {
+    const auto arguments = answer.arguments();
+    if (isError(answer) || arguments.isEmpty()) {
+        return {};
+    }
+    const auto& value = arguments.front();
+    return value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value;
+}
+
+// Whether the shell will find it at the next login.
+bool install(const QString& uuid, const std::filesystem::path& dataFolder) {
+    const auto place = std::filesystem::path("gnome-shell/extensions") / uuid.toStdString();
+    std::error_code error;
+    const auto isTheInstallation = [&](const auto& folder) {
+        return std::filesystem::equivalent(folder, dataFolder, error);
+    };
+    const auto folders = dataDirectories();
+    if (std::ranges::none_of(folders, isTheInstallation)) {
+        const auto target = folders.front() / place;
+        std::filesystem::create_directories(target, error);
+        std::filesystem::copy(dataFolder / place, target,
+                              std::filesystem::copy_options::overwrite_existing, error);
+        return !error;
+    }
+    return std::filesystem::exists(dataFolder / place, error);
+}
+
+} // namespace
+
+ShellExtension::ShellExtension(QDBusConnection bus, UserDefaults& defaults,
+                               std::filesystem::path dataFolder)
+    : bus_(std::move(bus)), defaults_(defaults), dataFolder_(std::move(dataFolder)) {
+    qDBusRegisterMetaType<ShellShortcut>();
+    qDBusRegisterMetaType<QList<ShellShortcut>>();
+    retry_.setInterval(retryInterval);
+    retry_.setSingleShot(true);
+    connect(&retry_, &QTimer::timeout, this, [this] { tellEffect(); });
+    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                 SLOT(loseBus()));
+    watch(shellService);
+    watch(agentService);
+}
+
+ShellExtension::~ShellExtension() = default;
+
+Subscription ShellExtension::onChange(std::function<void()> callback) {
+    return changes_.add(std::move(callback));
+}
+
+void ShellExtension::watch(const QString& name) {
+    bus_.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"), {name},
+                 QStringLiteral("sss"), this, SLOT(ownerChanged(QString, QString, QString)));
+    call(callOf(busService, busPath, busService, "GetNameOwner", {name}),
+         [this, name](const QDBusMessage& answer) {
+             ownerChanged(name, {}, valueIn(answer).toString());
+         });
+}
+
+void ShellExtension::ownerChanged(const QString& name, const QString& /*former*/,
+                                  const QString& owner) {
+    name == shellService ? setShell(owner) : setAgent(owner);
+}
+
+// Signals are connected from the unique name: a well-known one would be looked up, and waited for.
+void ShellExtension::setShell(const QString& owner) {
+    if (owner == shell_) {
+        return;
+    }
+    const auto signal = QStringLiteral("ExtensionStateChanged");
+    bus_.disconnect(shell_, shellPath, extensionsInterface, signal, this,
+                    SLOT(extensionChanged(QString, QVariantMap)));
+    shell_ = owner;
+    if (owner.isEmpty()) {
+        update([](auto& report) { report = {}; });
+        return;
+    }
+    bus_.connect(owner, shellPath, extensionsInterface, signal, this,
+                 SLOT(extensionChanged(QString, QVariantMap)));
+    call(callOf(owner, shellPath, properties, "Get",
+                {extensionsInterface, QStringLiteral("ShellVersion")}),
+         [this](const QDBusMessage& answer) {
+             uuid_ = extensionFor(valueIn(answer).toString());
+             askForExtension();
+         });
+}
+
+void ShellExtension::askForExtension() {
+    call(callOf(shell_, shellPath, extensionsInterface, "GetExtensionInfo", {uuid_}),
+         [this](const QDBusMessage& answer) {
+             takeExtension(qdbus_cast<QVariantMap>(valueIn(answer)));
+         });
+}
+
+void ShellExtension::extensionChanged(const QString& uuid, const QVariantMap& info) {
+    if (uuid == uuid_) {
+        takeExtension(info);
+    }
+}
+
+void ShellExtension::takeExtension(const QVariantMap& info) {
+    const auto state = info.value(QStringLiteral("state"));
+    const auto known =
+        state.isValid() ? std::optional(ExtensionState(state.toInt())) : std::nullopt;
+    const bool isAwaited = defaults_.boolean(awaitedKey);
+    update([&](auto& report) {
+        report.hasShell = true;
+        report.extension = known;
+        report.isAwaited = isAwaited;
+    });
+    // It was asked for before the login that made it known.
+    if (isAwaited && (known == ExtensionState::disabled || known == ExtensionState::initialized)) {
+        switchOn();
+    }
+}
+
+void ShellExtension::enable() {
+    if (state() == MarksState::otherVersion) {
+        install(uuid_, dataFolder_);
+    } else if (!shell_.isEmpty()) {
+        switchOn();
+    }
+}
+
+void ShellExtension::switchOn() {
+    call(callOf(shell_, shellPath, extensionsInterface, "EnableExtension", {uuid_}),
+         [this](const QDBusMessage& answer) {
+             const bool isAwaited = !valueIn(answer).toBool() && install(uuid_, dataFolder_);
+             if (isAwaited != defaults_.boolean(awaitedKey)) {
+                 defaults_.setBoolean(awaitedKey, isAwaited);
+             }
+             update([&](auto& report) { report.isAwaited = isAwaited; });
+         });
+}
+
+void ShellExtension::setAgent(const QString& owner) {
+    if (owner == agent_) {
+        return;
+    }
+    const auto signal = QStringLiteral("Pressed");
+    bus_.disconnect(agent_, agentPath, agentService, signal, this, SLOT(pressed(uint)));
+    agent_ = owner;
+    toldEffect_.reset();
+    retry_.stop();
+    update([](auto& report) {
+        report.version.reset();
+        report.servesOther = false;
+        report.hasFailed = false;
+    });
+    if (owner.isEmpty()) {
+        return;
+    }
+    bus_.connect(owner, agentPath, agentService, signal, this, SLOT(pressed(uint)));
+    call(callOf(owner, agentPath, properties, "Get", {agentService, QStringLiteral("Version")}),
+         [this, owner](const QDBusMessage& answer) {
+             if (owner != agent_ || isError(answer)) {
+                 return;
+             }
+             update([&](auto& report) { report.version = valueIn(answer).toUInt(); });
+             tellEffect();
+             if (!shortcuts_.isEmpty()) {
+                 tellShortcuts();
+             }
+         });
+}
+
+void ShellExtension::show(const Effect& effect) {
+    effect_ = effect;
+    tellEffect();
+}
+
+void ShellExtension::clear() {
+    effect_.reset();
+    tellEffect();
+}
+
+void ShellExtension::tellEffect() {
+    if (report_.version != extensionVersion || (effect_ == toldEffect_ && !report_.servesOther)) {
+        return;
+    }
+    toldEffect_ = effect_;
+    call(effect_ ? callOf(agent_, agentPath, agentService, "Show", {messageOf(*effect_)})
+                 : callOf(agent_, agentPath, agentService, "Clear"),
+         [this, asked = agent_](const QDBusMessage& answer) {
+             if (asked == agent_) {
+                 takeAnswer(answer);
+             }
+         });
+}
+
+void ShellExtension::takeAnswer(const QDBusMessage& answer) {
+    const bool servesOther = answer.errorName() == agentService + QStringLiteral(".Error.Busy");
+    update([&](auto& report) {
+        report.servesOther = servesOther;
+        report.hasFailed = isError(answer) && !servesOther;
+    });
+    if (servesOther) {
+        retry_.start();
+    }
+}
+
+void ShellExtension::grab(const QList<ShellShortcut>& shortcuts) {
+    if (shortcuts != shortcuts_) {
+        shortcuts_ = shortcuts;
+        tellShortcuts();
+    }
+}
+
+void ShellExtension::tellShortcuts() {
+    if (state() != MarksState::available) {
+        return;
+    }
+    call(callOf(agent_, agentPath, agentService, "Grab", {QVariant::fromValue(shortcuts_)}),
+         [this, shortcuts = shortcuts_](const QDBusMessage& answer) {
+             const auto refused = qdbus_cast<QList<std::uint32_t>>(valueIn(answer));
+             if (shortcuts == shortcuts_ && !refused.isEmpty() && onRefused) {
+                 onRefused(refused);
+             }
+         });
+}
+
+void ShellExtension::pressed(uint number) {
+    if (onPressed) {
+        onPressed(number);
+    }
+}
+
+void ShellExtension::loseBus() {
+    setAgent({});
+    setShell({});
+}
+
+template <typename Change>
+void ShellExtension::update(Change change) {
+    const auto before = state();
+    change(report_);
+    if (state() != before) {
+        changes_.notify();
+    }
+}
+
+void ShellExtension::call(const QDBusMessage& message,
+                          std::function<void(const QDBusMessage&)> answered) {
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [watcher, answered = std::move(answered)] {
+                watcher->deleteLater();
+                answered(watcher->reply());
+            });
+}
+
+} // namespace vantrel

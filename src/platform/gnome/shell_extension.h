@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/freedesktop/bus_structure.h"
+#include "platform/gnome/shell_report.h"
+#include "platform/marks.h"
+#include "platform/session.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+// A key combination as the shell writes it, by a number of the caller's choice.
+struct ShellShortcut {
+    std::uint32_t number = 0;
+    QString accelerator{};
+
+    static auto members(auto& self) { return std::tie(self.number, self.accelerator); }
+    bool operator==(const ShellShortcut&) const = default;
+};
+
+// The program's side of its extension of GNOME Shell. Nothing waits for the shell: it is told when
+// it listens, and all of it again each time that the extension comes back.
+class ShellExtension final : public QObject, public Marks {
+    Q_OBJECT
+
+public:
+    // Of the session's bus. The folder is that of the installation which has the extension in
+    // gnome-shell/extensions; the user's own gets a copy if the shell does not look there.
+    ShellExtension(QDBusConnection bus, UserDefaults& defaults, std::filesystem::path dataFolder);
+    ~ShellExtension() override;
+
+    [[nodiscard]] MarksState state() const override { return stateOf(report_); }
+    [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
+    void show(const Effect& effect) override;
+    void clear() override;
+    void enable() override;
+
+    // All of them, in place of earlier ones.
+    void grab(const QList<ShellShortcut>& shortcuts);
+    // Those that the shell has refused, by their numbers.
+    std::function<void(const QList<std::uint32_t>&)> onRefused;
+    std::function<void(std::uint32_t number)> onPressed;
+
+private Q_SLOTS:
+    void ownerChanged(const QString& name, const QString& former, const QString& owner);
+    void extensionChanged(const QString& uuid, const QVariantMap& info);
+    void pressed(uint number);
+    void loseBus();
+
+private:
+    void watch(const QString& name);
+    void setShell(const QString& owner);
+    void setAgent(const QString& owner);
+    void askForExtension();
+    void takeExtension(const QVariantMap& info);
+    void switchOn();
+    void tellEffect();
+    void tellShortcuts();
+    void takeAnswer(const QDBusMessage& answer);
+    template <typename Change>
+    void update(Change change);
+    void call(const QDBusMessage& message, std::function<void(const QDBusMessage&)> answered);
+
+    QDBusConnection bus_;
+    UserDefaults& defaults_;
+    std::filesystem::path dataFolder_;
+    ShellReport report_;
+    QString shell_; // the unique names of those who are there
+    QString agent_;
+    QString uuid_; // of the flavour for this shell
+    std::optional<Effect> effect_;
+    std::optional<Effect> toldEffect_; // and answered for, or on its way
+    QList<ShellShortcut> shortcuts_;
+    QTimer retry_; // while it serves another program
+    Observers<> changes_;
+};
+
+} // namespace vantrel
