@@ -71,15 +71,12 @@ bool AppState::wantsClicks() const {
 
 void AppState::apply() {
     suspended_ = false;
-    if (marks_.get() == MarksState::available) {
-        overlays_.stop();
-        clicks_.stop();
+    const bool drawnHere = marks_.get() != MarksState::available;
+    overlays_.apply(drawnHere ? mode_.get() : CursorMode::off, preferences_.get());
+    if (!drawnHere) {
         showMarks();
-        clickAvailable_.set(true);
-        return;
     }
-    overlays_.apply(mode_.get(), preferences_.get());
-    if (wantsClicks()) {
+    if (drawnHere && wantsClicks()) {
         clickAvailable_.set(clicks_.start());
     } else {
         clicks_.stop();
