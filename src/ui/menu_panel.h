@@ -4,7 +4,6 @@
 #include "ui/components/view_context.h"
 
 #include <optional>
-#include <string_view>
 
 namespace vantrel {
 
@@ -12,11 +11,6 @@ namespace vantrel {
 // when there is none, with texts of that scale.
 [[nodiscard]] int panelSectionHeight(CursorMode mode, std::optional<double> visibleHeight,
                                      double textScale = 1);
-
-// In the user defaults: true once the notice about Wayland sessions was dismissed, and that about
-// marks that the desktop could draw.
-inline constexpr std::string_view waylandNoticeDismissedKey = "waylandNoticeDismissed";
-inline constexpr std::string_view marksNoticeDismissedKey = "marksNoticeDismissed";
 
 // What opens from the status item: the mode, and the few settings that it has. It is always as wide
 // as its hint, and as high when everything is to be seen.

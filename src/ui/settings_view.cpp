@@ -11,6 +11,7 @@
 #include "ui/components/switcher.h"
 #include "ui/preference_controls.h"
 #include "ui/settings_pages.h"
+#include "ui/wayland_notice.h"
 
 #include <QHideEvent>
 #include <QKeyEvent>
@@ -159,10 +160,11 @@ QMessageBox* makeResetAlert(ViewContext& view, QWidget* parent) {
 SettingsView::SettingsView(ViewContext& view) : SettingsView(view, makeTabButtons(view)) {}
 
 SettingsView::SettingsView(ViewContext& view, const std::vector<QWidget*>& tabButtons)
-    : VantrelBackground(column(
-          0,
-          {header(view), row(0, {new ModeChoices(view, Density::compact)})->padded({20, 0, 20, 14}),
-           tabBar(view, tabButtons), divider(), pages(view, [this] { confirmReset(); })})),
+    : VantrelBackground(
+          column(0, {header(view),
+                     row(0, {new ModeChoices(view, Density::compact)})->padded({20, 0, 20, 14}),
+                     marksNotice(view, {20, 0, 16, 12}), tabBar(view, tabButtons), divider(),
+                     pages(view, [this] { confirmReset(); })})),
       view_(view),
       tabButtons_(tabButtons) {}
 

@@ -136,6 +136,9 @@ TEST_F(WaylandPanelTest, OffersMarksThatTheDesktopCouldDraw) {
     EXPECT_TRUE(says(offer));
     click("Switch On");
     EXPECT_EQ(desktop.marks.enables, 1);
+    open<SettingsView>();
+    EXPECT_TRUE(says(offer));
+    open<MenuPanel>();
     desktop.marks.set(MarksState::needsLogin);
     update();
     EXPECT_TRUE(says("Log out and in again once: then GNOME draws the marks over every window."));

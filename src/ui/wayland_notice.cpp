@@ -1,0 +1,96 @@
+#include "ui/wayland_notice.h"
+
+#include "ui/components/buttons.h"
+#include "ui/components/label.h"
+#include "ui/components/stack.h"
+
+namespace vantrel {
+
+namespace {
+
+// What there is to say of a Wayland session in which the desktop does not draw the marks.
+Text waylandText(MarksState marks) {
+    switch (marks) {
+    case MarksState::none:
+    case MarksState::available:
+        break;
+    case MarksState::off:
+        return {
+            "GNOME can draw the marks over every window, and take the shortcuts everywhere. The "
+            "extension that does so is switched off.",
+            "GNOME 可以在所有窗口上绘制标记，并在任何地方接收快捷键。"
+            "执行此任务的扩展已关闭。"};
+    case MarksState::needsLogin:
+        return {"Log out and in again once: then GNOME draws the marks over every window.",
+                "请注销并重新登录一次，之后 GNOME 会在所有窗口上绘制标记。"};
+    case MarksState::otherVersion:
+        return {
+            "GNOME runs the extension of another version of Vantrel. Log out and in again once.",
+            "GNOME 正在运行其他版本 Vantrel 的扩展。请注销并重新登录一次。"};
+    case MarksState::busy:
+        return {"GNOME draws the marks of another Vantrel in this session.",
+                "GNOME 正在绘制此会话中另一个 Vantrel 的标记。"};
+    case MarksState::unsupported:
+        return {"This version of GNOME does not take the extension that draws the marks. Effects "
+                "appear only over windows of X programs.",
+                "此版本的 GNOME 不接受绘制标记的扩展。效果仅显示在 X 程序的窗口上。"};
+    case MarksState::failed:
+        return {"The extension that draws the marks does not work in GNOME. Effects appear only "
+                "over windows of X programs.",
+                "绘制标记的扩展在 GNOME 中无法工作。效果仅显示在 X 程序的窗口上。"};
+    }
+    return {"In a Wayland session, effects and shortcuts work only while an X "
+            "program has the keyboard. Effects appear only over windows of X "
+            "programs, and hide when the pointer rests for 3 seconds.",
+            "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+            "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。"};
+}
+
+// Who has dismissed that nothing can be done has not dismissed what can.
+std::string_view dismissedKey(MarksState marks) {
+    return marks == MarksState::none ? waylandNoticeDismissedKey : marksNoticeDismissedKey;
+}
+
+QWidget* notice(ViewContext& view, const QMargins& around, const std::function<bool()>& isShown) {
+    if (!view.desktop().application.inWaylandSession()) {
+        return nullptr;
+    }
+    const auto marks = [&view] { return view.state().marks().get(); };
+    auto* text = symbolLabel(
+        view, "info.circle", Tone::secondary,
+        [marks](bool english) { return waylandText(marks())(english); },
+        captionText.toned(Tone::secondary));
+    auto* dismiss =
+        iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"},
+                   [&view, marks] {
+                       view.desktop().userDefaults.setBoolean(dismissedKey(marks()), true);
+                       view.refresh();
+                   });
+    auto* enable =
+        pushButton(view, Text{"Switch On", "开启"}, [&view] { view.state().enableMarks(); });
+    return view.showWhile(
+        column(6, {row(8, {text, dismiss}, Alignment::leading),
+                   view.showWhile(hugging(enable), [marks] { return marks() == MarksState::off; })})
+            ->padded(around),
+        isShown);
+}
+
+} // namespace
+
+bool hasWaylandNotice(const ViewContext& view) {
+    const auto marks = view.state().marks().get();
+    return view.desktop().application.inWaylandSession() && marks != MarksState::available &&
+           !view.desktop().userDefaults.boolean(dismissedKey(marks));
+}
+
+QWidget* waylandNotice(ViewContext& view, const QMargins& around) {
+    return notice(view, around, [&view] { return hasWaylandNotice(view); });
+}
+
+QWidget* marksNotice(ViewContext& view, const QMargins& around) {
+    return notice(view, around, [&view] {
+        return hasWaylandNotice(view) && view.state().marks().get() != MarksState::none;
+    });
+}
+
+} // namespace vantrel
