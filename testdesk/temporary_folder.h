@@ -13,6 +13,9 @@ public:
     TemporaryFolder& operator=(TemporaryFolder&& other) noexcept;
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] std::filesystem::path operator/(const std::filesystem::path& name) const {
+        return path_ / name;
+    }
 
 private:
     std::filesystem::path path_;

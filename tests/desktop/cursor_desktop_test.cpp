@@ -1,3 +1,4 @@
+#include "overlay/drawn_cursor.h"
 #include "platform/x11/cursor_images.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/private_server.h"
@@ -14,16 +15,6 @@
 
 namespace vantrel::desktop {
 namespace {
-
-class DrawnArrow final : public CursorImages {
-public:
-    [[nodiscard]] CursorImage arrow(double scale) const override {
-        CursorImage cursor{QImage(1, 1, QImage::Format_ARGB32_Premultiplied), {7, 8}};
-        cursor.image.fill(Qt::red);
-        cursor.image.setDevicePixelRatio(scale);
-        return cursor;
-    }
-};
 
 // A server whose root window shows the arrow of a theme, as programs choose it.
 class CursorDesktopTest : public testing::Test {
@@ -45,12 +36,16 @@ protected:
     }
     void TearDown() override { std::filesystem::remove(themes); }
 
-    void setResources(const std::string& resources) {
-        setBytes(client.root(), "RESOURCE_MANAGER", resources);
+    void setBytes(const std::string& property, const std::string& bytes) {
+        xcb_change_property(client.get(), XCB_PROP_MODE_REPLACE, client.root(),
+                            client.atom(property), XCB_ATOM_STRING, 8,
+                            static_cast<std::uint32_t>(bytes.size()), bytes.data());
+        client.sync();
     }
+    void setResources(const std::string& resources) { setBytes("RESOURCE_MANAGER", resources); }
     // As the settings program of a desktop does.
     void setSetting(const std::string& block) {
-        setBytes(client.root(), "_XSETTINGS_SETTINGS", block);
+        setBytes("_XSETTINGS_SETTINGS", block);
         xcb_set_selection_owner(client.get(), client.root(), client.atom("_XSETTINGS_S0"),
                                 XCB_CURRENT_TIME);
         client.sync();
@@ -86,17 +81,9 @@ protected:
     inline static std::filesystem::path themes;
     PrivateServer server = PrivateServer::virtualScreen();
     XConnection client{server.display()};
-    DrawnArrow drawn;
+    DrawnCursor drawn;
     std::unique_ptr<x11::Connection> connection;
     std::optional<x11::X11CursorImages> cursors;
-
-private:
-    void setBytes(xcb_window_t window, const std::string& property, const std::string& bytes) {
-        xcb_change_property(client.get(), XCB_PROP_MODE_REPLACE, window, client.atom(property),
-                            XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(bytes.size()),
-                            bytes.data());
-        client.sync();
-    }
 };
 
 TEST_F(CursorDesktopTest, IsThePictureThatTheServerShows) {

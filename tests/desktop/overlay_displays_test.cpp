@@ -47,17 +47,6 @@ TEST_F(TwoMonitorsTest, DrawsOnceWhatTwoOfUnlikeSizeBothShow) {
     EXPECT_EQ(x11->screens.list()[1].frame, (GlobalRect{0, 100, 700, 500}));
 }
 
-TEST_F(TwoMonitorsTest, GoesOnWhenTheDisplayUnderThePointerIsRemoved) {
-    start();
-    input.moveTo({700, 300});
-    EXPECT_TRUE(becomes({700, 300}, blended(yellow, 0.35)));
-    // The server does not tell of a defined monitor that is deleted, only of one that is set.
-    setMonitors(watcher, {{0, 0, 499, 600}});
-    EXPECT_TRUE(becomes({700, 300}, blue));
-    input.moveTo({250, 300});
-    EXPECT_TRUE(becomes({250, 300}, blended(yellow, 0.35)));
-}
-
 TEST_F(TwoMonitorsTest, LeavesNothingBehindAfterManyChanges) {
     start();
     manager->addClick({250, 300}, MouseButton::left);
@@ -66,7 +55,7 @@ TEST_F(TwoMonitorsTest, LeavesNothingBehindAfterManyChanges) {
     const std::uint32_t substructure = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(watcher.get(), watcher.root(), XCB_CW_EVENT_MASK, &substructure);
     std::size_t windows = 0;
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < 5; ++round) {
         setMonitors(watcher, {{0, 0, 500 - round, 600}});
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 1; })) << round;
         setMonitors(watcher, {{0, 0, 500, 600}, {500, 0, 500, 600}});
@@ -158,7 +147,7 @@ TEST_F(OutputsTest, ComeAndGoWhileTheHighlightIsOn) {
     startCompositing();
     start();
     ASSERT_TRUE(shows({300, 200}));
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 2; ++round) {
         setOutputs(watcher, {{{800, 600}, 60, {0, 0}}, {{640, 480}, 120, {800, 0}}});
         ASSERT_TRUE(runUntil([&] { return x11->screens.list().size() == 2; }));
         EXPECT_TRUE(shows({1000, 200}));

@@ -1,79 +1,32 @@
+#include "platform/freedesktop/unique_descriptor.h"
+#include "support/event_loop.h"
+#include "support/mock_login_manager.h"
 #include "support/program_fixture.h"
-#include "testdesk/x_traffic.h"
+#include "testdesk/core_application.h"
+
+#include <algorithm>
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 namespace vantrel::desktop {
 namespace {
 
 using namespace std::chrono_literals;
+namespace fs = std::filesystem;
 
-TEST_F(ProgramInUseTest, ShowsTheHighlightUntilASignalEndsIt) {
+TEST_F(ProgramInUseTest, SavesItsModeWhenASignalEndsIt) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         auto program = start();
         EXPECT_TRUE(shows("highlight"));
+        typeShortcut('l');
+        ASSERT_TRUE(shows("laser"));
         program.signal(signal);
         EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
         EXPECT_TRUE(shows("off"));
+        EXPECT_EQ(storedMode(), "laser");
         EXPECT_EQ(errors(), "");
     }
-}
-
-TEST_F(ProgramTest, SaysInOneLineWhatItCannotDo) {
-    const auto fails = [&](const VantrelOptions& options, int code, std::string_view line) {
-        auto program = start(options);
-        EXPECT_EQ(program.wait(5s), (ExitStatus{.code = code}));
-        EXPECT_EQ(errors(), line);
-    };
-    fails({.environment = {{"DISPLAY", ""}}}, 1,
-          "vantrel: cannot connect to an X server: DISPLAY is not set\n");
-    fails({.environment = {{"DISPLAY", ":4321"}}}, 1,
-          "vantrel: cannot connect to the X server \":4321\"\n");
-    fails({.arguments = {"--nonsense"}}, 2,
-          "vantrel: unknown command \"--nonsense\", see vantrel --help\n");
-}
-
-TEST_F(ProgramTest, EndsWithTheServer) {
-    input.moveTo({300, 300});
-    auto program = start();
-    ASSERT_TRUE(waitFor([&] { return isMarked(watcher, {300, 300}, 0); }));
-    server.stop();
-    EXPECT_EQ(program.wait(5s), (ExitStatus{.code = 0}));
-    EXPECT_EQ(errors(), "");
-}
-
-TEST_F(ProgramTest, AsksOnlyForFramesAndThePointerWhileItRests) {
-    const auto compositing = startCompositingManager(server);
-    XTraffic traffic(server.display());
-    const auto program = start({.display = traffic.display()});
-    ASSERT_TRUE(waitFor([&] { return traffic.counts().frames.size() > 60; }));
-    const auto before = traffic.counts();
-    ASSERT_TRUE(
-        waitFor([&] { return traffic.counts().frames.size() >= before.frames.size() + 120; }));
-    const auto rest = traffic.counts() - before;
-    const RequestKind notifyFrame{*watcher.majorOpcode("Present"), 2};
-    const RequestKind queryPointer{38, 0};
-    EXPECT_NEAR(static_cast<double>(rest.count(notifyFrame)), 120, 3);
-    EXPECT_NEAR(static_cast<double>(rest.count(queryPointer)), 120, 3);
-    EXPECT_EQ(rest.totalRequests(), rest.count(notifyFrame) + rest.count(queryPointer));
-}
-
-TEST_F(ProgramInUseTest, TogglesTheModesFromAnotherProgramsWindow) {
-    auto program = start({.preferences = preferencesShowing("laser")});
-    ASSERT_TRUE(shows("laser"));
-    typeShortcut('l');
-    EXPECT_TRUE(shows("off"));
-    for (const auto lock : {XK_Caps_Lock, XK_Num_Lock}) {
-        input.typeChord({static_cast<std::uint32_t>(lock)});
-    }
-    typeShortcut('h');
-    EXPECT_TRUE(shows("highlight"));
-    typeShortcut('l');
-    EXPECT_TRUE(shows("laser"));
-    typeShortcut('h');
-    EXPECT_TRUE(shows("highlight"));
-    typeShortcut('h');
-    EXPECT_TRUE(shows("off"));
-    EXPECT_TRUE(program.running());
-    EXPECT_EQ(errors(), "");
 }
 
 TEST_F(ProgramInUseTest, PlaysClicksInHighlightModeOnly) {
@@ -100,6 +53,83 @@ TEST_F(ProgramInUseTest, PlaysClicksInHighlightModeOnly) {
     ASSERT_TRUE(shows("laser"));
     input.click();
     EXPECT_FALSE(ringAppears(300ms));
+}
+
+// The program in a session that a login manager watches over.
+class SleepTest : public ProgramInUseTest {
+protected:
+    // Where the program writes a document before it takes the place of the former one.
+    [[nodiscard]] fs::path unfinishedDocument() const {
+        return configFolder() / ".Vantrel.preferences.v1.new";
+    }
+    ChildProcess startInSession() {
+        auto program = start(
+            {.environment = {{"DBUS_SYSTEM_BUS_ADDRESS", privateBusAddress().toStdString()}}});
+        EXPECT_TRUE(shows("highlight"));
+        EXPECT_TRUE(waitUntilHeld());
+        return program;
+    }
+    [[nodiscard]] bool waitUntilHeld() const {
+        return runUntil(
+            [this] { return manager.sleepLocks() == 1 && manager.shutdownLocks() == 1; });
+    }
+    // As a slow disk would; until the result is destroyed.
+    [[nodiscard]] UniqueDescriptor holdUpSaves() const {
+        UniqueDescriptor file(
+            open(unfinishedDocument().c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        EXPECT_EQ(flock(file.get(), LOCK_EX), 0);
+        return file;
+    }
+    [[nodiscard]] bool isHeldUp(const ChildProcess& program) const {
+        const auto open = "/proc/" + std::to_string(program.pid()) + "/fd";
+        return waitFor([&] {
+            return std::ranges::any_of(fs::directory_iterator(open), [this](const auto& file) {
+                std::error_code closed;
+                return fs::read_symlink(file.path(), closed) == unfinishedDocument();
+            });
+        });
+    }
+
+private:
+    CoreApplication application_;
+    PrivateBus bus_{privateBusSocket()};
+
+protected:
+    MockLoginManager manager;
+};
+
+TEST_F(SleepTest, WaitsForTheSaveAndTheOverlayComesBackAfterIt) {
+    auto program = startInSession();
+    auto slowDisk = std::make_optional(holdUpSaves());
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    manager.announce("PrepareForSleep", true);
+    EXPECT_TRUE(shows("off"));
+    EXPECT_TRUE(isHeldUp(program));
+    EXPECT_EQ(manager.sleepLocks(), 1);
+    EXPECT_EQ(storedMode(), "highlight");
+    slowDisk.reset();
+    EXPECT_TRUE(runUntil([this] { return manager.sleepLocks() == 0; }));
+    EXPECT_EQ(storedMode(), "laser");
+
+    manager.announce("PrepareForSleep", false);
+    EXPECT_TRUE(shows("laser"));
+    EXPECT_TRUE(waitUntilHeld());
+    typeShortcut('h');
+    EXPECT_TRUE(shows("highlight"));
+    EXPECT_TRUE(stores("highlight"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(SleepTest, IsNotNeededForTheShutdownToSaveAndEndTheProgram) {
+    auto program = startInSession();
+    typeShortcut('l');
+    ASSERT_TRUE(shows("laser"));
+    manager.announce("PrepareForShutdown", true);
+    EXPECT_TRUE(runUntil([this] { return manager.shutdownLocks() == 0; }));
+    EXPECT_EQ(storedMode(), "laser");
+    EXPECT_EQ(program.wait(5s), ExitStatus{.code = 0});
+    EXPECT_EQ(errors(), "");
 }
 
 } // namespace

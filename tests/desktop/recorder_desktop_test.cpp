@@ -146,10 +146,8 @@ TEST_F(RecorderDesktopTest, RecordsWhatIsPressed) {
         {{XK_Control_L, XK_Alt_L, 'j'}, controlOptionJ},
         {{XK_Control_R, XK_Alt_R, 'j'}, controlOptionJ},
         {{XK_Super_L, 'q'}, {12, 256, "⌘Q"}},
-        {{XK_Super_R, XK_Shift_L, 'k'}, {40, 768, "⇧⌘K"}},
         {{XK_Control_L, XK_Shift_R, '7'}, {26, 4608, "⌃⇧&"}},
         {{XK_Alt_L, XK_space}, {49, 2048, "⌥Space"}},
-        {{XK_Control_L, XK_F3}, {99, 4096, "⌃F3"}},
         {{XK_Control_L, XK_Up}, {126, 4096, "⌃Up"}},
         {{XK_Control_L, XK_Page_Down}, {121, 4096, "⌃Page_Down"}},
         {{XK_Control_L, XK_Shift_L, XK_Tab}, {48, 4608, "⌃⇧Tab"}},
@@ -204,14 +202,6 @@ TEST_F(RecorderDesktopTest, GoesByThePlaceOfTheKeyAndShowsWhatTheLayoutHasThere)
     EXPECT_EQ(alert.beeps, 0);
 }
 
-TEST_F(RecorderDesktopTest, FollowsASwitchOfTheLayoutWhileItRecords) {
-    runProgram({"setxkbmap", "us,ru", "-option", "grp:alt_shift_toggle"});
-    startRecording();
-    input.typeChord({XK_Alt_L, XK_Shift_L});
-    EXPECT_EQ(recordedAs({XK_Control_L, XK_Alt_L, 'j'}), (Shortcut{38, 6144, "⌃⌥О"}));
-    EXPECT_EQ(alert.beeps, 0);
-}
-
 TEST_F(RecorderDesktopTest, FollowsAltSuperAndMetaToOtherKeys) {
     runProgram({"setxkbmap", "us", "-option", "altwin:meta_win"});
     EXPECT_EQ(recordedAs({XK_Meta_L, 'q'}), (Shortcut{12, 256, "⌘Q"}));
@@ -237,12 +227,8 @@ TEST_F(RecorderDesktopTest, RecordsOurOwnShortcutWithoutCarryingItOut) {
 
 TEST_F(RecorderDesktopTest, RecordsWhatIsAnotherProgramsAndLeavesItToIt) {
     ASSERT_TRUE(other.grabKey(keyJ, controlAlt));
-    const std::vector<std::uint32_t> chord{XK_Control_L, XK_Alt_L, 'j'};
-    EXPECT_EQ(recordedAs(chord), controlOptionJ);
+    EXPECT_EQ(recordedAs({XK_Control_L, XK_Alt_L, 'j'}), controlOptionJ);
     EXPECT_FALSE(otherReceived(keyJ));
-    EXPECT_TRUE(runUntil([this] { return keyboardIsFree(); }));
-    input.typeChord(chord);
-    EXPECT_TRUE(waitFor([this] { return otherReceived(keyJ); }));
 }
 
 TEST_F(RecorderDesktopTest, GivesTheKeyboardBackHoweverRecordingEnds) {
@@ -275,15 +261,6 @@ TEST_F(RecorderDesktopTest, GivesTheKeyboardBackHoweverRecordingEnds) {
         EXPECT_EQ(std::exchange(recorded, {}).size(), i < 2 ? 1U : 0U);
         open();
     }
-}
-
-TEST_F(RecorderDesktopTest, RecordsFromItsFocusWhileAnotherProgramHasTheKeyboard) {
-    ASSERT_TRUE(other.grabKeyboard());
-    startRecording();
-    other.releaseKeyboard();
-    input.typeChord({XK_Control_L, XK_Alt_L, 'j'});
-    EXPECT_TRUE(runUntil([this] { return !recorded.empty(); }));
-    EXPECT_THAT(recorded, ElementsAre(controlOptionJ));
 }
 
 TEST(AlertSoundDesktopTest, RingsTheBellAtOnce) {

@@ -11,6 +11,7 @@ namespace vantrel::desktop {
 namespace {
 
 using namespace std::chrono_literals;
+namespace fs = std::filesystem;
 
 class LaunchTest : public ShellTest {
 protected:
@@ -19,35 +20,31 @@ protected:
     }
 };
 
-TEST_F(LaunchTest, OpensTheWelcomeUntilItWasDismissedOrTheSettingsOnRequest) {
-    struct Case {
-        nlohmann::json preferences;
-        std::vector<std::string> arguments;
-        WindowQuery opened;
-    };
-    // The first ones store nothing.
-    for (const auto& [preferences, arguments, opened] :
-         {Case{nullptr, {}, welcome}, Case{nullptr, {"--settings"}, settings},
-          Case{preferencesShowing("highlight"), {"--settings"}, settings}}) {
-        const auto program = start({.preferences = preferences, .arguments = arguments});
-        const auto window = shown(opened);
+TEST_F(LaunchTest, OfAFreshInstallationOpensTheWelcomeAndSavesForTheUserAlone) {
+    {
+        const auto program = startAgain();
+        const auto window = shown(welcome);
         ASSERT_TRUE(window);
         EXPECT_TRUE(getsFocus(*window));
         EXPECT_EQ(visibleWindows(watcher, anyWindow).size(), 1U);
+        EXPECT_FALSE(fs::exists(configFolder()));
+        typeShortcut('h');
+        EXPECT_TRUE(stores("highlight"));
+        EXPECT_EQ(fs::status(configFolder()).permissions(), fs::perms::owner_all);
+        EXPECT_EQ(fs::status(document()).permissions(),
+                  fs::perms::owner_read | fs::perms::owner_write);
     }
-    const auto program = start();
-    ASSERT_TRUE(shown(overlay));
-    EXPECT_TRUE(staysHidden(anyWindow));
+    const auto program = startSecond({"--settings"});
+    EXPECT_TRUE(shown(overlay));
+    EXPECT_TRUE(shown(settings));
+    EXPECT_EQ(visibleWindows(watcher, anyWindow).size(), 1U);
     EXPECT_EQ(errors(), "");
 }
 
-TEST_F(LaunchTest, ControlAndTheCommaKeyOpenTheSettingsFromAWindow) {
-    const auto program = start({.preferences = nullptr});
-    const auto window = shown(welcome);
-    ASSERT_TRUE(window);
-    ASSERT_TRUE(typeIn(input, watcher, *window, {XK_Control_L, ','}));
-    EXPECT_TRUE(shown(settings));
-    EXPECT_TRUE(shown(welcome));
+TEST_F(LaunchTest, OpensNoWindowOnceTheWelcomeWasDismissed) {
+    const auto program = start();
+    ASSERT_TRUE(shown(overlay));
+    EXPECT_TRUE(staysHidden(anyWindow));
 }
 
 TEST_F(LaunchTest, AnotherStartReachesTheRunningProgramWithoutATray) {
@@ -103,27 +100,6 @@ TEST_F(LaunchTest, AnotherStartBringsAWindowFromAnotherWorkspace) {
     EXPECT_TRUE(getsFocus(*window));
 }
 
-TEST_F(LaunchTest, StartsAtTheSameMomentLeaveOneProgram) {
-    writePreferences(server.folder() / "config", preferencesShowing("highlight"));
-    for (int round = 0; round < 3; ++round) {
-        std::vector<ChildProcess> programs;
-        for (const char* log : {"one", "two", "three"}) {
-            programs.push_back(start({.preferences = nullptr, .log = log}));
-        }
-        const auto running = [&] {
-            return std::ranges::count_if(programs, [](ChildProcess& p) { return p.running(); });
-        };
-        EXPECT_TRUE(waitFor([&] { return running() == 1; }));
-        ASSERT_TRUE(shown(settings));
-        EXPECT_EQ(running(), 1);
-        for (ChildProcess& program : programs) {
-            if (!program.running()) {
-                EXPECT_EQ(program.wait(0ms), (ExitStatus{.code = 0}));
-            }
-        }
-    }
-}
-
 // A change in the desktop's own settings, for one.
 TEST_F(LaunchTest, ComingBackToTheProgramTakesOverWhatHappenedToTheLoginItem) {
     const auto program = start({.arguments = {"--settings"}});
@@ -136,7 +112,7 @@ TEST_F(LaunchTest, ComingBackToTheProgramTakesOverWhatHappenedToTheLoginItem) {
         watcher.sync();
     };
     const auto autostart = server.folder() / "config" / "autostart";
-    std::filesystem::create_directories(autostart);
+    fs::create_directories(autostart);
     std::ofstream(autostart / "vantrel.desktop")
         << "[Desktop Entry]\nType=Application\nExec=" << programUnderTest().string() << '\n';
     // The toolkit takes a keyboard that comes back soon for one that has never left.

@@ -1,42 +1,28 @@
-#include "support/components_fixture.h"
-#include "ui/components/action_row.h"
-#include "ui/components/buttons.h"
+#include "support/views_fixture.h"
 #include "ui/components/color_well.h"
-#include "ui/components/effect_preview.h"
-#include "ui/components/highlight_choices.h"
-#include "ui/components/label.h"
 #include "ui/components/mode_choices.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/plain_style.h"
-#include "ui/components/scroll_view.h"
 #include "ui/components/section_card.h"
 #include "ui/components/slider.h"
-#include "ui/components/stack.h"
-#include "ui/components/switch_toggle.h"
+#include "ui/components/style.h"
 #include "ui/components/value_slider.h"
 
 #include <QAccessible>
 #include <QColorDialog>
-#include <QScrollBar>
+#include <QProxyStyle>
 
 namespace vantrel {
 namespace {
 
-class ComponentsTest : public ViewTest {
+// The components, in the pages that are made of them.
+class ComponentsTest : public ViewsTest {
 protected:
-    static QAccessibleInterface* told(QObject* part) {
-        return QAccessible::queryAccessibleInterface(part);
+    QAccessibleInterface* told(const char* name) {
+        return QAccessible::queryAccessibleInterface(named(name));
     }
-    ValueSlider* diameterSlider() {
-        return new ValueSlider(
-            view, Text{"Diameter", "直径"},
-            view.binding(&AppPreferences::highlight, &HighlightSettings::diameter),
-            {.range = {24, 120, 64}, .suffix = "pt"});
-    }
-    SwitchToggle* idleToggle() {
-        return new SwitchToggle(
-            view, Text{"Hide when idle", "闲置时隐藏"},
-            view.binding(&AppPreferences::highlight, &HighlightSettings::idleHide));
+    QRgb pixel(const char* name, QPoint place) {
+        return named(name)->grab().toImage().pixel(place);
     }
 };
 
@@ -50,109 +36,121 @@ TEST_F(ComponentsTest, SliderTextIsRoundedWithHalvesAwayFromZero) {
 }
 
 TEST_F(ComponentsTest, ASliderIsDraggedAndFollowsTheState) {
-    show(diameterSlider());
+    openSettings(SettingsTab::appearance);
     auto* slider = named<Slider>("Diameter");
+    const auto diameter = [&] { return preferences().highlight.diameter; };
     QTest::keyClick(slider, Qt::Key_Right);
-    EXPECT_EQ(preferences().highlight.diameter, 65);
+    EXPECT_EQ(diameter(), 65);
     QTest::mousePress(slider, Qt::LeftButton, {}, {slider->width() / 2, 10});
-    EXPECT_NEAR(preferences().highlight.diameter, 72, 0.5);
+    EXPECT_NEAR(diameter(), 72, 0.5);
     QTest::mouseMove(slider, {2 * slider->width(), 10});
-    EXPECT_EQ(preferences().highlight.diameter, 120);
-    QTest::mouseRelease(slider, Qt::LeftButton, {}, {2 * slider->width(), 10});
+    EXPECT_EQ(diameter(), 120);
+    QTest::mouseMove(slider, {slider->width() / 2, 10});
+    EXPECT_NEAR(diameter(), 72, 0.5);
+    QTest::mouseRelease(slider, Qt::LeftButton, {}, {slider->width() / 2, 10});
+    // Held beside its middle, the knob stays where it is.
+    QTest::mousePress(slider, Qt::LeftButton, {}, {slider->width() / 2 + 4, 10});
+    EXPECT_NEAR(diameter(), 72, 0.5);
+    QTest::mouseRelease(slider, Qt::LeftButton, {}, {slider->width() / 2 + 4, 10});
 
     EXPECT_EQ(assignments([&] {
                   change([](auto& preferences) { preferences.highlight.diameter = 47.123; });
               }),
               1);
-    EXPECT_EQ(preferences().highlight.diameter, 47.123);
+    EXPECT_EQ(diameter(), 47.123);
     EXPECT_NEAR(slider->shownValue(), 47.123, 0.01);
 }
 
 TEST_F(ComponentsTest, AllDigitsAreEquallyWide) {
     OffscreenApplication::useFont("Inter"); // whose own are not
-    show(diameterSlider());
-    const auto width = [&](double value) {
+    openSettings(SettingsTab::appearance);
+    const auto width = [&](int value) {
         change([&](auto& preferences) { preferences.highlight.diameter = value; });
-        return window->findChildren<QLabel*>()[1]->sizeHint().width();
+        return label(QStringLiteral("%1 pt").arg(value))->sizeHint().width();
     };
     EXPECT_EQ(width(31), width(88));
     EXPECT_LT(width(88), width(100));
     OffscreenApplication::useFont("DejaVu Sans");
 }
 
-TEST_F(ComponentsTest, ModeChoicesSwitchTheModeAndShowAChangeMadeElsewhere) {
-    for (const auto density : {Density::compact, Density::regular}) {
-        show(new ModeChoices(view, density));
-        named<QAbstractButton>("Laser Pointer")->click();
+TEST_F(ComponentsTest, ChoicesAreMadeByClickOrSpaceBarAndLookIt) {
+    const auto expect = [&](int height) {
+        auto* laser = named<QAbstractButton>("Laser Pointer");
+        EXPECT_EQ(laser->height(), height);
+        laser->click();
         EXPECT_EQ(state.mode().get(), CursorMode::laser);
-        EXPECT_EQ(named<QAbstractButton>("Off")->height(), density == Density::compact ? 58 : 64);
-        state.setMode(CursorMode::highlight);
-        update();
-        EXPECT_EQ(checked(), std::vector<std::string>{"Highlight"});
-        const auto accent = window->palette().color(QPalette::Highlight);
-        const auto fill = [&](const char* name) {
-            return named(name)->grab().toImage().pixelColor(20, 8);
-        };
-        EXPECT_EQ(fill("Highlight"), accent);
-        EXPECT_NE(fill("Off"), accent);
-        EXPECT_NE(fill("Laser Pointer"), accent);
-        const auto hovered = [&](bool isHovered) {
-            named("Off")->setAttribute(Qt::WA_UnderMouse, isHovered);
-            return fill("Off");
-        };
-        EXPECT_NE(hovered(true), hovered(false));
-    }
+        setMode(CursorMode::highlight);
+        const auto accent = window->palette().color(QPalette::Highlight).rgb();
+        EXPECT_EQ(pixel("Highlight", {20, 8}), accent);
+        EXPECT_NE(pixel("Laser Pointer", {20, 8}), accent);
+        const auto plain = laser->grab().toImage();
+        laser->setAttribute(Qt::WA_UnderMouse);
+        EXPECT_NE(laser->grab().toImage(), plain);
+        laser->setAttribute(Qt::WA_UnderMouse, false);
+        // A ring shows where the keyboard is, once it is used.
+        laser->setFocus();
+        EXPECT_EQ(laser->grab().toImage(), plain);
+        QTest::keyClick(window.get(), Qt::Key_Backtab);
+        QTest::keyClick(window.get(), Qt::Key_Tab);
+        EXPECT_TRUE(laser->hasFocus());
+        EXPECT_NE(laser->grab().toImage(), plain);
+        QTest::keyClick(laser, Qt::Key_Space);
+        EXPECT_EQ(state.mode().get(), CursorMode::laser);
+    };
+    open<MenuPanel>();
+    expect(58);
+    show(new ModeChoices(view, Density::regular));
+    expect(64);
 }
 
 TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
-    show(column(8, {new ModeChoices(view, Density::compact),
-                    new HighlightChoices(view, Density::compact), diameterSlider(), idleToggle(),
-                    new EffectPreview(view, Text{"Local preview", "局部预览"}, {}),
-                    new CustomColorWell(view, highlightColor(), Text{"Custom color", "自定义颜色"}),
-                    new ActionRow(view, Text{"Privacy", "隐私说明"}, "hand.raised",
-                                  Text{"What stays here", "留在本机"}, [] {})}));
     struct Case {
         const char* name;
         QAccessible::Role role;
-        bool checked;
+        bool checked = false;
     };
-    const Case cases[] = {
-        {"Mode", QAccessible::Grouping, false},
-        {"Off", QAccessible::RadioButton, true},
-        {"Laser Pointer", QAccessible::RadioButton, false},
-        {"Filled", QAccessible::RadioButton, true},
-        {"Ring", QAccessible::RadioButton, false},
-        {"Diameter", QAccessible::Slider, false},
-        {"Hide when idle", QAccessible::CheckBox, false},
-        {"Custom color", QAccessible::PushButton, false},
-        {"Local preview", QAccessible::Graphic, false},
-        {"Privacy", QAccessible::Button, false},
+    const auto expect = [&](std::initializer_list<Case> cases) {
+        for (const auto& [name, role, checked] : cases) {
+            EXPECT_EQ(told(name)->text(QAccessible::Name), QString::fromUtf8(name));
+            EXPECT_EQ(told(name)->role(), role) << name;
+            EXPECT_EQ(told(name)->state().checked, checked) << name;
+        }
     };
-    for (const auto& [name, role, checked] : cases) {
-        auto* part = told(named(name));
-        EXPECT_EQ(part->text(QAccessible::Name), QString::fromUtf8(name));
-        EXPECT_EQ(part->role(), role) << name;
-        EXPECT_EQ(part->state().checked, checked) << name;
-    }
-    EXPECT_EQ(told(named("Privacy"))->text(QAccessible::Description),
-              QStringLiteral("What stays here"));
+    openSettings(SettingsTab::about);
+    expect({{"Privacy", QAccessible::Button}, {"About", QAccessible::PageTab}});
+    EXPECT_TRUE(told("About")->state().selected);
+    EXPECT_FALSE(told("Effects")->state().selected);
+    openSettings(SettingsTab::appearance);
+    expect({{"Mode", QAccessible::Grouping},
+            {"Off", QAccessible::RadioButton, true},
+            {"Laser Pointer", QAccessible::RadioButton},
+            {"Filled", QAccessible::RadioButton, true},
+            {"Ring", QAccessible::RadioButton},
+            {"Diameter", QAccessible::Slider},
+            {"Hide when idle", QAccessible::CheckBox},
+            {"Custom color", QAccessible::PushButton},
+            {"Local highlight preview", QAccessible::Graphic}});
 
-    auto* diameter = told(named("Diameter"));
-    EXPECT_EQ(diameter->text(QAccessible::Value), QStringLiteral("64 pt"));
-    EXPECT_EQ(diameter->valueInterface()->currentValue(), 64);
-    EXPECT_EQ(diameter->valueInterface()->minimumValue(), 24);
-    EXPECT_EQ(diameter->valueInterface()->maximumValue(), 120);
-    diameter->valueInterface()->setCurrentValue(80);
+    const auto value = [&](const char* name, const char* text, int at, int low, int high) {
+        auto* values = told(name)->valueInterface();
+        EXPECT_EQ(told(name)->text(QAccessible::Value).toStdString(), text);
+        EXPECT_EQ(values->currentValue(), at);
+        EXPECT_EQ(values->minimumValue(), low);
+        EXPECT_EQ(values->maximumValue(), high);
+    };
+    value("Diameter", "64 pt", 64, 24, 120);
+    value("Opacity", "35 %", 35, 10, 90);
+    told("Diameter")->valueInterface()->setCurrentValue(80);
     EXPECT_EQ(preferences().highlight.diameter, 80);
 
     // A button's face says nothing of its own.
-    auto* filled = told(named("Filled"));
+    auto* filled = told("Filled");
     ASSERT_EQ(filled->childCount(), 1);
     EXPECT_TRUE(filled->child(0)->state().invisible);
     EXPECT_EQ(filled->child(0)->childCount(), 0);
 
     const auto act = [&](const char* name) {
-        auto* actions = told(named(name))->actionInterface();
+        auto* actions = told(name)->actionInterface();
         actions->doAction(actions->actionNames().front());
         update();
     };
@@ -160,24 +158,21 @@ TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
     EXPECT_EQ(preferences().highlight.style, HighlightStyle::ring);
     act("Hide when idle");
     EXPECT_TRUE(preferences().highlight.idleHide);
-    EXPECT_TRUE(told(named("Hide when idle"))->state().checked);
+    EXPECT_TRUE(told("Hide when idle")->state().checked);
     act("Custom color");
     EXPECT_NE(named<CustomColorWell>("Custom color")->dialog(), nullptr);
-    EXPECT_FALSE(told(named("Custom color"))->state().checked);
+    EXPECT_FALSE(told("Custom color")->state().checked);
 }
 
-TEST_F(ComponentsTest, TheSpaceBarWorksWhatTheKeyboardIsAtAndARingShowsIt) {
-    show(new ModeChoices(view, Density::compact));
-    auto* laser = named<QAbstractButton>("Laser Pointer");
-    const auto before = laser->grab().toImage();
-    laser->setFocus();
-    EXPECT_EQ(laser->grab().toImage(), before);
-    QTest::keyClick(window.get(), Qt::Key_Backtab);
-    QTest::keyClick(window.get(), Qt::Key_Tab);
-    EXPECT_TRUE(laser->hasFocus());
-    EXPECT_NE(laser->grab().toImage(), before);
-    QTest::keyClick(laser, Qt::Key_Space);
-    EXPECT_EQ(state.mode().get(), CursorMode::laser);
+TEST_F(ComponentsTest, ASwitchShowsItsStateByThePlaceOfItsKnob) {
+    openSettings(SettingsTab::appearance);
+    const auto rightEnd = [&] {
+        const auto* toggle = named("Hide when idle");
+        return QColor(pixel("Hide when idle", {toggle->width() - 10, toggle->height() / 2}));
+    };
+    EXPECT_NE(rightEnd(), QColor(Qt::white));
+    click("Hide when idle");
+    EXPECT_EQ(rightEnd(), QColor(Qt::white));
 }
 
 TEST_F(ComponentsTest, ManyChangesAtOnceLeadToOneRoundOfUpdates) {
@@ -206,26 +201,22 @@ TEST_F(ComponentsTest, APictogramTakesItsTint) {
 }
 
 TEST_F(ComponentsTest, ACardThrowsAShadowBeyondItsEdges) {
-    show(new ScrollView(
-        column(0, {new SectionCard(view, Text{"Card", "卡片"}, label(view, Text::name("Text")))})
-            ->padded(40)));
-    window->resize(300, 300);
+    openSettings(SettingsTab::about).resize(560, 900);
     update();
     const auto* card = parts<SectionCard>().at(0);
     const QRect edge(card->mapTo(window.get(), QPoint()), card->size());
     const auto picture = window->grab().toImage();
     const auto green = [&](int x, int y) { return picture.pixelColor(x, y).green(); };
     const auto middle = edge.center();
-    EXPECT_LT(green(edge.left() - 2, middle.y()), green(edge.left() - 20, middle.y()));
-    EXPECT_LT(green(edge.right() + 2, middle.y()), green(edge.right() + 20, middle.y()));
+    EXPECT_LT(green(edge.left() - 2, middle.y()), green(edge.left() - 18, middle.y()));
+    EXPECT_LT(green(edge.right() + 2, middle.y()), green(edge.right() + 18, middle.y()));
     EXPECT_LT(green(middle.x(), edge.bottom() + 3), green(middle.x(), edge.bottom() + 20));
 }
 
 TEST_F(ComponentsTest, LooksAreKeptUnderOtherStyles) {
     QApplication::setStyle(QStringLiteral("windows"));
-    auto* scrolled = new ScrollView(label(view, Text::name("Text")));
-    show(scrolled);
-    EXPECT_FALSE(scrolled->verticalScrollBar()->testAttribute(Qt::WA_OpaquePaintEvent));
+    openSettings(SettingsTab::about);
+    EXPECT_FALSE(scrolled()->verticalScrollBar()->testAttribute(Qt::WA_OpaquePaintEvent));
     installPlainStyle();
     EXPECT_EQ(dynamic_cast<PlainStyle*>(QApplication::style()), nullptr);
     QApplication::setStyle(new QProxyStyle(QStringLiteral("fusion")));
@@ -267,13 +258,11 @@ TEST_F(ComponentsTest, SmallTextsCanBeReadOnEveryDesktop) {
 }
 
 TEST_F(ComponentsTest, ColoursFollowTheDesktopFromLightToDarkAndBack) {
-    auto* text = label(view, Text{"Color", "颜色"}, calloutText.toned(Tone::secondary));
-    auto* reset = pushButton(
-        view, Text{"Reset", "重置"}, [] {}, ButtonRole::destructive);
-    show(column(8, {text, reset}));
+    openSettings(SettingsTab::general);
     const auto colors = [&] {
-        return std::pair(text->palette().color(QPalette::WindowText),
-                         reset->palette().color(QPalette::ButtonText));
+        return std::pair(
+            label(QStringLiteral("Vantrel"))->palette().color(QPalette::WindowText),
+            button("Reset all preferences…")->palette().color(QPalette::ButtonText));
     };
     const auto light = QApplication::palette();
     const auto inLight = colors();

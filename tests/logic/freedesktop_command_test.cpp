@@ -1,4 +1,4 @@
-#include "support/freedesktop_event_loop.h"
+#include "support/event_loop.h"
 
 #include "platform/freedesktop/command_packets.h"
 #include "platform/freedesktop/command_socket.h"
@@ -33,7 +33,7 @@ std::future<Outcome> ask(const std::string& address, const CommandWords& words,
 }
 
 Outcome answerOf(std::future<Outcome>& call) {
-    EXPECT_TRUE(waitUntil([&] { return call.wait_for(0s) == std::future_status::ready; }));
+    EXPECT_TRUE(runUntil([&] { return call.wait_for(0s) == std::future_status::ready; }));
     return call.get();
 }
 
@@ -112,7 +112,7 @@ int asSomebodyElse(Attempt attempt) {
         _exit(setuid(somebodyElse) == 0 ? attempt() : 100);
     }
     int status = 0;
-    EXPECT_TRUE(waitUntil([&] { return waitpid(child, &status, WNOHANG) == child; }));
+    EXPECT_TRUE(runUntil([&] { return waitpid(child, &status, WNOHANG) == child; }));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

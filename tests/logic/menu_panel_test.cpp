@@ -7,6 +7,13 @@ namespace {
 
 class MenuPanelTest : public ViewsTest {};
 
+constexpr auto englishNotice =
+    "In a Wayland session, effects and shortcuts work only while an X program has the keyboard. "
+    "Effects appear only over windows of X programs, and hide when the pointer rests for 3 "
+    "seconds.";
+constexpr auto chineseNotice = "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
+                               "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。";
+
 TEST_F(MenuPanelTest, ASectionIsAsHighAsTheScreenAllows) {
     struct Case {
         CursorMode mode;
@@ -15,17 +22,13 @@ TEST_F(MenuPanelTest, ASectionIsAsHighAsTheScreenAllows) {
     };
     const Case cases[] = {
         {CursorMode::highlight, 1000, 286},
-        {CursorMode::highlight, 500, 150},
         {CursorMode::highlight, 400, 76},
-        {CursorMode::highlight, 0, 76},
         {CursorMode::highlight, 636, 286},
         {CursorMode::highlight, 635, 285},
         {CursorMode::highlight, std::nullopt, 286},
         {CursorMode::laser, 1000, 208},
         {CursorMode::laser, 500, 150},
-        {CursorMode::laser, std::nullopt, 208},
         {CursorMode::off, 1000, 76},
-        {CursorMode::off, 300, 76},
     };
     for (const auto& [mode, visible, height] : cases) {
         EXPECT_EQ(panelSectionHeight(mode, visible), height)
@@ -64,7 +67,9 @@ TEST_F(MenuPanelTest, IsAsHighAsTheModeNeedsAndThenScrollsNothingInAnyFont) {
 TEST_F(MenuPanelTest, FollowsTheScreenThatItIsOn) {
     setMode(CursorMode::highlight);
     auto& panel = open<MenuPanel>();
-    desktop.screens.set({screen(1, {0, 0, 800, 500}), screen(2, {800, 0, 1920, 1080})});
+    auto small = screen(1, {0, 0, 800, 560});
+    small.visibleFrame.height = 500; // without the desktop's own panel
+    desktop.screens.set({small, screen(2, {800, 0, 1920, 1080})});
     update();
     EXPECT_EQ(scrolled()->height(), 150);
     EXPECT_GT(scrolled()->verticalScrollBar()->maximum(), 0);
@@ -86,25 +91,13 @@ TEST_F(MenuPanelTest, TellsThatClicksCannotBeSeenOnlyWhileTheyAreWanted) {
     constexpr auto notice = "Click monitoring could not start. Retry in Settings.";
     desktop.eventMonitors.refusesGlobal = true;
     open<MenuPanel>();
-    EXPECT_FALSE(says(notice));
+    EXPECT_FALSE(says(notice) || says(englishNotice));
     setMode(CursorMode::highlight);
     EXPECT_TRUE(says(notice));
     desktop.eventMonitors.refusesGlobal = false;
     state.apply();
     update();
     EXPECT_FALSE(says(notice));
-}
-
-constexpr auto englishNotice =
-    "In a Wayland session, effects and shortcuts work only while an X program has the keyboard. "
-    "Effects appear only over windows of X programs, and hide when the pointer rests for 3 "
-    "seconds.";
-constexpr auto chineseNotice = "在 Wayland 会话中，效果和快捷键仅在 X 程序接收键盘输入时有效。"
-                               "效果仅显示在 X 程序的窗口上，鼠标静止 3 秒后隐藏。";
-
-TEST_F(MenuPanelTest, SaysNothingOfWaylandElsewhere) {
-    open<MenuPanel>();
-    EXPECT_FALSE(says(englishNotice));
 }
 
 class WaylandPanelTest : public ViewsTest {
@@ -202,27 +195,11 @@ TEST_F(MenuPanelTest, LeadsToTheWindowsAndToTheEnd) {
 TEST_F(MenuPanelTest, TheKeyboardComesToEveryControlInReadingOrder) {
     open<MenuPanel>();
     setMode(CursorMode::highlight);
-    EXPECT_EQ(tabStops(), (std::vector<std::string>{"Settings",
-                                                    "Off",
-                                                    "Highlight",
-                                                    "Laser Pointer",
-                                                    "Filled",
-                                                    "Ring",
-                                                    "Glow",
-                                                    "Yellow",
-                                                    "Green",
-                                                    "Blue",
-                                                    "Red",
-                                                    "Purple",
-                                                    "White",
-                                                    "Custom color",
-                                                    "Diameter",
-                                                    "Opacity",
-                                                    "Hide when idle",
-                                                    "Click effects",
-                                                    "Settings",
-                                                    "Help",
-                                                    "Quit"}));
+    EXPECT_EQ(
+        tabStops().toStdString(),
+        "Settings, Off, Highlight, Laser Pointer, Filled, Ring, Glow, Yellow, Green, Blue, Red, "
+        "Purple, White, Custom color, Diameter, Opacity, Hide when idle, Click effects, "
+        "Settings, Help, Quit");
 }
 
 TEST_F(MenuPanelTest, TheKeyboardBringsIntoViewWhatItComesTo) {

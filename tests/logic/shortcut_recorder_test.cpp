@@ -1,4 +1,4 @@
-#include "support/components_fixture.h"
+#include "support/views_fixture.h"
 #include "ui/components/shortcut_recorder.h"
 #include "ui/components/stack.h"
 
@@ -28,7 +28,7 @@ enum Key : std::uint32_t {
 
 constexpr auto controlOption = keyflag::control | keyflag::option;
 
-class ShortcutRecorderTest : public ViewTest {
+class ShortcutRecorderTest : public ViewsTest {
 protected:
     void SetUp() override {
         desktop.keyboard.keys = {

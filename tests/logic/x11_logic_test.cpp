@@ -3,6 +3,7 @@
 #include "platform/x11/desktop_settings.h"
 #include "platform/x11/display_link.h"
 #include "platform/x11/event_monitors.h"
+#include "platform/x11/key_table.h"
 #include "platform/x11/pixel_map.h"
 #include "platform/x11/raise_policy.h"
 #include "platform/x11/screens.h"
@@ -11,6 +12,8 @@
 
 #include <QRegion>
 #include <gtest/gtest.h>
+
+#include <set>
 
 #include <xcb/randr.h>
 
@@ -25,13 +28,10 @@ TEST(PixelMapTest, PutsTheOriginAtTheBottomLeftOfThePrimaryDisplay) {
     EXPECT_EQ(map.toGlobal(QPoint(0, 200)), (GlobalPoint{-1920, 1240}));
 }
 
-TEST(PixelMapTest, ScalesWithoutAnOffsetThatGrows) {
-    const PixelMap map({{QRect(0, 0, 3840, 2160), 2}, {QRect(3840, 0, 3840, 2160), 2}});
-    EXPECT_EQ(map.frame(1), (GlobalRect{1920, 0, 1920, 1080}));
-    EXPECT_EQ(map.toGlobal(QPoint(7679, 2159)), (GlobalPoint{3839.5, 0.5}));
-}
-
-TEST(PixelMapTest, KeepsDisplaysOfDifferentScalesTouching) {
+TEST(PixelMapTest, KeepsScaledDisplaysTouching) {
+    const PixelMap alike({{QRect(0, 0, 3840, 2160), 2}, {QRect(3840, 0, 3840, 2160), 2}});
+    EXPECT_EQ(alike.frame(1), (GlobalRect{1920, 0, 1920, 1080}));
+    EXPECT_EQ(alike.toGlobal(QPoint(7679, 2159)), (GlobalPoint{3839.5, 0.5}));
     // A scaled laptop with plain displays right of it, above it, and left of that one.
     const PixelMap map({{QRect(1920, 1080, 3840, 2160), 2},
                         {QRect(5760, 1580, 1920, 1080), 1},
@@ -214,12 +214,8 @@ TEST(RaisePolicyTest, YieldsToAWindowThatAnswersEveryTime) {
     EXPECT_TRUE(policy.shouldRaise(7, now + 11));
     policy.forget(7);
     EXPECT_TRUE(policy.shouldRaise(7, now + 12));
-}
-
-TEST(RaisePolicyTest, GoesAboveAWindowThatIsRaisedNowAndThen) {
-    RaisePolicy policy;
     for (int i = 0; i < 100; ++i) {
-        EXPECT_TRUE(policy.shouldRaise(7, 1.5 * i));
+        EXPECT_TRUE(policy.shouldRaise(9, 1.5 * i)) << "raised now and then";
     }
 }
 
@@ -299,6 +295,21 @@ TEST(StalePointerFilterTest, ThePointerIsNotKnownAnyMoreWhenNothingWasHeardOfItF
     EXPECT_FALSE(filter.accepts(sample, 203));
     sample.place.rx() += 1;
     EXPECT_TRUE(filter.accepts(sample, 204));
+}
+
+TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
+    // Modifier keys, and codes that no key has.
+    const std::set<std::uint32_t> none{0x34, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D,
+                                       0x3E, 0x3F, 0x42, 0x44, 0x46, 0x4D, 0x6C, 0x70, 0x7F};
+    for (std::uint32_t code = 0; code <= 0x7F; ++code) {
+        const auto keycode = keycodeOf(code);
+        ASSERT_EQ(keycode.has_value(), !none.contains(code)) << code;
+        EXPECT_TRUE(!keycode || virtualKeyCodeOf(*keycode) == code) << code;
+    }
+    EXPECT_EQ(keycodeOf(53), 9);                   // Escape
+    EXPECT_EQ(keycodeOf(51), 22);                  // Backspace
+    EXPECT_EQ(virtualKeyCodeOf(50), std::nullopt); // left Shift
+    EXPECT_EQ(virtualKeyCodeOf(0), std::nullopt);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "testdesk/temporary_folder.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,28 +12,7 @@
 
 namespace vantrel {
 
-// A folder below the system's temporary one, removed with everything in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = std::filesystem::temp_directory_path() / "vantrel-XXXXXX";
-        path_ = mkdtemp(name.data());
-    }
-    ~TemporaryFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(path_, error);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
-        return path_ / name;
-    }
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
+using desktop::TemporaryFolder;
 
 // A variable of the environment that gets its former value back.
 class ScopedVariable {

@@ -23,17 +23,9 @@ QString privateBusAddress() {
     return QStringLiteral("unix:path=") + QString::fromStdString(privateBusSocket());
 }
 
-QDBusUnixFileDescriptor Inhibitors::take(const QString& what) {
-    std::array<int, 2> ends{-1, -1};
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    watched_.emplace(what, UniqueDescriptor(ends[0]));
-    const UniqueDescriptor held(ends[1]);
-    return QDBusUnixFileDescriptor(held.get());
-}
-
-int Inhibitors::held(const QString& what) const {
+int MockLoginManager::held(const QString& what) const {
     int count = 0;
-    for (auto [at, end] = watched_.equal_range(what); at != end; ++at) {
+    for (auto [at, end] = locks_.equal_range(what); at != end; ++at) {
         pollfd lock{at->second.get(), POLLIN, 0};
         poll(&lock, 1, 0);
         count += (lock.revents & POLLHUP) == 0 ? 1 : 0;
@@ -61,7 +53,10 @@ QDBusUnixFileDescriptor MockLoginManager::Inhibit(const QString& what, const QSt
                                                   const QString& why, const QString& mode) {
     EXPECT_FALSE(who.isEmpty() || why.isEmpty());
     EXPECT_EQ(mode, QStringLiteral("delay"));
-    return inhibitors_.take(what);
+    std::array<int, 2> ends{-1, -1};
+    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    locks_.emplace(what, UniqueDescriptor(ends[0]));
+    return QDBusUnixFileDescriptor(UniqueDescriptor(ends[1]).get());
 }
 
 } // namespace vantrel

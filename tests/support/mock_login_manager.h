@@ -18,17 +18,6 @@ namespace vantrel {
 [[nodiscard]] std::filesystem::path privateBusSocket();
 [[nodiscard]] QString privateBusAddress();
 
-// The delay locks that programs hold, each by the far end of a pipe.
-class Inhibitors {
-public:
-    [[nodiscard]] QDBusUnixFileDescriptor take(const QString& what);
-    // The locks of one kind that somebody still holds.
-    [[nodiscard]] int held(const QString& what) const;
-
-private:
-    std::multimap<QString, UniqueDescriptor> watched_;
-};
-
 // A login manager of a test, on a connection of its own to the private bus.
 class MockLoginManager : public QObject {
     Q_OBJECT
@@ -41,17 +30,20 @@ public:
 
     // PrepareForSleep or PrepareForShutdown.
     void announce(const char* signal, bool going);
-    [[nodiscard]] int sleepLocks() const { return inhibitors_.held(QStringLiteral("sleep")); }
-    [[nodiscard]] int shutdownLocks() const { return inhibitors_.held(QStringLiteral("shutdown")); }
+    // The delay locks of one kind that somebody holds.
+    [[nodiscard]] int sleepLocks() const { return held(QStringLiteral("sleep")); }
+    [[nodiscard]] int shutdownLocks() const { return held(QStringLiteral("shutdown")); }
 
     Q_SLOT QDBusUnixFileDescriptor Inhibit(const QString& what, const QString& who,
                                            const QString& why, const QString& mode);
 
 private:
+    [[nodiscard]] int held(const QString& what) const;
+
     const QString name_ = QStringLiteral("mock-login-manager");
     const QString path_ = QStringLiteral("/org/freedesktop/login1");
     QDBusConnection bus_ = QDBusConnection::connectToBus(privateBusAddress(), name_);
-    Inhibitors inhibitors_;
+    std::multimap<QString, UniqueDescriptor> locks_; // the far end of a pipe for each
 };
 
 } // namespace vantrel

@@ -1,21 +1,21 @@
 #pragma once
 
 #include "overlay/overlay_window_manager.h"
+#include "support/event_loop.h"
 #include "support/x11_with_memory.h"
 #include "testdesk/client_window.h"
+#include "testdesk/core_application.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/displays.h"
 #include "testdesk/private_server.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/synthetic_input.h"
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -71,18 +71,6 @@ protected:
     }
     void show(CursorMode mode) { manager->apply(mode, preferences); }
 
-    // Lets the event loop run until the condition holds; whether it did in time.
-    static bool runUntil(const std::function<bool()>& condition,
-                         std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-        const auto end = std::chrono::steady_clock::now() + limit;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
-        }
-        return true;
-    }
     static void runFor(std::chrono::milliseconds time) {
         runUntil([] { return false; }, time);
     }
@@ -129,10 +117,7 @@ protected:
     std::unique_ptr<OverlayWindowManager> manager;
 
 private:
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    CoreApplication application_;
 };
 
 } // namespace vantrel::desktop

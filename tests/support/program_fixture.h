@@ -53,6 +53,26 @@ protected:
         return errors.starts_with("The X11 connection broke") ? "" : errors;
     }
 
+    // The two shortcuts of a fresh installation.
+    void typeShortcut(char letter) {
+        input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(letter)});
+    }
+    [[nodiscard]] std::filesystem::path configFolder() const {
+        return server.folder() / "config" / "vantrel";
+    }
+    [[nodiscard]] std::filesystem::path document() const {
+        return configFolder() / "Vantrel.preferences.v1";
+    }
+    // An empty object where there is nothing that can be read.
+    [[nodiscard]] nlohmann::json stored() const {
+        auto stored = nlohmann::json::parse(readFile(document()), nullptr, false);
+        return stored.is_object() ? stored : nlohmann::json::object();
+    }
+    [[nodiscard]] std::string storedMode() const { return stored().value("lastMode", ""); }
+    [[nodiscard]] bool stores(std::string_view mode) const {
+        return waitFor([&] { return storedMode() == mode; });
+    }
+
     PrivateServer server;
     XConnection watcher{server.display()};
     SyntheticInput input{server.display()};
@@ -68,28 +88,9 @@ protected:
         input.moveTo(place);
     }
 
-    // The two shortcuts of a fresh installation.
-    void typeShortcut(char letter) {
-        input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(letter)});
-    }
     // Waits until the pointer is marked as in that mode.
     [[nodiscard]] bool shows(std::string_view mode) const {
         return waitFor([&] { return shownMode() == mode; });
-    }
-
-    [[nodiscard]] std::filesystem::path configFolder() const {
-        return server.folder() / "config" / "vantrel";
-    }
-    [[nodiscard]] std::filesystem::path document() const {
-        return configFolder() / "Vantrel.preferences.v1";
-    }
-    // Empty when there is no such document.
-    [[nodiscard]] std::string storedMode() const {
-        const auto stored = nlohmann::json::parse(readFile(document()), nullptr, false);
-        return stored.is_object() ? stored.value("lastMode", "") : "";
-    }
-    [[nodiscard]] bool stores(std::string_view mode) const {
-        return waitFor([&] { return storedMode() == mode; });
     }
 
     static constexpr PixelPoint place{300, 300};

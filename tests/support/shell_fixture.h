@@ -29,21 +29,6 @@ protected:
     [[nodiscard]] bool getsFocus(const WindowState& window) const {
         return waitFor([&] { return hasFocus(watcher, window.id); });
     }
-    void typeShortcut(char letter) {
-        input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(letter)});
-    }
-    [[nodiscard]] bool stores(std::string_view mode) const {
-        return waitFor([&] { return storedMode() == mode; });
-    }
-    [[nodiscard]] std::string storedMode() const { return stored().value("lastMode", ""); }
-    // An empty object where there is nothing that can be read.
-    [[nodiscard]] nlohmann::json stored() const {
-        auto stored = nlohmann::json::parse(
-            readFile(server.folder() / "config" / "vantrel" / "Vantrel.preferences.v1"), nullptr,
-            false);
-        return stored.is_object() ? stored : nlohmann::json::object();
-    }
-
     const std::string name = "vantrel";
     const WindowQuery popover{.program = name, .type = "_NET_WM_WINDOW_TYPE_UTILITY"};
     const WindowQuery anyWindow{.program = name, .type = "_NET_WM_WINDOW_TYPE_NORMAL"};

@@ -5,14 +5,17 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <chrono>
+#include <functional>
+
 namespace vantrel {
 
-// Runs the event loop until the condition holds; false when that takes ten seconds.
-template <typename Condition>
-bool waitUntil(Condition condition) {
-    const QDeadlineTimer deadline(10'000);
+// Lets the event loop run until the condition holds; whether it did in time.
+inline bool runUntil(const std::function<bool()>& condition,
+                     std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    const QDeadlineTimer deadline(limit);
     QTimer heartbeat; // for conditions that no event brings about
-    heartbeat.start(5);
+    heartbeat.start(2);
     while (!condition()) {
         if (deadline.hasExpired()) {
             return false;
