@@ -2,7 +2,7 @@
 // often memory was taken for one round.
 
 #include "overlay/overlay_window_manager.h"
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 #include <benchmark/benchmark.h>
 

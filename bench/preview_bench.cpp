@@ -3,7 +3,7 @@
 
 #include "overlay/drawn_cursor.h"
 #include "overlay/preview_canvas.h"
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 #include <benchmark/benchmark.h>
 

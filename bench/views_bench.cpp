@@ -1,7 +1,7 @@
 // What the windows cost, beside opening the settings: a switch of the tab, and a switch of the
 // language while all of them are open.
 
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 #include "ui/help_view.h"
 #include "ui/menu_panel.h"
 #include "ui/settings_view.h"

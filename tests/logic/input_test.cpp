@@ -1,7 +1,7 @@
 #include "input/click_monitor.h"
 #include "input/hotkey_manager.h"
 #include "support/click.h"
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

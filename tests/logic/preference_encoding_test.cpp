@@ -1,6 +1,6 @@
 #include "preferences/preference_encoding.h"
 #include "preferences/settings_store.h"
-#include "support/headless_user_defaults.h"
+#include "testdesk/headless/user_defaults.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

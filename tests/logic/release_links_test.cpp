@@ -1,5 +1,5 @@
 #include "preferences/release_links.h"
-#include "support/headless_session.h"
+#include "testdesk/headless/session.h"
 
 #include <gtest/gtest.h>
 #include <plist/plist.h>

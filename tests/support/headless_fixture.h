@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 #include <gtest/gtest.h>
 

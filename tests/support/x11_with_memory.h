@@ -2,7 +2,7 @@
 
 #include "platform/desktop.h"
 #include "platform/x11/desktop.h"
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 namespace vantrel {
 

@@ -2,7 +2,7 @@
 // memory: nothing that is chosen here reaches the screen or the disk. QT_SCALE_FACTOR sets the
 // scale.
 
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 #include "ui/components/action_row.h"
 #include "ui/components/background.h"
 #include "ui/components/brand_mark.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/time.h"
-#include "support/headless_clock.h"
+#include "testdesk/headless/clock.h"
 
 #include <cstdint>
 #include <map>

@@ -1,4 +1,4 @@
-#include "support/headless_desktop.h"
+#include "testdesk/headless/desktop.h"
 
 #include "platform/layers/painter.h"
 

@@ -5,12 +5,12 @@
 #include "platform/layers/layer.h"
 #include "platform/layers/sprite_scene.h"
 #include "platform/subscription.h"
-#include "support/headless_clock.h"
-#include "support/headless_faults.h"
-#include "support/headless_hot_keys.h"
-#include "support/headless_main_queue.h"
-#include "support/headless_session.h"
-#include "support/headless_user_defaults.h"
+#include "testdesk/headless/clock.h"
+#include "testdesk/headless/faults.h"
+#include "testdesk/headless/hot_keys.h"
+#include "testdesk/headless/main_queue.h"
+#include "testdesk/headless/session.h"
+#include "testdesk/headless/user_defaults.h"
 
 #include <functional>
 #include <map>

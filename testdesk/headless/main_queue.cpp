@@ -1,4 +1,4 @@
-#include "support/headless_main_queue.h"
+#include "testdesk/headless/main_queue.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "support/headless_hot_keys.h"
+#include "testdesk/headless/hot_keys.h"
 
 #include <algorithm>
 #include <utility>

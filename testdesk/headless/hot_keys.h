@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/input.h"
-#include "support/headless_faults.h"
+#include "testdesk/headless/faults.h"
 
 #include <functional>
 #include <utility>
