@@ -108,7 +108,7 @@ void OverlayWindow::flush(double mediaTime) {
 bool OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
     ++counts.uploads;
     sprites_[sprite].picture = picture.copy();
-    return true;
+    return !owner_.refusesUploads;
 }
 
 void OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {

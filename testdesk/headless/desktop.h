@@ -101,6 +101,8 @@ public:
     [[nodiscard]] const std::vector<OverlayWindow*>& windows() const { return windows_; }
     [[nodiscard]] SpriteCounts counts() const;
 
+    bool refusesUploads = false;
+
 private:
     friend class OverlayWindow;
     Faults& faults_;

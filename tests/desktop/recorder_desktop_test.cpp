@@ -3,6 +3,7 @@
 #include "platform/x11/desktop.h"
 #include "testdesk/client_window.h"
 #include "testdesk/desktop_programs.h"
+#include "testdesk/headless/session.h"
 #include "testdesk/private_server.h"
 #include "testdesk/synthetic_input.h"
 #include "testdesk/wait.h"
@@ -26,13 +27,6 @@ using testing::IsEmpty;
 constexpr std::uint8_t keyJ = 44;
 constexpr std::uint16_t controlAlt = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
 const Shortcut controlOptionJ{38, 6144, "⌃⌥J"};
-
-class CountedAlert final : public AlertSound {
-public:
-    void beep() override { ++beeps; }
-
-    int beeps = 0;
-};
 
 // A window manager, the toolkit on its server, and a window of the toolkit with the button in it.
 class RecorderDesktopTest : public testing::Test {
@@ -114,7 +108,7 @@ protected:
     ClientWindow other{server.display(), {.area = {600, 0, 200, 200}}};
     std::unique_ptr<x11::Connection> connection;
     std::unique_ptr<x11::X11Desktop> x11;
-    CountedAlert alert;
+    headless::AlertSound alert;
     std::unique_ptr<QWidget> window;
     ShortcutButton* button = nullptr;
     QLineEdit* edit = nullptr;

@@ -260,15 +260,15 @@ TEST_F(ComponentsTest, SmallTextsCanBeReadOnEveryDesktop) {
 TEST_F(ComponentsTest, ColoursFollowTheDesktopFromLightToDarkAndBack) {
     openSettings(SettingsTab::general);
     const auto colors = [&] {
-        return std::pair(
-            label(QStringLiteral("Vantrel"))->palette().color(QPalette::WindowText),
-            button("Reset all preferences…")->palette().color(QPalette::ButtonText));
+        return std::pair(label(QStringLiteral("Vantrel"))->palette().color(QPalette::WindowText),
+                         button("Reset all preferences…")->palette().color(QPalette::ButtonText));
     };
     const auto light = QApplication::palette();
     const auto inLight = colors();
     QApplication::setPalette(QPalette(Qt::darkGray, QColor(0x20, 0x20, 0x20)));
     update();
     EXPECT_LT(inLight.first.lightness(), 128);
+    EXPECT_GT(inLight.second.red(), inLight.second.green() + 60);
     EXPECT_GT(colors().first.lightness(), 128);
     EXPECT_GT(colors().second.lightness(), inLight.second.lightness());
     QApplication::setPalette(light);

@@ -133,6 +133,13 @@ TEST_F(Autostart, IsRefusedToAProgramThatIsNotInstalled) {
     EXPECT_EQ(item.status(), notFound);
     EXPECT_FALSE(item.register_());
     EXPECT_FALSE(std::filesystem::exists(home / "config"));
+    install("Exec=vantrel\n");
+    std::filesystem::create_directory(home / ".local");
+    std::filesystem::rename(home / "data", home / ".local/share");
+    EXPECT_EQ(item.status(), notFound);
+    const ScopedVariable homeFolder("HOME", home.path());
+    const ScopedVariable usual("XDG_DATA_HOME", "");
+    EXPECT_EQ(item.status(), notRegistered) << "where such entries usually are";
 }
 
 TEST_F(Autostart, NamesThePathThatAnUpgradeLeavesInPlace) {

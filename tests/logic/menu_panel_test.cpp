@@ -211,6 +211,7 @@ TEST_F(MenuPanelTest, TheKeyboardBringsIntoViewWhatItComesTo) {
             QRect(part->mapTo(scrolled()->viewport(), QPoint()), part->size()));
     };
     const auto* last = named("Click effects");
+    named("Click effects")->setFocus(Qt::MouseFocusReason);
     EXPECT_FALSE(isSeen(last));
     button("Help")->setFocus();
     QTest::keyClick(window.get(), Qt::Key_Backtab);

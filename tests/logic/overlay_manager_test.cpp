@@ -73,6 +73,8 @@ TEST_F(OverlayManagerTest, PacesFramesByTheFastestScreen) {
     EXPECT_EQ(desktop.displayLinks.lastScreenId, 2U);
     EXPECT_EQ(desktop.displayLinks.lastRange, (FrameRateRange{60, 120, 120}));
 
+    desktop.screens.set({screen(1, {0, 0, 800, 600}, 60, 2), screen(2, {800, 0, 640, 480}, 75)});
+    EXPECT_EQ(desktop.displayLinks.lastScreenId, 2U);
     desktop.screens.set({screen(1, {0, 0, 800, 600}), screen(2, {800, 0, 640, 480})});
     EXPECT_EQ(desktop.displayLinks.lastScreenId, 1U);
 
@@ -182,6 +184,16 @@ TEST_F(OverlayManagerTest, HidesEitherMarkWhileThePointerIsNotKnown) {
     EXPECT_EQ(windows()[0]->screenshot().pixelColor(400, 300).alpha(), 0);
 }
 
+TEST_F(OverlayManagerTest, SendsAgainWhatTheServerHadNoRoomFor) {
+    desktop.overlayWindows.refusesUploads = true;
+    show(CursorMode::highlight);
+    EXPECT_EQ(desktop.overlayWindows.counts().places, 0);
+    desktop.overlayWindows.refusesUploads = false;
+    desktop.pointer.place = {200, 100};
+    desktop.frame();
+    EXPECT_GT(windows()[0]->screenshot().pixelColor(200, 500).alpha(), 0);
+}
+
 TEST_F(OverlayManagerTest, ThePointersReturnIsActivityEvenToWhereItLeft) {
     preferences.highlight.idleHide = true;
     show(CursorMode::highlight);
@@ -205,7 +217,11 @@ TEST_F(OverlayManagerTest, PlaysAClickAndDrawsOnceMoreAfterItsEnd) {
     click();
     EXPECT_EQ(clickLayers(0), 1U);
     EXPECT_EQ(clickLayers(1), 0U);
-    desktop.frame(0.15);
+    desktop.frame();
+    const int redraws = desktop.overlayWindows.counts().redraws;
+    desktop.frame();
+    EXPECT_EQ(desktop.overlayWindows.counts().redraws, redraws + 1) << "in every frame";
+    desktop.frame(0.12);
     EXPECT_EQ(clickLayers(0), 1U);
     EXPECT_EQ(flushesOf([&] { desktop.frame(0.16); }), 1);
     EXPECT_EQ(clickLayers(0), 0U);

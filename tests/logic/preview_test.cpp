@@ -45,38 +45,33 @@ TEST_F(PreviewTest, OurOwnPointerIsSharpAtEveryScale) {
         EXPECT_EQ(image.devicePixelRatio(), scale);
         const auto pixel = (tip * scale).toPoint();
         EXPECT_GT(image.pixelColor(pixel).alpha(), 200);
+        EXPECT_LT(image.pixelColor((QPointF(4, 8) * scale).toPoint()).lightness(), 60);
         EXPECT_EQ(image.pixelColor(0, image.height() - 1).alpha(), 0);
     }
 }
 
-TEST_F(PreviewTest, ClicksPlayOnlyWhereTheSettingsWantThem) {
-    struct Case {
-        bool laser, isRight, plays;
-    };
-    preferences.click = {.style = ClickStyle::pulse, .left = true, .right = false};
-    for (const auto& [laser, isRight, plays] :
-         {Case{false, false, true}, Case{false, true, false}, Case{true, false, false}}) {
-        PreviewCanvas fresh(desktop.clock, cursor);
-        fresh.resize(side, side);
-        fresh.setPreferences(preferences);
-        fresh.setLaser(laser);
-        QTest::mouseClick(&fresh, isRight ? Qt::RightButton : Qt::LeftButton, {}, {30, 50});
-        ASSERT_EQ(fresh.click().has_value(), plays);
-        EXPECT_EQ(fresh.isTicking(), plays);
-        if (plays) {
-            EXPECT_EQ(fresh.click()->point, (GlobalPoint{30, side - 50}));
-            EXPECT_EQ(fresh.click()->style, ClickStyle::pulse);
-        }
-    }
-}
-
-TEST_F(PreviewTest, ANewClickReplacesTheOneThatPlays) {
-    canvas.playClick({10, 10}, MouseButton::left);
-    const auto first = *canvas.click();
+TEST_F(PreviewTest, ClicksPlayWhereTheSettingsWantThemAndTheSpaceBarPlaysOne) {
+    preferences.click = {.style = ClickStyle::pulse, .left = false, .right = true};
+    canvas.setPreferences(preferences);
+    QTest::mouseClick(&canvas, Qt::LeftButton, {}, {30, 50});
+    EXPECT_FALSE(canvas.click());
+    EXPECT_FALSE(canvas.isTicking());
+    QTest::keyClick(&canvas, Qt::Key_Space);
+    ASSERT_TRUE(canvas.click());
+    EXPECT_EQ(canvas.click()->point, (GlobalPoint{side / 2.0, side / 2.0}));
+    const auto first = canvas.click()->id;
     desktop.clock.advance(0.1);
-    canvas.playClick({20, 20}, MouseButton::left);
-    EXPECT_NE(canvas.click()->id, first.id);
+    QTest::mouseClick(&canvas, Qt::RightButton, {}, {30, 50});
+    EXPECT_TRUE(canvas.isTicking());
+    EXPECT_NE(canvas.click()->id, first);
     EXPECT_EQ(canvas.click()->started, desktop.clock.uptime());
+    EXPECT_EQ(canvas.click()->point, (GlobalPoint{30, side - 50}));
+    EXPECT_EQ(canvas.click()->style, ClickStyle::pulse);
+    PreviewCanvas laser(desktop.clock, cursor);
+    laser.setLaser(true);
+    QTest::mouseClick(&laser, Qt::LeftButton, {}, {30, 50});
+    EXPECT_FALSE(laser.click());
+    EXPECT_EQ(laser.focusPolicy(), Qt::NoFocus);
 }
 
 TEST_F(PreviewTest, ClicksGoThroughACanvasThatIsNotInteractive) {
@@ -120,6 +115,17 @@ TEST_F(PreviewTest, PaintsAnewOnlyWhileAClickPlays) {
     EXPECT_EQ(paints.count, last);
 }
 
+TEST_F(PreviewTest, ALineShowsThatTheKeyboardIsAtIt) {
+    canvas.show();
+    canvas.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&canvas));
+    const auto top = [this] { return canvas.grab().toImage().pixelColor(side / 2, 1); };
+    const auto line = canvas.palette().color(QPalette::Highlight);
+    EXPECT_NE(top(), line);
+    canvas.setAttribute(Qt::WA_KeyboardFocusChange);
+    EXPECT_EQ(top(), line);
+}
+
 TEST_F(PreviewTest, LeavingTheWindowEndsAClick) {
     QWidget window;
     auto* sample = new PreviewCanvas(desktop.clock, cursor, &window);
@@ -130,14 +136,6 @@ TEST_F(PreviewTest, LeavingTheWindowEndsAClick) {
     EXPECT_FALSE(sample->isTicking());
     EXPECT_FALSE(sample->click());
     delete sample;
-}
-
-TEST_F(PreviewTest, TheSpaceBarPlaysAClickAtThePointer) {
-    preferences.click.left = false;
-    canvas.setPreferences(preferences);
-    QTest::keyClick(&canvas, Qt::Key_Space);
-    ASSERT_TRUE(canvas.click());
-    EXPECT_EQ(canvas.click()->point, (GlobalPoint{100, 100}));
 }
 
 } // namespace

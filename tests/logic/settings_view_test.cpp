@@ -1,11 +1,23 @@
 #include "overlay/preview_canvas.h"
 #include "support/views_fixture.h"
+#include "ui/components/pictogram.h"
 #include "ui/components/status_badge.h"
 
 namespace vantrel {
 namespace {
 
-class SettingsViewTest : public ViewsTest {};
+class SettingsViewTest : public ViewsTest {
+protected:
+    static int inkIn(QWidget& part) {
+        const auto picture = part.grab().toImage();
+        int inked = 0;
+        for (int i = 0; i < picture.width() * picture.height(); ++i) {
+            const QPoint place(i % picture.width(), i / picture.width());
+            inked += picture.pixel(place) != picture.pixel(0, 0) ? 1 : 0;
+        }
+        return inked;
+    }
+};
 
 TEST_F(SettingsViewTest, BuildsATabWhenItIsFirstShown) {
     openSettings(SettingsTab::general);
@@ -26,6 +38,12 @@ TEST_F(SettingsViewTest, TheAppearanceIsThatOfTheMode) {
     openSettings(SettingsTab::appearance);
     constexpr auto ofHighlight = "Choose a clear style that makes your cursor easy to follow.";
     constexpr auto ofLaser = "Adjust the laser dot color, size and glow to focus attention.";
+    std::vector<int> inked; // of the badge's symbol
+    const auto shows = [&](const char* name) {
+        return std::ranges::any_of(parts<QAbstractButton>(), [&](const auto* part) {
+            return part->isVisible() && part->accessibleName() == QString::fromUtf8(name);
+        });
+    };
     for (const auto mode : {CursorMode::off, CursorMode::laser, CursorMode::highlight}) {
         setMode(mode);
         const bool laser = mode == CursorMode::laser;
@@ -35,7 +53,15 @@ TEST_F(SettingsViewTest, TheAppearanceIsThatOfTheMode) {
         EXPECT_EQ(badge->findChild<QLabel*>()->text().toStdString(), state.title(mode));
         const auto fill = badge->grab().toImage().pixelColor(badge->width() / 2, 2);
         EXPECT_EQ(fill.green() > fill.red(), mode != CursorMode::off);
+        inked.push_back(inkIn(*parts<Symbol>().at(0)));
+        EXPECT_EQ(shows("White"), !laser) << "the presets of the laser are fewer";
     }
+    EXPECT_GT(inked[1], inked[0] * 3 / 2) << "a filled circle";
+    EXPECT_EQ(inked[2], inked[1]);
+    setMode(CursorMode::laser);
+    state.selectTab(SettingsTab::effects);
+    update();
+    EXPECT_FALSE(says(ofLaser));
 }
 
 TEST_F(SettingsViewTest, TheWaitTimeIsThereOnlyWhenThePointerIsHiddenAtAll) {
@@ -159,6 +185,9 @@ TEST_F(SettingsViewTest, TheKeyboardReachesTheShortcutsInReadingOrderAndWorksThe
     };
     press("Clear shortcut", Qt::Key_Return);
     EXPECT_EQ(preferences().highlightShortcut, std::nullopt);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
+    QCoreApplication::sendEvent(button("Restore default shortcuts"), &held);
+    EXPECT_EQ(preferences().highlightShortcut, std::nullopt) << "a key that is held";
     press("Restore default shortcuts", Qt::Key_Space);
     EXPECT_EQ(preferences().highlightShortcut, Shortcut::defaultHighlight());
     press("Effects", Qt::Key_Space);

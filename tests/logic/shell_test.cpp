@@ -157,6 +157,7 @@ TEST_F(ShellTest, AClickOnTheItemThatHasClosedThePopoverDoesNotOpenItAgain) {
     click();
     press({400, 20});
     EXPECT_FALSE(popoverShown());
+    EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U) << "nothing to close";
     desktop.clock.advance(1); // a button that is held for long
     click();
     EXPECT_FALSE(popoverShown()) << "the second half of the click";
@@ -213,7 +214,7 @@ TEST_F(ShellTest, StartingAgainGivesTheKeyboardToTheWindowUsedLast) {
     EXPECT_EQ(desktop.application.activated.back(), used->winId());
 }
 
-TEST_F(ShellTest, SleepsAndWakesWithTheDesktopAndTakesOverItsLoginItem) {
+TEST_F(ShellTest, SleepsAndWakesWithTheDesktopAndTakesOverWhatHasChanged) {
     launch();
     delegate.state().setMode(CursorMode::laser);
     desktop.workspace.sleep();
@@ -225,8 +226,11 @@ TEST_F(ShellTest, SleepsAndWakesWithTheDesktopAndTakesOverItsLoginItem) {
     settle();
     EXPECT_EQ(desktop.overlayWindows.windows().size(), 1U);
     desktop.loginItem.current = LoginItemStatus::enabled;
+    desktop.hotKeys.lose({.keyCode = 4, .modifiers = 6144});
+    desktop.hotKeys.heldByOthers.clear();
     delegate.applicationDidBecomeActive();
     EXPECT_TRUE(delegate.state().preferences().get().launchAtLogin);
+    EXPECT_EQ(delegate.state().hotkeyError().get(), std::nullopt);
 }
 
 TEST(WindowPlacement, IsInTheMiddleWithTheFrameAndNeverLargerThanTheScreen) {
@@ -262,6 +266,8 @@ TEST(PopoverPlacement, IsBesideTheItemAndWhollyOnTheScreen) {
         EXPECT_EQ(popoverPlacement(item, size, screen), expected) << what;
     }
     EXPECT_EQ(popoverPlacement({1300, 0, 24, 24}, {340, 900}, screen), QRect(1142, 0, 340, 600));
+    EXPECT_EQ(popoverPlacement({1300, 400, 24, 24}, {340, 100}, screen), QRect(1142, 428, 340, 100))
+        << "below, where there is room enough";
 }
 
 } // namespace

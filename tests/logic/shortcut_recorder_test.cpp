@@ -11,21 +11,8 @@ namespace vantrel {
 namespace {
 
 // Numbers of the desktop for the keys that are pressed here.
-enum Key : std::uint32_t {
-    j = 1,
-    q,
-    seven,
-    escape,
-    backspace,
-    tab,
-    space,
-    enter,
-    f3,
-    forwardDelete,
-    shiftKey,
-    odd
-};
-
+constexpr std::uint32_t j = 1, q = 2, seven = 3, escape = 4, backspace = 5, tab = 6, space = 7,
+                        enter = 8, f3 = 9, forwardDelete = 10, shiftKey = 11, odd = 12;
 constexpr auto controlOption = keyflag::control | keyflag::option;
 
 class ShortcutRecorderTest : public ViewsTest {

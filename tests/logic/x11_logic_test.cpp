@@ -79,6 +79,7 @@ TEST(DesktopScaleTest, FollowsTheSettingsThatProgramsFollow) {
 TEST(DesktopScaleTest, ReadsTheResourceDatabase) {
     EXPECT_EQ(fontDpiOf("Xft.antialias:\t1\nXft.dpi:\t120\nXcursor.size: 24"), 120);
     EXPECT_EQ(fontDpiOf("Xft.dpi: junk\n"), std::nullopt);
+    EXPECT_EQ(fontDpiOf("Xft.dpi: 120dpi\n"), std::nullopt);
     EXPECT_EQ(fontDpiOf("XTerm*Xft.dpi: 12"), std::nullopt);
     EXPECT_EQ(fontDpiOf("Xft.dpi:-96"), std::nullopt);
     EXPECT_EQ(fontDpiOf(""), std::nullopt);
