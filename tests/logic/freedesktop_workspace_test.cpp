@@ -37,6 +37,28 @@ protected:
     Subscription waking = manager->onDidWake([this] { events.emplace_back("wake"); });
 };
 
+TEST_F(LoginManagerEvents, HoldTheMachineUntilTheSaveIsOnDisk) {
+    const TemporaryFolder home;
+    FileUserDefaults defaults(home.path());
+    int locksDuringSave = 0;
+    const auto saving = manager->onWillSleep([&] {
+        locksDuringSave = mock->sleepLocks();
+        defaults.setData("key", "saved");
+        defaults.flush();
+    });
+    ASSERT_TRUE(waitUntilHeld());
+
+    mock->announce("PrepareForSleep", true);
+    ASSERT_TRUE(runUntil([this] { return mock->sleepLocks() == 0; }));
+    EXPECT_EQ(contentOf(home / "key"), "saved");
+    EXPECT_EQ(locksDuringSave, 1);
+    EXPECT_THAT(events, ElementsAre("sleep"));
+
+    mock->announce("PrepareForSleep", false);
+    ASSERT_TRUE(runUntil([this] { return events.size() == 2 && isHeld(); }));
+    EXPECT_THAT(events, ElementsAre("sleep", "wake"));
+}
+
 TEST_F(LoginManagerEvents, ComeOnceForEachChange) {
     ASSERT_TRUE(waitUntilHeld());
     for (const bool going : {false, true, true, false, false, true, false}) {
