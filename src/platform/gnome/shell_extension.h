@@ -40,6 +40,8 @@ public:
     // gnome-shell/extensions; the user's own gets a copy if the shell does not look there.
     ShellExtension(QDBusConnection bus, UserDefaults& defaults, std::filesystem::path dataFolder);
     ~ShellExtension() override;
+    ShellExtension(const ShellExtension&) = delete;
+    ShellExtension& operator=(const ShellExtension&) = delete;
 
     [[nodiscard]] MarksState state() const override { return stateOf(report_); }
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
@@ -53,13 +55,12 @@ public:
     std::function<void(const QList<std::uint32_t>&)> onRefused;
     std::function<void(std::uint32_t number)> onPressed;
 
-private Q_SLOTS:
-    void ownerChanged(const QString& name, const QString& former, const QString& owner);
-    void extensionChanged(const QString& uuid, const QVariantMap& info);
-    void pressed(uint number);
-    void loseBus();
-
 private:
+    Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
+    Q_SLOT void extensionChanged(const QString& uuid, const QVariantMap& info);
+    Q_SLOT void pressed(uint number);
+    Q_SLOT void loseBus();
+
     void watch(const QString& name);
     void setShell(const QString& owner);
     void setAgent(const QString& owner);
