@@ -1,3 +1,4 @@
+#include "overlay/preview_canvas.h"
 #include "support/views_fixture.h"
 #include "ui/components/color_well.h"
 #include "ui/components/mode_choices.h"
@@ -164,6 +165,20 @@ TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
     EXPECT_FALSE(told("Custom color")->state().checked);
 }
 
+TEST_F(ComponentsTest, AChoiceOfAStyleShowsThatStyle) {
+    openSettings(SettingsTab::appearance);
+    const auto sample = [&](const char* name) {
+        const auto* choice = named(name);
+        const auto all = parts<PreviewCanvas>();
+        const auto own = std::ranges::find_if(
+            all, [&](const auto* canvas) { return choice->isAncestorOf(canvas); });
+        return own == all.end() ? QImage() : (*own)->grab().toImage();
+    };
+    EXPECT_FALSE(sample("Filled").isNull());
+    EXPECT_NE(sample("Filled"), sample("Ring"));
+    EXPECT_NE(sample("Filled"), sample("Glow"));
+}
+
 TEST_F(ComponentsTest, ASwitchShowsItsStateByThePlaceOfItsKnob) {
     openSettings(SettingsTab::appearance);
     const auto rightEnd = [&] {
@@ -242,6 +257,7 @@ TEST_F(ComponentsTest, SmallTextsCanBeReadOnEveryDesktop) {
         palette.setColor(QPalette::Base, QColor(base));
         palette.setColor(QPalette::WindowText, QColor(text));
         palette.setColor(QPalette::Highlight, toneColor(Tone::blue, palette));
+        EXPECT_EQ(isDark(palette), QColor(text).lightness() > 128) << name;
         EXPECT_GE(contrast(toneColor(Tone::onAccent, palette), toneColor(Tone::accent, palette)),
                   4.5);
         for (const auto tone :
