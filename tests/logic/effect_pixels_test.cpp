@@ -302,6 +302,10 @@ TEST_F(EffectPixelsTest, AClickGoesOnInWindowsThatAreMadeMeanwhileAndLiesAboveTh
     const auto before = window().screenshot();
     manager->rebuild();
     EXPECT_EQ(difference(window().screenshot(), before), 0);
+    // Another one shows nothing of the first.
+    manager->addClick({150, 50}, MouseButton::left);
+    desktop.frame(0);
+    EXPECT_LE(difference(window().screenshot(), window().picture(desktop.clock.mediaTime())), 36);
 }
 
 } // namespace
