@@ -9,7 +9,9 @@ namespace vantrel {
 // A structure of the bus. Its static members() ties the fields of an object in their order on the
 // bus.
 template <typename T>
-concept BusStructure = requires(T& value) { T::members(value); };
+concept BusStructure = requires(T& value) {
+    T::members(value);
+};
 
 // What a type is on the bus is found by these names.
 template <BusStructure T>
