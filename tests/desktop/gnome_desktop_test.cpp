@@ -1,9 +1,10 @@
 #include "overlay/effect.h"
 #include "overlay/effect_drawing.h"
 #include "platform/gnome/effect_message.h"
-#include "platform/gnome/shell_report.h"
+#include "platform/gnome/shell_extension.h"
 #include "testdesk/core_application.h"
 #include "testdesk/gnome_session.h"
+#include "testdesk/headless/user_defaults.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <map>
 #include <string>
@@ -345,6 +347,31 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_H);
     EXPECT_TRUE(tells("mode", "off"));
     EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {
+    const CoreApplication application;
+    headless::UserDefaults defaults;
+    const auto comesTo = [](const ShellExtension& shell, MarksState state) {
+        return waitFor([&] {
+            QCoreApplication::processEvents();
+            return shell.state() == state;
+        });
+    };
+    {
+        const GnomeSession session({});
+        setenv("XDG_DATA_HOME", (session.folder() / "data").c_str(), 1);
+        ShellExtension shell(session.bus(), defaults, VANTREL_DATA);
+        EXPECT_TRUE(comesTo(shell, MarksState::off));
+        shell.enable();
+        EXPECT_TRUE(comesTo(shell, MarksState::needsLogin));
+        EXPECT_TRUE(std::filesystem::exists(
+            session.folder() / "data/gnome-shell/extensions" /
+            extensionFor(QString::number(session.version())).toStdString() / "extension.js"));
+    }
+    const GnomeSession session({.dataFolder = VANTREL_DATA});
+    const ShellExtension shell(session.bus(), defaults, VANTREL_DATA);
+    EXPECT_TRUE(comesTo(shell, MarksState::available));
 }
 
 TEST(GnomeTest, SaysWhatIsMissing) {

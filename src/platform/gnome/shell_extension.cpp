@@ -66,8 +66,8 @@ bool install(const QString& uuid, const std::filesystem::path& dataFolder) {
     if (std::ranges::none_of(folders, isTheInstallation)) {
         const auto target = folders.front() / place;
         std::filesystem::create_directories(target, error);
-        std::filesystem::copy(dataFolder / place, target,
-                              std::filesystem::copy_options::overwrite_existing, error);
+        using enum std::filesystem::copy_options;
+        std::filesystem::copy(dataFolder / place, target, recursive | overwrite_existing, error);
         return !error;
     }
     return std::filesystem::exists(dataFolder / place, error);
