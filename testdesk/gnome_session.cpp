@@ -90,10 +90,11 @@ GnomeSession::GnomeSession(const Options& options)
     // At the start a pane over everything takes all presses, and then the overview opens.
     const auto isReady = [this] {
         try {
-            return evaluate("if (Main.overview.visible && !Main.overview.animationInProgress)"
+            return evaluate("const isUp = !Main.layoutManager._startingUp;"
+                            "if (isUp && Main.overview.visible &&"
+                            "    !Main.overview.animationInProgress)"
                             "    Main.overview.hide();"
-                            "!Main.layoutManager._startingUp && !Main.overview.visible &&"
-                            "    Main.overview._shown === false") == true;
+                            "isUp && !Main.overview.visible && !Main.overview._shown") == true;
         } catch (const std::exception&) {
             return false;
         }

@@ -15,9 +15,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <linux/input-event-codes.h>
@@ -347,6 +349,56 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_H);
     EXPECT_TRUE(tells("mode", "off"));
     EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
+    const CoreApplication application;
+    const Session session;
+    writePreferences(session.folder() / "config", preferencesShowing("off"));
+    const ChildProcess program(
+        {.arguments = {VANTREL_PROGRAM}, .environment = session.environment()});
+    // Place and size of the first part of the shell for which that is true; null without one.
+    const auto find = [&](const std::string& condition) {
+        return session.evaluate("const all = part => [part, ...part.get_children().flatMap(all)];"
+                                "const found = all(Main.layoutManager.uiGroup).find(part =>"
+                                "    part.mapped && part.has_allocation() && " +
+                                condition +
+                                ");"
+                                "found ? [...found.get_transformed_position(), "
+                                "...found.get_transformed_size()] : null");
+    };
+    // Presses there until it has come of it: the first press after a motion may reach nobody.
+    const auto press = [&](const std::string& condition, int button,
+                           const std::function<bool()>& hasCome) {
+        EXPECT_TRUE(waitFor([&] { return !find(condition).is_null(); })) << condition;
+        return waitFor([&] {
+            const auto place = find(condition);
+            if (!place.is_null()) {
+                session.moveTo(place[0].get<double>() + place[2].get<double>() / 2,
+                               place[1].get<double>() + place[3].get<double>() / 2);
+                session.press(button, true);
+                std::this_thread::sleep_for(50ms);
+                session.press(button, false);
+            }
+            return waitFor(hasCome, 1s);
+        });
+    };
+    const std::string laser = "part.text === 'Laser'";
+    EXPECT_TRUE(press("part.accessible_name === 'Vantrel off'", BTN_RIGHT,
+                      [&] { return !find(laser).is_null(); }));
+    EXPECT_TRUE(press(laser, BTN_LEFT, [&] { return session.countPictures() == 1; }));
+    // The panel opens below the item.
+    EXPECT_TRUE(press("part.accessible_name === 'Vantrel laser'", BTN_LEFT, [&] {
+        const auto pointer = session.pointer();
+        const auto windows = session.evaluate("global.get_window_actors().map(window => {"
+                                              "    const {x, y, width, height} ="
+                                              "        window.meta_window.get_frame_rect();"
+                                              "    return [x, y, width, height];})");
+        return std::ranges::any_of(windows, [&](const auto& window) {
+            const QRect area(window[0], window[1], window[2], window[3]);
+            return area.top() < 60 && area.contains(qRound(pointer.x()), 100);
+        });
+    }));
 }
 
 TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {

@@ -36,6 +36,7 @@ VantrelApp::~VantrelApp() {
 Desktop VantrelApp::desktop() {
     if (connection_.isXwayland()) {
         shell_.emplace(QDBusConnection::sessionBus(), defaults_, bundle_.dataFolder());
+        shellStatusItem_.emplace(*shell_, statusItem_);
         shellHotKeys_.emplace(*shell_, x11_.hotKeys, x11::keycodeOf);
     }
     return {.clock = x11_.clock,
@@ -55,7 +56,8 @@ Desktop VantrelApp::desktop() {
             .userDefaults = defaults_,
             .loginItem = loginItem_,
             .workspace = workspace_,
-            .statusItem = statusItem_,
+            .statusItem =
+                shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
             .alertSound = x11_.alertSound,
             .application = *this};
 }

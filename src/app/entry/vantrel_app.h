@@ -13,6 +13,7 @@
 #include "platform/freedesktop/tray_status_item.h"
 #include "platform/gnome/shell_extension.h"
 #include "platform/gnome/shell_hot_keys.h"
+#include "platform/gnome/shell_status_item.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
 
@@ -63,6 +64,7 @@ private:
     std::optional<ShellExtension> shell_; // in a Wayland session
     std::optional<ShellHotKeys> shellHotKeys_;
     TrayStatusItem statusItem_{x11_.systemTray};
+    std::optional<ShellStatusItem> shellStatusItem_;
     AppDelegate delegate_;
     std::optional<ControlService> control_;
     bool ended_ = false;

@@ -30,6 +30,9 @@ void TrayStatusItem::activate() const {
 
 // The toolkit follows a tray that goes and comes back.
 void TrayStatusItem::updateIcon() {
+    if (onTrayChange) {
+        onTrayChange();
+    }
     if (notifier_.hasHost() == true) {
         icon_.reset();
     }

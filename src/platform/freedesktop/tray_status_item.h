@@ -33,6 +33,13 @@ public:
     void setMenu(std::vector<MenuEntry> entries) override;
     [[nodiscard]] std::optional<QRect> place() const override;
 
+    // Whether there is a tray, as far as that is known yet.
+    [[nodiscard]] bool mayBeShown() const {
+        return notifier_.hasHost() != false || tray_.present();
+    }
+    // Called when it may have changed.
+    std::function<void()> onTrayChange;
+
 private:
     void activate() const;
     void updateIcon();

@@ -80,6 +80,8 @@ ShellExtension::ShellExtension(QDBusConnection bus, UserDefaults& defaults,
     : bus_(std::move(bus)), defaults_(defaults), dataFolder_(std::move(dataFolder)) {
     qDBusRegisterMetaType<ShellShortcut>();
     qDBusRegisterMetaType<QList<ShellShortcut>>();
+    qDBusRegisterMetaType<ShellEntry>();
+    qDBusRegisterMetaType<QList<ShellEntry>>();
     retry_.setInterval(retryInterval);
     retry_.setSingleShot(true);
     connect(&retry_, &QTimer::timeout, this, [this] { tellEffect(); });
@@ -185,8 +187,7 @@ void ShellExtension::setAgent(const QString& owner) {
     if (owner == agent_) {
         return;
     }
-    const auto signal = QStringLiteral("Pressed");
-    bus_.disconnect(agent_, agentPath, agentService, signal, this, SLOT(pressed(uint)));
+    connectAgent(false);
     agent_ = owner;
     toldEffect_.reset();
     retry_.stop();
@@ -198,7 +199,7 @@ void ShellExtension::setAgent(const QString& owner) {
     if (owner.isEmpty()) {
         return;
     }
-    bus_.connect(owner, agentPath, agentService, signal, this, SLOT(pressed(uint)));
+    connectAgent(true);
     call(callOf(owner, agentPath, properties, "Get", {agentService, QStringLiteral("Version")}),
          [this, owner](const QDBusMessage& answer) {
              if (owner != agent_ || isError(answer)) {
@@ -209,7 +210,21 @@ void ShellExtension::setAgent(const QString& owner) {
              if (!shortcuts_.isEmpty()) {
                  tellShortcuts();
              }
+             if (item_) {
+                 tellItem();
+             }
          });
+}
+
+void ShellExtension::connectAgent(bool on) {
+    const auto change = [&](const char* signal, const char* slot) {
+        const auto name = QString::fromLatin1(signal);
+        on ? bus_.connect(agent_, agentPath, agentService, name, this, slot)
+           : bus_.disconnect(agent_, agentPath, agentService, name, this, slot);
+    };
+    change("Pressed", SLOT(pressed(uint)));
+    change("ItemClicked", SLOT(itemClicked(QDBusMessage)));
+    change("EntryChosen", SLOT(entryChosen(uint)));
 }
 
 void ShellExtension::show(const Effect& effect) {
@@ -255,7 +270,7 @@ void ShellExtension::grab(const QList<ShellShortcut>& shortcuts) {
 }
 
 void ShellExtension::tellShortcuts() {
-    if (state() != MarksState::available) {
+    if (report_.version != extensionVersion) {
         return;
     }
     call(callOf(agent_, agentPath, agentService, "Grab", {QVariant::fromValue(shortcuts_)}),
@@ -265,6 +280,35 @@ void ShellExtension::tellShortcuts() {
                  onRefused(refused);
              }
          });
+}
+
+void ShellExtension::setItem(const std::optional<ShellItem>& item) {
+    if (item != item_) {
+        item_ = item;
+        tellItem();
+    }
+}
+
+void ShellExtension::tellItem() {
+    if (report_.version != extensionVersion) {
+        return;
+    }
+    const auto item = item_.value_or(ShellItem());
+    call(callOf(agent_, agentPath, agentService, "SetItem",
+                {item.picture, item.description, QVariant::fromValue(item.entries)}),
+         [](const QDBusMessage& /*answer*/) {});
+}
+
+void ShellExtension::itemClicked(const QDBusMessage& message) {
+    if (onItemClicked && !message.arguments().isEmpty()) {
+        onItemClicked(qdbus_cast<QRect>(message.arguments().front()));
+    }
+}
+
+void ShellExtension::entryChosen(uint number) {
+    if (onEntryChosen) {
+        onEntryChosen(number);
+    }
 }
 
 void ShellExtension::pressed(uint number) {

@@ -5,11 +5,13 @@
 #include "platform/marks.h"
 #include "platform/session.h"
 
+#include <QByteArray>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QList>
 #include <QObject>
+#include <QRect>
 #include <QString>
 #include <QTimer>
 #include <QVariantMap>
@@ -28,6 +30,24 @@ struct ShellShortcut {
 
     static auto members(auto& self) { return std::tie(self.number, self.accelerator); }
     bool operator==(const ShellShortcut&) const = default;
+};
+
+// An entry of a menu in the top bar.
+struct ShellEntry {
+    QString title{};          // empty for a dividing line
+    std::uint32_t choice = 0; // 0 for none, 1 for one of several, 2 for the chosen one
+
+    static auto members(auto& self) { return std::tie(self.title, self.choice); }
+    bool operator==(const ShellEntry&) const = default;
+};
+
+// An item in the top bar.
+struct ShellItem {
+    QByteArray picture{}; // as a PNG
+    QString description{};
+    QList<ShellEntry> entries{};
+
+    bool operator==(const ShellItem&) const = default;
 };
 
 // The program's side of its extension of GNOME Shell. Nothing waits for the shell: it is told when
@@ -55,10 +75,16 @@ public:
     std::function<void(const QList<std::uint32_t>&)> onRefused;
     std::function<void(std::uint32_t number)> onPressed;
 
+    void setItem(const std::optional<ShellItem>& item);
+    std::function<void(const QRect& place)> onItemClicked; // on the desktop
+    std::function<void(std::uint32_t number)> onEntryChosen;
+
 private:
     Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
     Q_SLOT void extensionChanged(const QString& uuid, const QVariantMap& info);
     Q_SLOT void pressed(uint number);
+    Q_SLOT void itemClicked(const QDBusMessage& message);
+    Q_SLOT void entryChosen(uint number);
     Q_SLOT void loseBus();
 
     void watch(const QString& name);
@@ -69,6 +95,8 @@ private:
     void switchOn();
     void tellEffect();
     void tellShortcuts();
+    void tellItem();
+    void connectAgent(bool on);
     void takeAnswer(const QDBusMessage& answer);
     template <typename Change>
     void update(Change change);
@@ -84,6 +112,7 @@ private:
     std::optional<Effect> effect_;
     std::optional<Effect> toldEffect_; // and answered for, or on its way
     QList<ShellShortcut> shortcuts_;
+    std::optional<ShellItem> item_;
     QTimer retry_; // while it serves another program
     Observers<> changes_;
 };

@@ -24,6 +24,18 @@ const Interface = `
     </method>
     <!-- Sent to the caller of Grab alone. -->
     <signal name="Pressed"><arg name="number" type="u"/></signal>
+    <!-- An item in the top bar: its picture as a PNG, what screen readers say of it, and the entries of
+         its menu: a title, empty for a dividing line, and 0 for no choice, 1 for one of several, 2 for
+         the chosen one. Without a picture there is none. -->
+    <method name="SetItem">
+      <arg name="picture" type="ay" direction="in"/>
+      <arg name="description" type="s" direction="in"/>
+      <arg name="entries" type="a(su)" direction="in"/>
+    </method>
+    <!-- These are sent to the caller of SetItem alone: a click on the item, with its place on the
+         desktop as x, y, width and height, and the number of an entry from 0. -->
+    <signal name="ItemClicked"><arg name="place" type="(iiii)"/></signal>
+    <signal name="EntryChosen"><arg name="number" type="u"/></signal>
     <property name="Version" type="u" access="read"/>
   </interface>
 </node>`;
@@ -75,6 +87,11 @@ function areAccelerators(list) {
         new Set(list.map(([number]) => number)).size === list.length;
 }
 
+function isItem(picture, description, entries) {
+    return picture.length <= 65536 && description.length <= 256 &&
+        isEach(entries, ([title, choice]) => title.length <= 256 && choice <= 2, 64);
+}
+
 // The shell
 
 // GNOME 48 moved these to other objects.
@@ -90,26 +107,33 @@ const cursorTracker = () => global.backend.get_cursor_tracker?.() ??
 const idleMonitor = () => global.backend.get_core_idle_monitor();
 const seconds = () => GLib.get_monotonic_time() / 1e6;
 const theme = () => St.ThemeContext.get_for_stage(global.stage);
+// More than 1 where the stage is laid out in device pixels.
+const pointScale = () => theme().scale_factor;
 
-// Shows what it draws around a point of the stage.
+// Shows what it draws around a point of the stage. Used again and again: what pictures have is freed
+// late.
 class Picture {
-    constructor(parent, diameter, draw) {
-        // More than 1 where the stage is laid out in device pixels.
-        const scale = theme().scale_factor;
-        // Whose half is a whole number of pixels at every quarter of a scale.
-        this._side = Math.ceil(diameter * scale / 8 + 0.25) * 8;
+    constructor(parent) {
         this.actor = new St.DrawingArea({
-            reactive: false, can_focus: false, track_hover: false, width: this._side, height: this._side,
+            reactive: false, can_focus: false, track_hover: false, visible: false,
         });
         this.actor.connect('repaint', () => {
             const context = this.actor.get_context();
             const [width, height] = this.actor.get_surface_size();
             context.translate(width / 2, height / 2);
-            context.scale(scale, scale);
-            draw(context);
+            context.scale(pointScale(), pointScale());
+            this._draw(context);
             context.$dispose();
         });
         parent.add_child(this.actor);
+    }
+
+    set(diameter, draw) {
+        this._draw = draw;
+        // Whose half is a whole number of pixels at every quarter of a scale.
+        this._side = Math.ceil(diameter * pointScale() / 8 + 0.25) * 8;
+        this.actor.set_size(this._side, this._side);
+        this.actor.queue_repaint();
     }
 
     // Whether that is another place than before, to the pixel: that brings a frame. By a translation,
@@ -122,10 +146,6 @@ class Picture {
             return false;
         this.actor.set_translation(left, top, 0);
         return true;
-    }
-
-    destroy() {
-        this.actor.destroy();
     }
 }
 
@@ -190,6 +210,34 @@ class TopPlace {
     }
 }
 
+// What plays at a press.
+class Ring {
+    constructor(parent, ended) {
+        this._picture = new Picture(parent);
+        this._timeline = new Clutter.Timeline({actor: this._picture.actor, duration: 1});
+        this._timeline.connect('new-frame', () => this._picture.actor.queue_repaint());
+        this._timeline.connect('completed', () => ended(this));
+    }
+
+    play([, duration, width, start, end, opacity, ...color], x, y) {
+        this._picture.set(Math.max(start, end) + width, context => {
+            const progress = this._timeline.get_progress();
+            const diameter = start + (end - start) * progress + width;
+            drawDisc(context, [diameter, width, [[0, ...color, opacity * (1 - progress)]]]);
+        });
+        this._picture.moveTo(x, y);
+        this._picture.actor.visible = true;
+        this._timeline.set_duration(duration * 1000);
+        this._timeline.rewind();
+        this._timeline.start();
+    }
+
+    stop() {
+        this._timeline.stop();
+        this._picture.actor.visible = false;
+    }
+}
+
 // What is shown around the pointer, and the rings of presses.
 class Overlay {
     constructor() {
@@ -198,7 +246,9 @@ class Overlay {
         this._topPlace = new TopPlace(this._layer);
         this._tracker = cursorTracker();
         this._monitor = idleMonitor();
-        this._rings = [];
+        this._mark = new Picture(this._layer);
+        this._rings = []; // that play, the oldest first
+        this._spareRings = [];
         this._visible = false;
         this._signals = [
             [this._tracker, 'position-invalidated', () => this._motion()],
@@ -234,12 +284,9 @@ class Overlay {
     }
 
     _draw() {
-        this._mark?.destroy();
         const {mark} = this._effect;
-        this._mark = new Picture(this._layer, Math.max(0, ...mark.map(([diameter]) => diameter)),
+        this._mark.set(Math.max(0, ...mark.map(([diameter]) => diameter)),
             context => mark.forEach(disc => drawDisc(context, disc)));
-        this._layer.set_child_below_sibling(this._mark.actor, null);
-        this._mark.actor.visible = this._visible;
         this._waiting = false;
         this._place();
     }
@@ -323,39 +370,21 @@ class Overlay {
         if (!ring)
             return;
         this._dropRings(MostRings - 1);
-        this._play(ring, x, y);
-    }
-
-    _play([, duration, width, start, end, opacity, ...color], x, y) {
-        let progress = 0;
-        const picture = new Picture(this._layer, Math.max(start, end) + width, context => {
-            const diameter = start + (end - start) * progress + width;
-            drawDisc(context, [diameter, width, [[0, ...color, opacity * (1 - progress)]]]);
-        });
-        picture.moveTo(x, y);
-        const timeline = new Clutter.Timeline({actor: picture.actor, duration: duration * 1000});
-        timeline.connect('new-frame', () => {
-            progress = timeline.get_progress();
-            picture.actor.queue_repaint();
-        });
-        const ring = {
-            end() {
-                timeline.stop();
-                picture.destroy();
-            },
-        };
-        timeline.connect('completed', () => {
-            this._rings = this._rings.filter(other => other !== ring);
-            ring.end();
-        });
-        this._rings.push(ring);
-        timeline.start();
+        const playing = this._spareRings.pop() ?? new Ring(this._layer, ended => this._drop(ended));
+        playing.play(ring, x, y);
+        this._rings.push(playing);
     }
 
     // The oldest ones, until so many are left.
     _dropRings(left) {
         while (this._rings.length > left)
-            this._rings.shift().end();
+            this._drop(this._rings[0]);
+    }
+
+    _drop(ring) {
+        ring.stop();
+        this._rings.splice(this._rings.indexOf(ring), 1);
+        this._spareRings.push(ring);
     }
 }
 
@@ -399,12 +428,69 @@ class Shortcuts {
     }
 }
 
+// The program's item in the top bar.
+class Item {
+    constructor(clicked, chosen) {
+        this._chosen = chosen;
+        this._button = new PanelMenu.Button(0.5, '', true);
+        this._icon = new St.Icon({style_class: 'system-status-icon'});
+        this._button.add_child(this._icon);
+        this._menu = new PopupMenu.PopupMenu(this._button, 0.5, St.Side.TOP);
+        this._menu.actor.hide();
+        Main.layoutManager.uiGroup.add_child(this._menu.actor);
+        Main.panel.menuManager.addMenu(this._menu);
+        const click = () => {
+            const [x, y] = this._button.get_transformed_position();
+            const [width, height] = this._button.get_transformed_size();
+            clicked([x, y, width, height].map(Math.round));
+            return Clutter.EVENT_STOP;
+        };
+        this._button.connect('button-press-event', (_button, event) => {
+            if (event.get_button() === 1)
+                return click();
+            this._menu.toggle();
+            return Clutter.EVENT_STOP;
+        });
+        this._button.connect('key-press-event', (_button, event) => {
+            const key = event.get_key_symbol();
+            if (key === Clutter.KEY_Return || key === Clutter.KEY_space)
+                return click();
+            if (key === Clutter.KEY_Down || key === Clutter.KEY_Menu)
+                this._menu.toggle();
+            return Clutter.EVENT_PROPAGATE;
+        });
+        Main.panel.addToStatusArea('vantrel', this._button);
+    }
+
+    destroy() {
+        Main.panel.menuManager.removeMenu(this._menu);
+        this._menu.destroy();
+        this._button.destroy();
+    }
+
+    show(picture, description, entries) {
+        this._icon.gicon = Gio.BytesIcon.new(GLib.Bytes.new(picture));
+        this._button.accessible_name = description;
+        this._menu.removeAll();
+        entries.forEach(([title, choice], number) => {
+            if (title === '') {
+                this._menu.addMenuItem(new PopupMenu.PopupSeparatorMenuItem());
+                return;
+            }
+            const entry = new PopupMenu.PopupMenuItem(title);
+            if (choice > 0)
+                entry.setOrnament(choice === 2 ? PopupMenu.Ornament.DOT : PopupMenu.Ornament.NONE);
+            entry.connect('activate', () => this._chosen(number));
+            this._menu.addMenuItem(entry);
+        });
+    }
+}
+
 // Serves one program at a time. All that is shown and grabbed is that program's, and ends with it.
 class Service {
     constructor() {
         this._bus = Gio.DBus.session;
-        this._shortcuts = new Shortcuts(number => this._bus.emit_signal(this._client, Path, Name, 'Pressed',
-            new GLib.Variant('(u)', [number])));
+        this._shortcuts = new Shortcuts(number => this._tell('Pressed', '(u)', number));
         this._object = Gio.DBusExportedObject.wrapJSObject(Interface, this);
         this._object.export(this._bus, Path);
         this._name = Gio.bus_own_name_on_connection(this._bus, Name, Gio.BusNameOwnerFlags.NONE, null, null);
@@ -442,6 +528,23 @@ class Service {
             new GLib.Variant('(au)', [this._shortcuts.grab(accelerators)]));
     }
 
+    SetItemAsync([picture, description, entries], invocation) {
+        this._serve(invocation, isItem(picture, description, entries), () => {
+            if (picture.length === 0) {
+                this._removeItem();
+            } else {
+                this._item ??= new Item(place => this._tell('ItemClicked', '((iiii))', place),
+                    number => this._tell('EntryChosen', '(u)', number));
+                this._item.show(picture, description, entries);
+            }
+            return null;
+        });
+    }
+
+    _tell(signal, type, value) {
+        this._bus.emit_signal(this._client, Path, Name, signal, new GLib.Variant(type, [value]));
+    }
+
     // Answers with what the action returns.
     _serve(invocation, isSound, action) {
         const sender = invocation.get_sender();
@@ -469,10 +572,16 @@ class Service {
 
     _forget() {
         this._clear();
+        this._removeItem();
         this._shortcuts.grab([]);
         if (this._client)
             Gio.bus_unwatch_name(this._watch);
         this._client = null;
+    }
+
+    _removeItem() {
+        this._item?.destroy();
+        this._item = null;
     }
 
     _clear() {
