@@ -3,6 +3,7 @@
 #include "testdesk/wait.h"
 
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 
 #include <algorithm>
 #include <cmath>
@@ -174,7 +175,11 @@ std::string GnomeSession::complaints() const {
 }
 
 int GnomeSession::version() const {
-    return std::stoi(evaluate("imports.misc.config.PACKAGE_VERSION").get<std::string>());
+    const auto answer = call(
+        "org.gnome.Shell", QStringLiteral("/org/gnome/Shell"), "org.freedesktop.DBus.Properties",
+        "Get", {QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("ShellVersion")});
+    return std::stoi(
+        answer.arguments().at(0).value<QDBusVariant>().variant().toString().toStdString());
 }
 
 nlohmann::json GnomeSession::evaluate(const std::string& script) const {

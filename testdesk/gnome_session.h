@@ -36,7 +36,6 @@ public:
     GnomeSession& operator=(const GnomeSession&) = delete;
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
-    [[nodiscard]] pid_t pid() const { return shell_.pid(); }
     [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
     // For programs of the session. Starts its Xwayland for the first one.
     [[nodiscard]] Environment environment() const;
