@@ -8,6 +8,7 @@
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 
+#include <QDBusConnectionInterface>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -70,7 +71,9 @@ class Session : public GnomeSession {
 public:
     explicit Session(int scale = 1) : GnomeSession({.scale = scale, .dataFolder = VANTREL_DATA}) {
         EXPECT_TRUE(switchExtension(extension(), true));
-        moveTo(place.x() * scale, place.y() * scale);
+        EXPECT_TRUE(waitFor([&] { return bus().interface()->isServiceRegistered(agent).value(); }));
+        // Shells count in points or in pixels.
+        moveTo(place.x() * width() / 1280, place.y() * width() / 1280);
     }
     ~Session() { EXPECT_EQ(complaints(), ""); }
 
