@@ -6,7 +6,7 @@
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/x11/desktop.h"
-#include "support/x11_with_memory.h"
+#include "testdesk/headless/x11_with_memory.h"
 
 #include <filesystem>
 #include <memory>

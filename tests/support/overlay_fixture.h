@@ -2,11 +2,11 @@
 
 #include "overlay/overlay_window_manager.h"
 #include "support/event_loop.h"
-#include "support/x11_with_memory.h"
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/displays.h"
+#include "testdesk/headless/x11_with_memory.h"
 #include "testdesk/private_server.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/synthetic_input.h"

@@ -145,7 +145,7 @@ void Connection::internAtoms() {
     const auto screen = std::to_string(screenNumber_);
     const auto user = std::to_string(getuid());
     const std::array<std::string, static_cast<std::size_t>(Atom::count)> names{
-#define VANTREL_ATOM_NAME(atom, name, number) name + number,
+#define VANTREL_ATOM_NAME(atom, name, number) std::string(name) + (number),
         VANTREL_ATOMS(VANTREL_ATOM_NAME)
 #undef VANTREL_ATOM_NAME
     };
