@@ -3,33 +3,35 @@
 #include "testdesk/wait.h"
 #include "testdesk/x_traffic.h"
 
-#include <system_error>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
 
 #include <X11/keysym.h>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace vantrel::bench {
 namespace {
 
-// The program writes to this file first and waits for its lock: a disk that takes its time.
+// A disk that takes its time, for a program that is started through it.
 class SlowDisk {
 public:
-    explicit SlowDisk(const std::filesystem::path& document)
-        : descriptor_(
-              open((document.parent_path() / ("." + document.filename().string() + ".new")).c_str(),
-                   O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
-        if (flock(descriptor_, LOCK_EX) != 0) {
-            throw std::system_error(errno, std::generic_category(), "cannot hold up a save");
-        }
-    }
-    ~SlowDisk() { close(descriptor_); }
+    explicit SlowDisk(std::filesystem::path sign) : sign_(std::move(sign)) {}
+    ~SlowDisk() { release(); }
     SlowDisk(const SlowDisk&) = delete;
     SlowDisk& operator=(const SlowDisk&) = delete;
 
+    [[nodiscard]] Contender startedThroughIt(Contender program) const {
+        program.command.insert(program.command.begin(),
+                               {"env", std::string("LD_PRELOAD=") + VANTREL_SLOW_DISK_MODULE,
+                                "VANTREL_SLOW_DISK=" + sign_.string()});
+        return program;
+    }
+    void hold() const { std::ofstream{sign_}; }
+    void release() const { std::filesystem::remove(sign_); }
+
 private:
-    int descriptor_;
+    std::filesystem::path sign_;
 };
 
 } // namespace
@@ -41,7 +43,9 @@ Report measureSave(const Contenders& contenders, const Effort& effort) {
     BenchDesktop desktop;
     const desktop::XTraffic traffic(desktop.server.display());
     desktop.input.moveTo({960, 540});
-    const auto process = startAndAwait(desktop, contenders.program, traffic.display());
+    const SlowDisk disk(desktop.server.folder() / "slow-disk");
+    const auto process =
+        startAndAwait(desktop, disk.startedThroughIt(contenders.program), traffic.display());
     const auto play = [&](double seconds) {
         atPace(500, seconds, [&](int step) {
             desktop.input.moveTo({960 + step % 100, 540}, desktop::SyntheticInput::Wait::no);
@@ -51,14 +55,12 @@ Report measureSave(const Contenders& contenders, const Effort& effort) {
     play(0.3);
     const std::string former = stored();
     const desktop::TrafficCounts before = traffic.counts();
-    desktop::TrafficCounts counts;
-    {
-        const SlowDisk disk(storedDocument(desktop));
-        desktop.input.typeChord({XK_Control_L, XK_Alt_L, 'l'});
-        play(0.3 + 3 * effort.secondsInTurn);
-        counts = traffic.counts() - before;
-    }
+    disk.hold();
+    desktop.input.typeChord({XK_Control_L, XK_Alt_L, 'l'});
+    play(0.3 + 3 * effort.secondsInTurn);
+    const desktop::TrafficCounts counts = traffic.counts() - before;
     const bool heldUp = stored() == former;
+    disk.release();
     const bool saved = desktop::waitFor([&] { return stored() != former; });
     const std::uint64_t missed = desktop::missedFrames(counts);
     return {.checks = {{.name = "frames during a save on a slow disk",
