@@ -5,7 +5,6 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <utility>
 
@@ -16,8 +15,6 @@ constexpr QLatin1String connectionName("vantrel-login-manager");
 constexpr QLatin1String managerService("org.freedesktop.login1");
 constexpr QLatin1String managerPath("/org/freedesktop/login1");
 constexpr QLatin1String managerInterface("org.freedesktop.login1.Manager");
-constexpr QLatin1String localPath("/org/freedesktop/DBus/Local");
-constexpr QLatin1String localInterface("org.freedesktop.DBus.Local");
 
 QDBusConnection bus() {
     return QDBusConnection(connectionName);
@@ -25,12 +22,9 @@ QDBusConnection bus() {
 
 template <typename Reply, typename Answer>
 void call(QObject* context, const QDBusMessage& message, Answer answer) {
-    auto* watcher = new QDBusPendingCallWatcher(bus().asyncCall(message), context);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
-                     [watcher, answer = std::move(answer)] {
-                         watcher->deleteLater();
-                         answer(QDBusPendingReply<Reply>(*watcher));
-                     });
+    callAsync(bus(), message, context, [answer = std::move(answer)](const QDBusMessage& reply) {
+        answer(QDBusPendingReply<Reply>(reply));
+    });
 }
 
 } // namespace

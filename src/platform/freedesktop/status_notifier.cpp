@@ -3,7 +3,6 @@
 #include "platform/freedesktop/bus_call.h"
 
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QImage>
@@ -94,35 +93,28 @@ void StatusNotifier::start() {
 
 void StatusNotifier::meetWatcher() {
     const auto bus = QDBusConnection::sessionBus();
-    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, watcherService,
-                                                  QStringLiteral("RegisterStatusNotifierItem"));
-    message.setAutoStartService(false);
-    message << bus.baseService();
-    bus.asyncCall(message);
+    bus.asyncCall(callOf(watcherService, watcherPath, watcherService,
+                         QStringLiteral("RegisterStatusNotifierItem"), {bus.baseService()}));
     setHost(std::nullopt);
     askForHost();
 }
 
 void StatusNotifier::askForHost() {
-    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, propertiesInterface,
-                                                  QStringLiteral("Get"));
-    message.setAutoStartService(false);
-    message << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
-    auto* answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this,
-            [this, answer, question = ++question_] {
-                answer->deleteLater();
-                const QDBusPendingReply<QDBusVariant> reply(*answer);
-                if (question != question_) {
-                    return;
-                }
-                if (reply.isError() && reply.error().type() == QDBusError::NoReply) {
-                    askForHost();
-                } else {
-                    setHost(reply.isValid() && reply.value().variant().toBool());
-                }
-            });
+    const auto message =
+        callOf(watcherService, watcherPath, propertiesInterface, QStringLiteral("Get"),
+               {QString(watcherService), QStringLiteral("IsStatusNotifierHostRegistered")});
+    callAsync(QDBusConnection::sessionBus(), message, this,
+              [this, question = ++question_](const QDBusMessage& answer) {
+                  const QDBusPendingReply<QDBusVariant> reply(answer);
+                  if (question != question_) {
+                      return;
+                  }
+                  if (reply.isError() && reply.error().type() == QDBusError::NoReply) {
+                      askForHost();
+                  } else {
+                      setHost(reply.isValid() && reply.value().variant().toBool());
+                  }
+              });
 }
 
 void StatusNotifier::setHost(std::optional<bool> present) {

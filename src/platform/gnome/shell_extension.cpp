@@ -1,10 +1,10 @@
 #include "platform/gnome/shell_extension.h"
 
+#include "platform/freedesktop/bus_call.h"
 #include "platform/freedesktop/xdg_directories.h"
 #include "platform/gnome/effect_message.h"
 
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 #include <algorithm>
@@ -16,8 +16,6 @@ namespace vantrel {
 
 namespace {
 
-const auto busService = QStringLiteral("org.freedesktop.DBus");
-const auto busPath = QStringLiteral("/org/freedesktop/DBus");
 const auto properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const auto shellService = QStringLiteral("org.gnome.Shell");
 const auto shellPath = QStringLiteral("/org/gnome/Shell");
@@ -30,16 +28,6 @@ constexpr int retryInterval = 2000; // milliseconds
 // In the user defaults: true from when the user has asked for an extension that the shell finds at
 // the next login only.
 constexpr std::string_view awaitedKey = "gnomeExtensionAwaited";
-
-QDBusMessage callOf(const QString& service, const QString& path, const QString& interface,
-                    const char* method, const QVariantList& arguments = {}) {
-    auto message =
-        QDBusMessage::createMethodCall(service, path, interface, QString::fromLatin1(method));
-    message.setArguments(arguments);
-    // Not to be started for this.
-    message.setAutoStartService(false);
-    return message;
-}
 
 bool isError(const QDBusMessage& answer) {
     return answer.type() == QDBusMessage::ErrorMessage;
@@ -85,14 +73,11 @@ ShellExtension::ShellExtension(QDBusConnection bus, UserDefaults& defaults,
     retry_.setInterval(retryInterval);
     retry_.setSingleShot(true);
     connect(&retry_, &QTimer::timeout, this, [this] { tellEffect(); });
-    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+    bus_.connect({}, localPath, localInterface, QStringLiteral("Disconnected"), this,
                  SLOT(loseBus()));
     watch(shellService);
     watch(agentService);
 }
-
-ShellExtension::~ShellExtension() = default;
 
 Subscription ShellExtension::onChange(std::function<void()> callback) {
     return changes_.add(std::move(callback));
@@ -101,10 +86,9 @@ Subscription ShellExtension::onChange(std::function<void()> callback) {
 void ShellExtension::watch(const QString& name) {
     bus_.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"), {name},
                  QStringLiteral("sss"), this, SLOT(ownerChanged(QString, QString, QString)));
-    call(callOf(busService, busPath, busService, "GetNameOwner", {name}),
-         [this, name](const QDBusMessage& answer) {
-             ownerChanged(name, {}, valueIn(answer).toString());
-         });
+    call(busCall(QStringLiteral("GetNameOwner"), {name}), [this, name](const QDBusMessage& answer) {
+        ownerChanged(name, {}, valueIn(answer).toString());
+    });
 }
 
 void ShellExtension::ownerChanged(const QString& name, const QString& /*former*/,
@@ -127,7 +111,7 @@ void ShellExtension::setShell(const QString& owner) {
     }
     bus_.connect(owner, shellPath, extensionsInterface, signal, this,
                  SLOT(extensionChanged(QString, QVariantMap)));
-    call(callOf(owner, shellPath, properties, "Get",
+    call(callOf(owner, shellPath, properties, QStringLiteral("Get"),
                 {extensionsInterface, QStringLiteral("ShellVersion")}),
          [this](const QDBusMessage& answer) {
              uuid_ = extensionFor(valueIn(answer).toString());
@@ -136,10 +120,11 @@ void ShellExtension::setShell(const QString& owner) {
 }
 
 void ShellExtension::askForExtension() {
-    call(callOf(shell_, shellPath, extensionsInterface, "GetExtensionInfo", {uuid_}),
-         [this](const QDBusMessage& answer) {
-             takeExtension(qdbus_cast<QVariantMap>(valueIn(answer)));
-         });
+    call(
+        callOf(shell_, shellPath, extensionsInterface, QStringLiteral("GetExtensionInfo"), {uuid_}),
+        [this](const QDBusMessage& answer) {
+            takeExtension(qdbus_cast<QVariantMap>(valueIn(answer)));
+        });
 }
 
 void ShellExtension::extensionChanged(const QString& uuid, const QVariantMap& info) {
@@ -173,7 +158,7 @@ void ShellExtension::enable() {
 }
 
 void ShellExtension::switchOn() {
-    call(callOf(shell_, shellPath, extensionsInterface, "EnableExtension", {uuid_}),
+    call(callOf(shell_, shellPath, extensionsInterface, QStringLiteral("EnableExtension"), {uuid_}),
          [this](const QDBusMessage& answer) {
              const bool isAwaited = !valueIn(answer).toBool() && install(uuid_, dataFolder_);
              if (isAwaited != defaults_.boolean(awaitedKey)) {
@@ -200,7 +185,8 @@ void ShellExtension::setAgent(const QString& owner) {
         return;
     }
     connectAgent(true);
-    call(callOf(owner, agentPath, properties, "Get", {agentService, QStringLiteral("Version")}),
+    call(callOf(owner, agentPath, properties, QStringLiteral("Get"),
+                {agentService, QStringLiteral("Version")}),
          [this, owner](const QDBusMessage& answer) {
              if (owner != agent_ || isError(answer)) {
                  return;
@@ -242,8 +228,9 @@ void ShellExtension::tellEffect() {
         return;
     }
     toldEffect_ = effect_;
-    call(effect_ ? callOf(agent_, agentPath, agentService, "Show", {messageOf(*effect_)})
-                 : callOf(agent_, agentPath, agentService, "Clear"),
+    call(effect_ ? callOf(agent_, agentPath, agentService, QStringLiteral("Show"),
+                          {messageOf(*effect_)})
+                 : callOf(agent_, agentPath, agentService, QStringLiteral("Clear")),
          [this, asked = agent_](const QDBusMessage& answer) {
              if (asked == agent_) {
                  takeAnswer(answer);
@@ -273,7 +260,8 @@ void ShellExtension::tellShortcuts() {
     if (report_.version != extensionVersion) {
         return;
     }
-    call(callOf(agent_, agentPath, agentService, "Grab", {QVariant::fromValue(shortcuts_)}),
+    call(callOf(agent_, agentPath, agentService, QStringLiteral("Grab"),
+                {QVariant::fromValue(shortcuts_)}),
          [this, shortcuts = shortcuts_](const QDBusMessage& answer) {
              const auto refused = qdbus_cast<QList<std::uint32_t>>(valueIn(answer));
              if (shortcuts == shortcuts_ && !refused.isEmpty() && onRefused) {
@@ -294,7 +282,7 @@ void ShellExtension::tellItem() {
         return;
     }
     const auto item = item_.value_or(ShellItem());
-    call(callOf(agent_, agentPath, agentService, "SetItem",
+    call(callOf(agent_, agentPath, agentService, QStringLiteral("SetItem"),
                 {item.picture, item.description, QVariant::fromValue(item.entries)}),
          [](const QDBusMessage& /*answer*/) {});
 }
@@ -333,12 +321,7 @@ void ShellExtension::update(Change change) {
 
 void ShellExtension::call(const QDBusMessage& message,
                           std::function<void(const QDBusMessage&)> answered) {
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [watcher, answered = std::move(answered)] {
-                watcher->deleteLater();
-                answered(watcher->reply());
-            });
+    callAsync(bus_, message, this, std::move(answered));
 }
 
 } // namespace vantrel

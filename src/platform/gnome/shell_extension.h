@@ -8,7 +8,6 @@
 #include <QByteArray>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QList>
 #include <QObject>
 #include <QRect>
@@ -59,9 +58,6 @@ public:
     // Of the session's bus. The folder is that of the installation which has the extension in
     // gnome-shell/extensions; the user's own gets a copy if the shell does not look there.
     ShellExtension(QDBusConnection bus, UserDefaults& defaults, std::filesystem::path dataFolder);
-    ~ShellExtension() override;
-    ShellExtension(const ShellExtension&) = delete;
-    ShellExtension& operator=(const ShellExtension&) = delete;
 
     [[nodiscard]] MarksState state() const override { return stateOf(report_); }
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
