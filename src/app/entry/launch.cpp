@@ -28,8 +28,7 @@ constexpr std::string_view englishWaylandRemark =
     "hidden, as Xwayland does not tell where the pointer is.\n"
     "vantrel: The shortcuts work while an X program has the keyboard.\n"
     "vantrel: GNOME shows all of it everywhere once Vantrel's extension is switched on; the "
-    "settings "
-    "have a button for that.\n"
+    "settings have a button for that.\n"
     "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
     "time.\n";
 constexpr std::string_view chineseWaylandRemark =

@@ -9,8 +9,8 @@
 
 namespace vantrel {
 
-// Ends the process, with a word, when the X server hangs: it is waited for at every turn, without
-// an end. Until this is destroyed.
+// While it lives, an X server that hangs ends the process after some seconds, with an error
+// message: every answer of the server is waited for.
 class ServerTimeout {
 public:
     ServerTimeout();

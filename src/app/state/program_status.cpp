@@ -49,18 +49,14 @@ ProgramStatus programStatus(const AppState& state, const Desktop& desktop) {
 }
 
 std::string toJson(const ProgramStatus& status) {
-    nlohmann::ordered_json json;
+    using Json = nlohmann::ordered_json;
+    const auto orNull = [](const auto& text) { return text ? Json(*text) : Json(nullptr); };
+    Json json;
     json["mode"] = status.mode;
     json["marks"] = status.marks;
-    json["marksMissing"] = nullptr;
-    if (status.marksMissing) {
-        json["marksMissing"] = *status.marksMissing;
-    }
+    json["marksMissing"] = orNull(status.marksMissing);
     json["clickAvailable"] = status.clickAvailable;
-    json["hotkeyError"] = nullptr;
-    if (status.hotkeyError) {
-        json["hotkeyError"] = *status.hotkeyError;
-    }
+    json["hotkeyError"] = orNull(status.hotkeyError);
     json["version"] = status.version;
     json["build"] = status.build;
     return json.dump();

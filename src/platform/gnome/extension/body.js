@@ -169,7 +169,7 @@ function drawDisc(context, [diameter, width, stops]) {
 // Keeps an actor above its siblings, menus and dialogs among them, which raise themselves when they
 // open. One that comes back each time is left above until it has been quiet for a while.
 class TopPlace {
-    static patience = 4; // times
+    static answersAllowed = 4; // times
     static answerTime = 1; // seconds; what comes later is no answer
     static forgivingTime = 10;
 
@@ -201,9 +201,9 @@ class TopPlace {
             rival = fresh;
         this._rivals.set(actor, rival);
         rival.came = now;
-        if (rival.answers < TopPlace.patience)
+        if (rival.answers < TopPlace.answersAllowed)
             rival.answers = now - rival.raised <= TopPlace.answerTime ? rival.answers + 1 : 0;
-        if (rival.answers >= TopPlace.patience)
+        if (rival.answers >= TopPlace.answersAllowed)
             return false;
         rival.raised = now;
         return true;
