@@ -76,6 +76,11 @@ TEST_F(ColorChoicesTest, AWhiteSwatchHasABlackTick) {
 TEST_F(ColorChoicesTest, WhatIsPickedInTheDialogIsNotWrittenBackIntoTheWell) {
     auto* well = openWell(highlightColor());
     ASSERT_NE(well->dialog(), nullptr);
+    const auto tint = [](const QPalette& palette) {
+        return palette.color(QPalette::Active, QPalette::Highlight);
+    };
+    EXPECT_EQ(tint(well->dialog()->palette()), tint(window->palette()));
+    EXPECT_NE(tint(well->dialog()->palette()), tint(QApplication::palette()));
     // A grey keeps the hue that the user is at only in the picked colour itself.
     const auto grey = QColor::fromHsv(200, 0, 128);
     EXPECT_EQ(assignments([&] {

@@ -144,6 +144,15 @@ TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
     told("Diameter")->valueInterface()->setCurrentValue(80);
     EXPECT_EQ(preferences().highlight.diameter, 80);
 
+    // Nothing is named again when something else changes.
+    static int names = 0;
+    const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        names += event->type() == QAccessible::NameChanged ? 1 : 0;
+    });
+    change([](auto& preferences) { preferences.highlight.opacity = 0.5; });
+    EXPECT_EQ(names, 0);
+    QAccessible::installUpdateHandler(before);
+
     // A button's face says nothing of its own.
     auto* filled = told("Filled");
     ASSERT_EQ(filled->childCount(), 1);

@@ -18,11 +18,8 @@ VantrelBackground::VantrelBackground(QWidget* content) {
 }
 
 void VantrelBackground::tint() {
-    const auto blue = toneColor(Tone::blue, palette());
-    if (palette().color(QPalette::Highlight) != blue) {
-        QPalette tinted;
-        tinted.setColor(QPalette::Highlight, blue);
-        tinted.setColor(QPalette::HighlightedText, toneColor(Tone::onAccent, palette()));
+    const auto tinted = vantrel::tint(palette());
+    if (palette().color(QPalette::Highlight) != tinted.color(QPalette::Highlight)) {
         setPalette(tinted);
     }
 }

@@ -98,7 +98,7 @@ void CustomColorWell::openDialog() {
 // The dialog may outlive the well, whose panel closes when the dialog takes the focus.
 QColorDialog* CustomColorWell::makeDialog() {
     auto* dialog = new QColorDialog(color_);
-    dialog->setPalette(palette()); // tinted as what it belongs to
+    dialog->setPalette(tint(palette())); // a window of its own does not inherit it
     const auto picking = std::make_shared<Picking>(Picking{coordinator_->color});
     const auto pick = [picking, coordinator = coordinator_,
                        well = QPointer(this)](const QColor& picked) {

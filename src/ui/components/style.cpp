@@ -103,6 +103,13 @@ QColor toneColor(Tone tone, const QPalette& palette, double opacity) {
     return color;
 }
 
+QPalette tint(const QPalette& palette) {
+    QPalette tinted;
+    tinted.setColor(QPalette::Highlight, toneColor(Tone::blue, palette));
+    tinted.setColor(QPalette::HighlightedText, toneColor(Tone::onAccent, palette));
+    return tinted;
+}
+
 double textScale() {
     constexpr double usual = 15; // pixels, of 11 points
     return std::clamp(QFontInfo(QApplication::font()).pixelSize() / usual, 1.0, 1.5);

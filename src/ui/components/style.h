@@ -41,6 +41,8 @@ enum class Density : unsigned char { compact, regular };
 [[nodiscard]] QColor toneColor(Tone tone, const QPalette& palette);
 // At a part of its own opacity.
 [[nodiscard]] QColor toneColor(Tone tone, const QPalette& palette, double opacity);
+// What sets a window of this program apart from the desktop's colours, and nothing else.
+[[nodiscard]] QPalette tint(const QPalette& palette);
 
 struct TextStyle {
     int size = 13;
