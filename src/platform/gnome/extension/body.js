@@ -460,6 +460,9 @@ class Item {
             return Clutter.EVENT_PROPAGATE;
         });
         Main.panel.addToStatusArea('vantrel', this._button);
+        // The empty one that a button has counts as open, and the panel would change from it to this one
+        // as soon as the pointer comes to the button.
+        Main.panel.menuManager.removeMenu(this._button.menu);
     }
 
     destroy() {
