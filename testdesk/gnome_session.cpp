@@ -132,6 +132,9 @@ ChildProcess GnomeSession::startFullScreenWindow() const {
         const clicks = new Gtk.GestureClick({button: 0});
         clicks.connect('pressed', () => print('press'));
         window.add_controller(clicks);
+        const motions = new Gtk.EventControllerMotion();
+        motions.connect('enter', () => print('enter'));
+        window.add_controller(motions);
         const keys = new Gtk.EventControllerKey();
         keys.connect('key-pressed', (_keys, _symbol, keycode) => print(`key-${keycode - 8}`));
         window.add_controller(keys);

@@ -41,7 +41,8 @@ public:
     [[nodiscard]] Environment environment() const;
     // A native window with the keyboard. Returns once it covers the display.
     [[nodiscard]] ChildProcess startFullScreenWindow() const;
-    // Of "press" of a button and "key-30" that the window has got, with the key's code of Linux.
+    // Of "enter" of the pointer, "press" of a button and "key-30" that the window has got, with the
+    // key's code of Linux.
     [[nodiscard]] std::ptrdiff_t countInWindow(const std::string& what) const;
     // What the shell has written of faults in its scripts.
     [[nodiscard]] std::string complaints() const;
