@@ -38,7 +38,7 @@ Environment environmentFor(const std::filesystem::path& folder, const PrivateBus
     return environment;
 }
 
-void writeSettings(const std::filesystem::path& folder, int scale) {
+void writeSettings(const std::filesystem::path& folder, int scale, bool inPoints) {
     const auto settings = folder / "config" / "glib-2.0" / "settings";
     std::filesystem::create_directories(settings);
     std::ofstream(settings / "keyfile") << "[org/gnome/desktop/background]\n"
@@ -53,7 +53,11 @@ void writeSettings(const std::filesystem::path& folder, int scale) {
                                            "[org/gnome/desktop/notifications]\n"
                                            "show-banners=false\n"
                                            "[org/gnome/desktop/session]\n"
-                                           "idle-delay=uint32 0\n";
+                                           "idle-delay=uint32 0\n"
+                                           "[org/gnome/mutter]\n"
+                                        << (inPoints ? "experimental-features="
+                                                       "['scale-monitor-framebuffer']\n"
+                                                     : "");
     std::filesystem::create_directory(folder / "runtime");
     std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
     // Without it the shell ends, as it could not start an Xwayland.
@@ -67,7 +71,7 @@ void writeSettings(const std::filesystem::path& folder, int scale) {
 
 Command shellCommand(const GnomeSession::Options& options, const Environment& environment,
                      const std::filesystem::path& folder) {
-    writeSettings(folder, options.scale);
+    writeSettings(folder, options.scale, !options.scales.empty());
     std::vector<std::string> arguments{"gnome-shell", "--headless", "--unsafe-mode"};
     for (const auto& monitor : options.monitors) {
         arguments.insert(arguments.end(), {"--virtual-monitor", monitor});
@@ -100,9 +104,12 @@ GnomeSession::GnomeSession(const Options& options)
             return false;
         }
     };
-    if (!waitFor([&] { return !shell_.running() || isReady(); }, 30s) || !shell_.running()) {
+    if (!waitFor([&] { return !shell_.running() || isReady(); }, 60s) || !shell_.running()) {
         throw std::runtime_error("gnome-shell did not start: " +
                                  readFile(folder_.path() / "shell.err"));
+    }
+    if (!options.scales.empty()) {
+        setScales(options.scales);
     }
     startInput();
 }
@@ -209,6 +216,36 @@ bool GnomeSession::switchExtension(const QString& extension, bool on) const {
         .arguments()
         .at(0)
         .toBool();
+}
+
+void GnomeSession::setScales(const std::vector<double>& scales) const {
+    const auto wanted = nlohmann::json(scales).dump();
+    // In the shell, whose own call of itself must not be waited for.
+    evaluate("const wanted = " + wanted + R"(;
+        const {Gio, GLib} = imports.gi;
+        const name = 'org.gnome.Mutter.DisplayConfig';
+        const call = (method, values, then) => Gio.DBus.session.call(name,
+            '/org/gnome/Mutter/DisplayConfig', name, method, values, null, 0, -1, null,
+            (bus, answer) => then(bus.call_finish(answer).recursiveUnpack()));
+        call('GetCurrentState', null, ([serial, displays]) => {
+            let left = 0;
+            const places = displays.map(([[connector], [[mode, width]]], number) => {
+                const scale = wanted[number];
+                const place = [left, 0, scale, 0, number === 0, [[connector, mode, {}]]];
+                left += width / scale;
+                return place;
+            });
+            call('ApplyMonitorsConfig', new GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})',
+                [serial, 1, places, {'layout-mode': new GLib.Variant('u', 1)}]), () => {});
+        });
+        1)");
+    const bool isSet = waitFor([&] {
+        const auto all = wanted + ".map((_, number) => global.display.get_monitor_scale(number))";
+        return evaluate(all) == nlohmann::json(scales);
+    });
+    if (!isSet) {
+        throw std::runtime_error("displays do not take " + wanted);
+    }
 }
 
 void GnomeSession::startInput() {

@@ -25,7 +25,9 @@ class GnomeSession {
 public:
     struct Options {
         std::vector<std::string> monitors{"1280x720"};
-        int scale = 1; // of all of them
+        int scale = 1; // of all of them, laid out in pixels where the shell does that
+        // Of each of them, fractions too, and laid out in points; none for the one above.
+        std::vector<double> scales{};
         // In which the shell finds extensions, besides those of the system.
         std::filesystem::path dataFolder{};
     };
@@ -70,6 +72,7 @@ public:
 
 private:
     [[nodiscard]] std::filesystem::path windowLog() const { return folder_.path() / "window.out"; }
+    void setScales(const std::vector<double>& scales) const;
     void startInput();
     void inputCall(const char* method, const QVariantList& arguments = {}) const;
 

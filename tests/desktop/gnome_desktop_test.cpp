@@ -20,7 +20,6 @@
 #include <limits>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <linux/input-event-codes.h>
@@ -69,11 +68,10 @@ Differences differences(const QImage& picture, QPoint center, const Effect& effe
 // A session that shows marks, and is left without a fault of theirs.
 class Session : public GnomeSession {
 public:
-    explicit Session(int scale = 1) : GnomeSession({.scale = scale, .dataFolder = VANTREL_DATA}) {
+    explicit Session(Options options = {}) : GnomeSession(withData(std::move(options))) {
         EXPECT_TRUE(switchExtension(extension(), true));
         EXPECT_TRUE(waitFor([&] { return bus().interface()->isServiceRegistered(agent).value(); }));
-        // Shells count in points or in pixels.
-        moveTo(place.x() * width() / 1280, place.y() * width() / 1280);
+        moveTo(300, 150);
     }
     ~Session() { EXPECT_EQ(complaints(), ""); }
 
@@ -130,8 +128,13 @@ public:
     // Pixels for each point.
     [[nodiscard]] double scale() const { return evaluate("global.display.get_monitor_scale(0)"); }
 
-    static constexpr QPoint place{300, 300};
     static inline const auto agent = QStringLiteral("org.vantrel.Marks1");
+
+private:
+    static Options withData(Options options) {
+        options.dataFolder = VANTREL_DATA;
+        return options;
+    }
 };
 
 AppPreferences strongly() {
@@ -140,11 +143,17 @@ AppPreferences strongly() {
     return preferences;
 }
 
-class GnomeLookTest : public testing::TestWithParam<int> {};
+struct Displays {
+    GnomeSession::Options options;
+    double place = 301; // from the left, as the shell counts
+};
+
+class GnomeLookTest : public testing::TestWithParam<Displays> {};
 
 TEST_P(GnomeLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     const CoreApplication application;
-    const Session session(GetParam());
+    const Session session(GetParam().options);
+    session.moveTo(GetParam().place, 300);
     auto preferences = strongly();
     for (const auto style : {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
         preferences.highlight.style = style;
@@ -184,7 +193,12 @@ TEST_P(GnomeLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     }));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, GnomeLookTest, testing::Values(1, 2));
+INSTANTIATE_TEST_SUITE_P(
+    Scales, GnomeLookTest,
+    testing::Values(Displays{}, Displays{.options = {.scale = 2}},
+                    Displays{.options = {.monitors = {"1200x720"}, .scales = {1.5}}},
+                    Displays{.options = {.monitors = {"1200x720", "640x480"}, .scales = {1.5, 1}},
+                             .place = 799}));
 
 TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
     const CoreApplication application;
@@ -193,7 +207,12 @@ TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
     Effect effect = effectOf(CursorMode::highlight, strongly());
     effect.left->duration = 30;
     session.show(effect);
-    ASSERT_TRUE(waitFor([&] { return session.countInWindow("enter") > 0; }));
+    // A window that comes to lie under the pointer may hear of it with the next motion only.
+    double place = 300;
+    ASSERT_TRUE(waitFor([&] {
+        session.moveTo(++place, 300);
+        return waitFor([&] { return session.countInWindow("enter") > 0; }, 500ms);
+    }));
     constexpr int most = 8;
     const auto click = [&](int count) {
         for (int press = 0; press < count; ++press) {
@@ -355,6 +374,15 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
         waitFor([&] { return session.countInWindow("key-" + std::to_string(KEY_K)) == 1; }));
     EXPECT_EQ(session.countInWindow("key-" + std::to_string(KEY_L)), 0);
 
+    // In menus and the overview too.
+    session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
+    type(KEY_H);
+    EXPECT_TRUE(tells("mode", "highlight"));
+    session.evaluate("Main.panel.statusArea.dateMenu.menu.close(); Main.overview.show(); 1");
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
+    session.evaluate("Main.overview.hide(); 1");
+
     // However it goes and comes, and when the screen is unlocked.
     program->signal(SIGKILL);
     EXPECT_TRUE(session.comesToShow(0));
@@ -372,6 +400,61 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_H);
     EXPECT_TRUE(tells("mode", "off"));
     EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {
+    const CoreApplication application;
+    const Session session;
+    writePreferences(session.folder() / "config", preferencesShowing("highlight"));
+    std::optional<ChildProcess> program;
+    const auto start = [&] {
+        program.emplace(
+            Command{.arguments = {VANTREL_PROGRAM}, .environment = session.environment()});
+    };
+    const auto lock = [&](const char* change) {
+        session.evaluate(std::string("Main.sessionMode.") + change + "Mode('unlock-dialog'); 1");
+    };
+    start();
+    EXPECT_TRUE(session.comesToShow(1));
+    // By the clock of this test, too.
+    session.evaluate("const group = Main.layoutManager.uiGroup;"
+                     "let had = true;"
+                     "group.connect('notify::last-child', () => {"
+                     "    const has = group.get_children().some(({name}) => name === 'vantrel');"
+                     "    if (has !== had)"
+                     "        global.vantrelChanged = imports.gi.GLib.get_monotonic_time();"
+                     "    had = has;"
+                     "}); 1");
+    struct Step {
+        const char* name;
+        std::function<void()> take;
+        int shown;
+        std::chrono::microseconds limit = 500ms;
+        // The shortest of all times, since the machine may have had other things to do.
+        std::chrono::microseconds took = 1h;
+    };
+    std::vector<Step> steps{
+        {"killed", [&] { program->signal(SIGKILL); }, 0},
+        {"started", start, 1, 10s},
+        {"locked", [&] { lock("push"); }, 0},
+        {"unlocked", [&] { lock("pop"); }, 1},
+        {"disabled", [&] { session.switchExtension(session.extension(), false); }, 0},
+        {"enabled", [&] { session.switchExtension(session.extension(), true); }, 1},
+    };
+    for (int round = 0; round < 3; ++round) {
+        for (auto& step : steps) {
+            const auto before = std::chrono::steady_clock::now().time_since_epoch();
+            step.take();
+            EXPECT_TRUE(session.comesToShow(step.shown)) << step.name;
+            const std::chrono::microseconds changed(
+                session.evaluate("global.vantrelChanged").get<std::int64_t>());
+            step.took = std::min(
+                step.took, std::chrono::duration_cast<std::chrono::microseconds>(changed - before));
+        }
+    }
+    for (const auto& step : steps) {
+        EXPECT_LT(step.took, step.limit) << step.name;
+    }
 }
 
 TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {

@@ -109,6 +109,13 @@ const seconds = () => GLib.get_monotonic_time() / 1e6;
 const theme = () => St.ThemeContext.get_for_stage(global.stage);
 // More than 1 where the stage is laid out in device pixels.
 const pointScale = () => theme().scale_factor;
+// Of the display there.
+function scaleAt(x, y) {
+    const number = Main.layoutManager.monitors.findIndex(display =>
+        x >= display.x && x < display.x + display.width &&
+        y >= display.y && y < display.y + display.height);
+    return number < 0 ? 1 : global.display.get_monitor_scale(number);
+}
 
 // Shows what it draws around a point of the stage. Used again and again: what pictures have is freed
 // late.
@@ -139,7 +146,8 @@ class Picture {
     // Whether that is another place than before, to the pixel: that brings a frame. By a translation,
     // for a new position would have everything drawn anew.
     moveTo(x, y) {
-        const pixels = this.actor.get_resource_scale() || 1;
+        // A resource has whole pixels for each unit of the stage, a display maybe fewer.
+        const pixels = this.actor.get_resource_scale() > 1 ? scaleAt(x, y) : 1;
         const left = Math.round(x * pixels) / pixels - this._side / 2;
         const top = Math.round(y * pixels) / pixels - this._side / 2;
         if (left === this.actor.translation_x && top === this.actor.translation_y)
@@ -255,6 +263,8 @@ class Overlay {
             // Where the pointer is may be known better by now than when it moved.
             [global.stage, 'prepare-frame', () => this._frame()],
             [theme(), 'notify::scale-factor', () => this._draw()],
+            // Where a display's pixels lie is known once the mark has come to it.
+            [this._mark.actor, 'resource-scale-changed', () => this._place()],
         ].map(([object, name, handler]) => [object, object.connect(name, handler)]);
         this._tracker.track_position?.();
     }
