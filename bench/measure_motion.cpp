@@ -77,7 +77,7 @@ Report measureMotion(const Contenders& contenders, const Effort& effort) {
     const std::string unit = "ms/s";
     return {
         .rows = {
-            summarize("1000 motions/s, CPU of the program", unit, comparisons[0], median, 2.5),
+            summarize("1000 motions/s, CPU of the program", unit, comparisons[0], median, 1.5),
             summarize("1000 motions/s, CPU of the X server", unit, comparisons[1], median, 1.2),
             summarize("1000 motions/s, CPU of the compositor", unit, comparisons[2], median, 1.2)}};
 }

@@ -212,6 +212,14 @@ void Connection::selectRootEvents(std::uint32_t mask) {
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
 }
 
+void Connection::configureUnreported(xcb_window_t window, std::uint16_t mask,
+                                     const std::uint32_t* values) {
+    const std::uint32_t others = rootEvents_ & ~std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &others);
+    xcb_configure_window(connection_, window, mask, values);
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+}
+
 template <typename Call>
 void Connection::forEachHandler(Call call) {
     // By index: a handler may add another one.

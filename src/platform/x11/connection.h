@@ -78,6 +78,9 @@ public:
     [[nodiscard]] Subscription addHandler(EventHandler& handler);
     // Adds to what the root window reports, whoever else wants something of it.
     void selectRootEvents(std::uint32_t mask);
+    // As xcb_configure_window(), and the server does not report it here: being woken by each of its
+    // own moves would cost a follower of the pointer as much again as making them.
+    void configureUnreported(xcb_window_t window, std::uint16_t mask, const std::uint32_t* values);
 
     // Handles what has arrived, in batches, and sends what that led to. When much arrives
     // meanwhile, some is left for the next time: a server that always has something to say must not

@@ -256,7 +256,7 @@ void SpriteWindow::applyPlace() {
         sentSize_ = size_;
     }
     if (mask != 0) {
-        xcb_configure_window(resources_.connection().xcb(), id(), mask, values.data());
+        resources_.connection().configureUnreported(id(), mask, values.data());
     }
 }
 
