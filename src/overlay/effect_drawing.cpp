@@ -52,6 +52,17 @@ void EffectDrawing::drawDisc(QPainter& painter, QPointF center, const Disc& disc
     painter.restore();
 }
 
+QImage EffectDrawing::picture(const Effect& effect, int side, double pixelsPerPoint) {
+    const int pixels = static_cast<int>(std::lround(side * pixelsPerPoint));
+    QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixelsPerPoint, pixelsPerPoint);
+    drawDiscs(painter, QPointF(side, side) / 2, effect);
+    return picture;
+}
+
 void EffectDrawing::drawDiscs(QPainter& painter, QPointF center, const Effect& effect) {
     for (const auto& disc : effect.discs) {
         drawDisc(painter, center, disc);

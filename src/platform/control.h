@@ -28,7 +28,7 @@ struct CommandAnswer {
 // How the program stands, as other programs are told.
 struct ProgramStatus {
     std::string mode;                          // off, highlight or laser
-    std::string marks{};                       // who draws them: x11, xwayland or gnome-shell
+    std::string marks{};                       // who draws them: x11, xwayland, gnome-shell or kwin
     std::optional<std::string> marksMissing{}; // why the desktop does not
     bool clickAvailable = true;
     std::optional<std::string> hotkeyError{}; // duplicate or registration

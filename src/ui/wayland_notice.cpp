@@ -9,7 +9,7 @@ namespace vantrel {
 namespace {
 
 // What there is to say of a Wayland session in which the desktop does not draw the marks.
-Text waylandText(MarksState marks) {
+Text waylandText(MarksState marks, bool inPlasma) {
     switch (marks) {
     case MarksState::none:
     case MarksState::available:
@@ -28,6 +28,10 @@ Text waylandText(MarksState marks) {
             "GNOME runs the extension of another version of Vantrel. Log out and in again once.",
             "GNOME 正在运行其他版本 Vantrel 的扩展。请注销并重新登录一次。"};
     case MarksState::busy:
+        if (inPlasma) {
+            return {"KWin draws the marks of another Vantrel in this session.",
+                    "KWin 正在绘制此会话中另一个 Vantrel 的标记。"};
+        }
         return {"GNOME draws the marks of another Vantrel in this session.",
                 "GNOME 正在绘制此会话中另一个 Vantrel 的标记。"};
     case MarksState::unsupported:
@@ -35,6 +39,11 @@ Text waylandText(MarksState marks) {
                 "appear only over windows of X programs.",
                 "此版本的 GNOME 不接受绘制标记的扩展。效果仅显示在 X 程序的窗口上。"};
     case MarksState::failed:
+        if (inPlasma) {
+            return {"The script that draws the marks does not work in KWin. Effects appear only "
+                    "over windows of X programs.",
+                    "绘制标记的脚本在 KWin 中无法工作。效果仅显示在 X 程序的窗口上。"};
+        }
         return {"The extension that draws the marks does not work in GNOME. Effects appear only "
                 "over windows of X programs.",
                 "绘制标记的扩展在 GNOME 中无法工作。效果仅显示在 X 程序的窗口上。"};
@@ -58,7 +67,10 @@ QWidget* notice(ViewContext& view, const QMargins& around, const std::function<b
     const auto marks = [&view] { return view.state().marks().get(); };
     auto* text = symbolLabel(
         view, "info.circle", Tone::secondary,
-        [marks](bool english) { return waylandText(marks())(english); },
+        [&view, marks](bool english) {
+            const bool inPlasma = view.desktop().marks.drawer() == "kwin";
+            return waylandText(marks(), inPlasma)(english);
+        },
         captionText.toned(Tone::secondary));
     auto* dismiss =
         iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"},

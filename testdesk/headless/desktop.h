@@ -213,6 +213,8 @@ private:
 class Marks final : public vantrel::Marks {
 public:
     [[nodiscard]] MarksState state() const override { return state_; }
+    [[nodiscard]] std::string_view drawer() const override { return "memory"; }
+    [[nodiscard]] bool seesPresses() const override { return hearsPresses; }
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override {
         return changes_.add(std::move(callback));
     }
@@ -227,6 +229,7 @@ public:
 
     std::optional<Effect> shown;
     int enables = 0;
+    bool hearsPresses = true;
 
 private:
     MarksState state_ = MarksState::none;

@@ -109,9 +109,14 @@ TEST_F(AppStateTest, LeavesTheMarksToADesktopThatDrawsThemForAsLongAsItDoes) {
     EXPECT_EQ(marks.shown, wanted());
     EXPECT_FALSE(drawnHere());
     EXPECT_EQ(desktop.eventMonitors.globalCount(), 0U);
+    EXPECT_TRUE(state->clickAvailable().get());
+    marks.hearsPresses = false;
+    marks.set(MarksState::available);
+    EXPECT_FALSE(state->clickAvailable().get());
     marks.set(MarksState::off);
     EXPECT_TRUE(drawnHere());
     EXPECT_TRUE(monitorsClicks());
+    EXPECT_TRUE(state->clickAvailable().get());
     state->setMode(CursorMode::laser);
     marks.set(MarksState::available);
     EXPECT_FALSE(drawnHere());

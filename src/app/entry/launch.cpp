@@ -27,8 +27,8 @@ constexpr std::string_view englishWaylandRemark =
     "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
     "hidden, as Xwayland does not tell where the pointer is.\n"
     "vantrel: The shortcuts work while an X program has the keyboard.\n"
-    "vantrel: GNOME shows all of it everywhere once Vantrel's extension is switched on; the "
-    "settings have a button for that.\n"
+    "vantrel: KDE Plasma shows all of it everywhere, and GNOME does once Vantrel's extension is "
+    "switched on; the settings have a button for that.\n"
     "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
     "time.\n";
 constexpr std::string_view chineseWaylandRemark =
@@ -36,7 +36,8 @@ constexpr std::string_view chineseWaylandRemark =
     "vantrel: 高亮、激光和点击效果只在某个 X 程序拥有键盘焦点时显示在 X 程序的窗口上。"
     "在其他位置，或指针静止 3 秒后，效果会隐藏，因为 Xwayland 不会告知指针的位置。\n"
     "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
-    "vantrel: 在 GNOME 中开启 Vantrel 的扩展后，一切在任何地方都有效；设置中有开启按钮。\n"
+    "vantrel: 在 KDE Plasma 中一切在任何地方都有效；在 GNOME 中开启 Vantrel 的扩展后也是如此，"
+    "设置中有开启按钮。\n"
     "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
 
 constexpr std::chrono::seconds busTimeout(1);

@@ -1,9 +1,11 @@
 #include "app/entry/vantrel_app.h"
 
+#include "overlay/effect_drawing.h"
 #include "platform/x11/activation.h"
 #include "platform/x11/key_table.h"
 
 #include <QApplication>
+#include <QKeySequence>
 #include <QPointer>
 #include <QSessionManager>
 
@@ -35,9 +37,7 @@ VantrelApp::~VantrelApp() {
 
 Desktop VantrelApp::desktop() {
     if (connection_.isXwayland()) {
-        shell_.emplace(QDBusConnection::sessionBus(), defaults_, bundle_.dataFolder());
-        shellStatusItem_.emplace(*shell_, statusItem_);
-        shellHotKeys_.emplace(*shell_, x11_.hotKeys, x11::keycodeOf);
+        joinWaylandSession();
     }
     return {.clock = x11_.clock,
             .mainQueue = mainQueue_,
@@ -47,8 +47,8 @@ Desktop VantrelApp::desktop() {
             .pointer = x11_.pointer,
             .eventMonitors = x11_.eventMonitors,
             .keyboard = x11_.keyboard,
-            .hotKeys = shellHotKeys_ ? static_cast<HotKeys&>(*shellHotKeys_) : x11_.hotKeys,
-            .marks = shell_ ? static_cast<Marks&>(*shell_) : noMarks_,
+            .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
+            .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
             .overlayWindows = x11_.overlayWindows,
             .transaction = x11_.transaction,
             .locale = locale_,
@@ -60,6 +60,42 @@ Desktop VantrelApp::desktop() {
                 shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
             .alertSound = x11_.alertSound,
             .application = *this};
+}
+
+// Whichever compositor it turns out to be.
+void VantrelApp::joinWaylandSession() {
+    const auto bus = QDBusConnection::sessionBus();
+    shell_.emplace(bus, defaults_, bundle_.dataFolder());
+    shellStatusItem_.emplace(*shell_, statusItem_);
+    kwin_.emplace(bus, bundle_.dataFolder(), EffectDrawing::picture);
+    kwinShortcuts_.emplace(
+        bus, *kwin_,
+        DesktopShortcuts::Means{
+            .keyOf = [this](auto keycode, auto layout) { return keyOf(keycode, layout); },
+            .nameOf = [this](auto number) { return shortcutName(number); },
+        });
+    keyboardChanges_ = x11_.keyboard.changes.add([this] { kwinShortcuts_->grabAgain(); });
+    sessionMarks_.emplace(*shell_, *kwin_);
+    kwinHotKeys_.emplace(*kwinShortcuts_, x11_.hotKeys, x11::keycodeOf);
+    sessionHotKeys_.emplace(*shell_, *kwinHotKeys_, x11::keycodeOf);
+}
+
+// As the toolkit has the key, by what it produces.
+int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) const {
+    const auto press = x11_.keyboard.press(keycode, x11::stateOfLayout(layout));
+    if (!press) {
+        return 0;
+    }
+    const auto name =
+        QString::fromStdString(press->charactersIgnoringModifiers.value_or(press->name));
+    const QKeySequence keys(name, QKeySequence::PortableText);
+    return keys.isEmpty() ? 0 : keys[0].toCombined();
+}
+
+QString VantrelApp::shortcutName(std::uint32_t number) {
+    const bool english = delegate_.state().english();
+    return number == 1 ? (english ? QStringLiteral("Toggle Highlight") : QStringLiteral("切换高亮"))
+                       : (english ? QStringLiteral("Toggle Laser") : QStringLiteral("切换激光笔"));
 }
 
 void VantrelApp::observeDesktop() {

@@ -10,10 +10,12 @@
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/installed_bundle.h"
 #include "platform/freedesktop/qt_main_queue.h"
+#include "platform/freedesktop/session_hot_keys.h"
 #include "platform/freedesktop/tray_status_item.h"
 #include "platform/gnome/shell_extension.h"
-#include "platform/gnome/shell_hot_keys.h"
 #include "platform/gnome/shell_status_item.h"
+#include "platform/kwin/desktop_shortcuts.h"
+#include "platform/kwin/kwin_script.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
 
@@ -45,6 +47,9 @@ private:
     void activate(WId window) override;
     [[nodiscard]] bool inWaylandSession() const override;
     [[nodiscard]] Desktop desktop();
+    void joinWaylandSession();
+    [[nodiscard]] int keyOf(std::uint8_t keycode, std::uint32_t layout) const;
+    [[nodiscard]] QString shortcutName(std::uint32_t number);
     [[nodiscard]] RemoteControl remoteControl();
     void takeCommands();
     void observeDesktop();
@@ -62,7 +67,12 @@ private:
     x11::X11CursorImages cursors_{connection_, drawnCursor_};
     NoMarks noMarks_;
     std::optional<ShellExtension> shell_; // in a Wayland session
-    std::optional<ShellHotKeys> shellHotKeys_;
+    std::optional<KWinScript> kwin_;
+    std::optional<DesktopShortcuts> kwinShortcuts_;
+    Subscription keyboardChanges_;
+    std::optional<EitherMarks> sessionMarks_; // of both
+    std::optional<SessionHotKeys> kwinHotKeys_;
+    std::optional<SessionHotKeys> sessionHotKeys_;
     TrayStatusItem statusItem_{x11_.systemTray};
     std::optional<ShellStatusItem> shellStatusItem_;
     AppDelegate delegate_;

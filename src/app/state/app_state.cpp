@@ -80,7 +80,7 @@ void AppState::apply() {
         clickAvailable_.set(clicks_.start());
     } else {
         clicks_.stop();
-        clickAvailable_.set(true);
+        clickAvailable_.set(drawnHere || !wantsClicks() || desktop_.marks.seesPresses());
     }
 }
 

@@ -6,8 +6,10 @@ namespace vantrel {
 
 namespace {
 
-std::string whoDraws(MarksState marks, bool inWaylandSession) {
-    return marks == MarksState::available ? "gnome-shell" : inWaylandSession ? "xwayland" : "x11";
+std::string whoDraws(const Marks& marks, bool inWaylandSession) {
+    return marks.state() == MarksState::available ? std::string(marks.drawer())
+           : inWaylandSession                     ? "xwayland"
+                                                  : "x11";
 }
 
 // Of a Wayland session, in which nobody else can draw them over everything.
@@ -40,7 +42,7 @@ ProgramStatus programStatus(const AppState& state, const Desktop& desktop) {
     const bool inWaylandSession = desktop.application.inWaylandSession();
     const auto& bundle = desktop.bundle;
     return {.mode = std::string(nameOf(state.mode().get())),
-            .marks = whoDraws(marks, inWaylandSession),
+            .marks = whoDraws(desktop.marks, inWaylandSession),
             .marksMissing = inWaylandSession ? whatIsMissing(marks) : std::nullopt,
             .clickAvailable = state.clickAvailable().get(),
             .hotkeyError = state.hotkeyError().get(),

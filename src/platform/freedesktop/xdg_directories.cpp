@@ -1,9 +1,11 @@
 #include "platform/freedesktop/xdg_directories.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <pwd.h>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace vantrel {
@@ -46,6 +48,22 @@ std::vector<path> configDirectories() {
 std::vector<path> dataDirectories() {
     return directories(variable("XDG_DATA_HOME"), ".local/share",
                        variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
+}
+
+bool offerToSession(const path& dataFolder, const path& place) {
+    std::error_code error;
+    const auto isThatFolder = [&](const auto& folder) {
+        return std::filesystem::equivalent(folder, dataFolder, error);
+    };
+    const auto folders = dataDirectories();
+    if (std::ranges::none_of(folders, isThatFolder)) {
+        const auto target = folders.front() / place;
+        std::filesystem::create_directories(target, error);
+        using enum std::filesystem::copy_options;
+        std::filesystem::copy(dataFolder / place, target, recursive | overwrite_existing, error);
+        return !error;
+    }
+    return std::filesystem::exists(dataFolder / place, error);
 }
 
 } // namespace vantrel

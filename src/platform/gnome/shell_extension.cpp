@@ -3,13 +3,12 @@
 #include "platform/freedesktop/bus_call.h"
 #include "platform/freedesktop/xdg_directories.h"
 #include "platform/gnome/effect_message.h"
+#include "platform/input.h"
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
-#include <algorithm>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace vantrel {
@@ -29,6 +28,19 @@ constexpr int retryInterval = 2000; // milliseconds
 // the next login only.
 constexpr std::string_view awaitedKey = "gnomeExtensionAwaited";
 
+// By the place of the key, whatever the layout makes of it.
+QString acceleratorOf(const KeyCombination& keys) {
+    QString accelerator;
+    for (const auto& [bit, name] :
+         {std::pair{modifier::control, "<Control>"}, std::pair{modifier::option, "<Alt>"},
+          std::pair{modifier::shift, "<Shift>"}, std::pair{modifier::command, "<Super>"}}) {
+        if ((keys.modifiers & bit) != 0) {
+            accelerator += QLatin1String(name);
+        }
+    }
+    return accelerator + QStringLiteral("0x%1").arg(keys.keycode, 0, 16);
+}
+
 bool isError(const QDBusMessage& answer) {
     return answer.type() == QDBusMessage::ErrorMessage;
 }
@@ -45,20 +57,8 @@ QVariant valueIn(const QDBusMessage& answer) {
 
 // Whether the shell will find it at the next login.
 bool install(const QString& uuid, const std::filesystem::path& dataFolder) {
-    const auto place = std::filesystem::path("gnome-shell/extensions") / uuid.toStdString();
-    std::error_code error;
-    const auto isTheInstallation = [&](const auto& folder) {
-        return std::filesystem::equivalent(folder, dataFolder, error);
-    };
-    const auto folders = dataDirectories();
-    if (std::ranges::none_of(folders, isTheInstallation)) {
-        const auto target = folders.front() / place;
-        std::filesystem::create_directories(target, error);
-        using enum std::filesystem::copy_options;
-        std::filesystem::copy(dataFolder / place, target, recursive | overwrite_existing, error);
-        return !error;
-    }
-    return std::filesystem::exists(dataFolder / place, error);
+    return offerToSession(dataFolder,
+                          std::filesystem::path("gnome-shell/extensions") / uuid.toStdString());
 }
 
 } // namespace
@@ -249,7 +249,11 @@ void ShellExtension::takeAnswer(const QDBusMessage& answer) {
     }
 }
 
-void ShellExtension::grab(const QList<ShellShortcut>& shortcuts) {
+void ShellExtension::grab(const std::vector<KeyGrab>& grabs) {
+    QList<ShellShortcut> shortcuts;
+    for (const auto& grab : grabs) {
+        shortcuts.append({grab.number, acceleratorOf(grab.keys)});
+    }
     if (shortcuts != shortcuts_) {
         shortcuts_ = shortcuts;
         tellShortcuts();
@@ -265,7 +269,7 @@ void ShellExtension::tellShortcuts() {
          [this, shortcuts = shortcuts_](const QDBusMessage& answer) {
              const auto refused = qdbus_cast<QList<std::uint32_t>>(valueIn(answer));
              if (shortcuts == shortcuts_ && !refused.isEmpty() && onRefused) {
-                 onRefused(refused);
+                 onRefused({refused.begin(), refused.end()});
              }
          });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/bus_structure.h"
+#include "platform/freedesktop/key_grabber.h"
 #include "platform/gnome/shell_report.h"
 #include "platform/marks.h"
 #include "platform/session.h"
@@ -51,7 +52,7 @@ struct ShellItem {
 
 // The program's side of its extension of GNOME Shell. Nothing waits for the shell: it is told when
 // it listens, and all of it again each time that the extension comes back.
-class ShellExtension final : public QObject, public Marks {
+class ShellExtension final : public QObject, public Marks, public KeyGrabber {
     Q_OBJECT
 
 public:
@@ -60,16 +61,18 @@ public:
     ShellExtension(QDBusConnection bus, UserDefaults& defaults, std::filesystem::path dataFolder);
 
     [[nodiscard]] MarksState state() const override { return stateOf(report_); }
+    [[nodiscard]] std::string_view drawer() const override { return "gnome-shell"; }
+    [[nodiscard]] bool seesPresses() const override { return true; }
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
     void show(const Effect& effect) override;
     void clear() override;
     void enable() override;
 
-    // All of them, in place of earlier ones.
-    void grab(const QList<ShellShortcut>& shortcuts);
-    // Those that the shell has refused, by their numbers.
-    std::function<void(const QList<std::uint32_t>&)> onRefused;
-    std::function<void(std::uint32_t number)> onPressed;
+    [[nodiscard]] bool takesKeys() const override { return state() == MarksState::available; }
+    [[nodiscard]] Subscription onKeysChange(std::function<void()> callback) override {
+        return onChange(std::move(callback));
+    }
+    void grab(const std::vector<KeyGrab>& grabs) override;
 
     void setItem(const std::optional<ShellItem>& item);
     std::function<void(const QRect& place)> onItemClicked; // on the desktop

@@ -7,6 +7,7 @@
 #include <array>
 #include <cctype>
 #include <string_view>
+#include <utility>
 
 #include <QChar>
 #include <xkbcommon/xkbcommon-x11.h>
@@ -205,6 +206,13 @@ const X11Keyboard::Layout& X11Keyboard::layout() const {
 void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
     if (eventNumber(event) == XCB_MAPPING_NOTIFY) {
         layout_.reset();
+        hasChanged_ = true;
+    }
+}
+
+void X11Keyboard::eventsDrained() {
+    if (std::exchange(hasChanged_, false)) {
+        changes.notify();
     }
 }
 

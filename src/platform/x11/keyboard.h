@@ -7,6 +7,11 @@
 
 namespace vantrel::x11 {
 
+// Of a key event without modifiers, in that layout of several, from 0.
+constexpr std::uint32_t stateOfLayout(std::uint32_t layout) {
+    return layout << 13U;
+}
+
 // Keys by keycode, with the state word of a key event: modifiers, and the group of the layout.
 //
 // Alt is Option and Super is Command, on either side of the keyboard. AltGr, and other modifiers
@@ -23,14 +28,19 @@ public:
                                                 std::uint32_t state) const override;
     [[nodiscard]] bool isModifier(std::uint32_t key) const override;
 
+    // Called when keys have got another meaning.
+    Observers<> changes;
+
 private:
     class Layout;
 
     void handleEvent(const xcb_generic_event_t& event) override;
+    void eventsDrained() override;
     const Layout& layout() const;
 
     Connection& connection_;
     mutable std::unique_ptr<Layout> layout_; // read when it is asked for, dropped when it changes
+    bool hasChanged_ = false;
     Subscription events_;
 };
 

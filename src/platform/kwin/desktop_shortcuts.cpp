@@ -1,0 +1,149 @@
+#include "platform/kwin/desktop_shortcuts.h"
+
+#include "platform/freedesktop/bus_call.h"
+#include "platform/freedesktop/bus_structure.h"
+#include "platform/input.h"
+
+#include <QDBusMetaType>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vantrel {
+
+// (ai): a combination in one to four steps, as the toolkit has them.
+struct DesktopKeys {
+    QList<int> keys{};
+
+    static auto members(auto& self) { return std::tie(self.keys); }
+};
+
+namespace {
+
+const auto service = QStringLiteral("org.kde.kglobalaccel");
+const auto component = QStringLiteral("vantrel");
+const auto layoutService = QStringLiteral("org.kde.keyboard");
+const auto layoutPath = QStringLiteral("/Layouts");
+const auto layoutInterface = QStringLiteral("org.kde.KeyboardLayouts");
+
+// By the numbers of grabs, from 1. The script frees these.
+constexpr std::array<const char*, 2> actions{"toggle-highlight", "toggle-laser"};
+
+QString actionOf(std::uint32_t number) {
+    return QString::fromLatin1(actions.at(number - 1));
+}
+
+QDBusMessage shortcutsCall(const char* method, const QVariantList& arguments) {
+    return callOf(service, QStringLiteral("/kglobalaccel"), QStringLiteral("org.kde.KGlobalAccel"),
+                  QString::fromLatin1(method), arguments);
+}
+
+int toolkitModifiers(std::uint32_t modifiers) {
+    unsigned result = 0;
+    for (const auto& [bit, key] : {std::pair{modifier::control, Qt::ControlModifier},
+                                   std::pair{modifier::option, Qt::AltModifier},
+                                   std::pair{modifier::shift, Qt::ShiftModifier},
+                                   std::pair{modifier::command, Qt::MetaModifier}}) {
+        if ((modifiers & bit) != 0) {
+            result |= static_cast<unsigned>(key);
+        }
+    }
+    return static_cast<int>(result);
+}
+
+// What was granted, of what was asked for.
+int firstKeyIn(const QDBusMessage& answer) {
+    const auto granted = qdbus_cast<QList<DesktopKeys>>(answer.arguments().value(0));
+    return answer.type() == QDBusMessage::ErrorMessage || granted.isEmpty()
+               ? 0
+               : granted.front().keys.value(0);
+}
+
+} // namespace
+
+DesktopShortcuts::DesktopShortcuts(QDBusConnection bus, KWinScript& script, Means means)
+    : bus_(std::move(bus)), script_(script), means_(std::move(means)) {
+    qDBusRegisterMetaType<DesktopKeys>();
+    qDBusRegisterMetaType<QList<DesktopKeys>>();
+    // From whoever sends them: the owner of a name would be looked up, and waited for.
+    bus_.connect({}, QStringLiteral("/component/") + component,
+                 QStringLiteral("org.kde.kglobalaccel.Component"),
+                 QStringLiteral("globalShortcutPressed"), this, SLOT(pressed(QString, QString)));
+    bus_.connect({}, layoutPath, layoutInterface, QStringLiteral("layoutChanged"), this,
+                 SLOT(layoutChanged(uint)));
+    callAsync(bus_, callOf(layoutService, layoutPath, layoutInterface, QStringLiteral("getLayout")),
+              this, [this](const QDBusMessage& answer) {
+                  layoutChanged(answer.type() == QDBusMessage::ErrorMessage
+                                    ? 0
+                                    : answer.arguments().value(0).toUInt());
+              });
+}
+
+void DesktopShortcuts::grab(const std::vector<KeyGrab>& grabs) {
+    for (const auto& former : std::exchange(grabs_, grabs)) {
+        if (std::ranges::find(grabs_, former) == grabs_.end()) {
+            free(former.number);
+        }
+    }
+    grabAgain();
+}
+
+void DesktopShortcuts::grabAgain() {
+    for (const auto& each : grabs_) {
+        grabKey(each);
+    }
+}
+
+void DesktopShortcuts::grabKey(const KeyGrab& grab) {
+    const auto refuse = [this, grab] {
+        if (onRefused && std::ranges::find(grabs_, grab) != grabs_.end()) {
+            onRefused({grab.number});
+        }
+    };
+    const int key = means_.keyOf(grab.keys.keycode, layout_);
+    if (key == 0) {
+        QMetaObject::invokeMethod(this, refuse, Qt::QueuedConnection);
+        return;
+    }
+    const int combination = key | toolkitModifiers(grab.keys.modifiers);
+    const QStringList names{component, actionOf(grab.number), QStringLiteral("Vantrel"),
+                            means_.nameOf(grab.number)};
+    const auto ignore = [](const QDBusMessage&) {};
+    callAsync(bus_, shortcutsCall("doRegister", {names}), this, ignore);
+    // For a program that is there, and not as it was the last time.
+    constexpr uint presentWithoutAutoloading = 2 | 4;
+    const QList<DesktopKeys> wanted{{{combination, 0, 0, 0}}};
+    callAsync(bus_,
+              shortcutsCall("setShortcutKeys",
+                            {names, QVariant::fromValue(wanted), presentWithoutAutoloading}),
+              this, [combination, refuse](const QDBusMessage& answer) {
+                  if (firstKeyIn(answer) != combination) {
+                      refuse();
+                  }
+              });
+}
+
+void DesktopShortcuts::free(std::uint32_t number) {
+    callAsync(bus_, shortcutsCall("unregister", {component, actionOf(number)}), this,
+              [](const QDBusMessage&) {});
+}
+
+void DesktopShortcuts::pressed(const QString& /*component*/, const QString& action) {
+    for (const auto& grab : grabs_) {
+        if (actionOf(grab.number) == action && onPressed) {
+            onPressed(grab.number);
+            return;
+        }
+    }
+}
+
+void DesktopShortcuts::layoutChanged(uint layout) {
+    if (std::exchange(layout_, layout) != layout) {
+        grabAgain();
+    }
+}
+
+} // namespace vantrel
+
+Q_DECLARE_METATYPE(vantrel::DesktopKeys)

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/freedesktop/key_grabber.h"
+#include "platform/kwin/kwin_script.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace vantrel {
+
+// Key combinations by the global shortcuts of a Plasma session, for as long as the script runs,
+// which frees those of a program that is gone. They go by what a key produces, so the place of a
+// key is looked up in the layout that is in use.
+class DesktopShortcuts final : public QObject, public KeyGrabber {
+    Q_OBJECT
+
+public:
+    struct Means {
+        // What the toolkit calls the key in that layout of several, from 0; 0 without a name.
+        std::function<int(std::uint8_t keycode, std::uint32_t layout)> keyOf;
+        // As the system's settings list the shortcut, in the user's language.
+        std::function<QString(std::uint32_t number)> nameOf;
+    };
+    // The script must outlive this.
+    DesktopShortcuts(QDBusConnection bus, KWinScript& script, Means means);
+
+    [[nodiscard]] bool takesKeys() const override {
+        return script_.state() == MarksState::available;
+    }
+    [[nodiscard]] Subscription onKeysChange(std::function<void()> callback) override {
+        return script_.onChange(std::move(callback));
+    }
+    void grab(const std::vector<KeyGrab>& grabs) override;
+    // The keyboard has other layouts.
+    void grabAgain();
+
+private:
+    Q_SLOT void pressed(const QString& component, const QString& action);
+    Q_SLOT void layoutChanged(uint layout);
+
+    void grabKey(const KeyGrab& grab);
+    void free(std::uint32_t number);
+
+    QDBusConnection bus_;
+    KWinScript& script_;
+    Means means_;
+    std::vector<KeyGrab> grabs_;
+    std::uint32_t layout_ = 0;
+};
+
+} // namespace vantrel
