@@ -5,10 +5,8 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 
-#include <algorithm>
 #include <cmath>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace vantrel::desktop {
@@ -129,46 +127,12 @@ Environment GnomeSession::environment() const {
     return environment;
 }
 
-ChildProcess GnomeSession::startFullScreenWindow() const {
-    const auto script = folder_.path() / "window.js";
-    std::ofstream(script) << R"(
-        imports.gi.versions.Gtk = '4.0';
-        const {Gtk, GLib} = imports.gi;
-        Gtk.init();
-        const window = new Gtk.Window();
-        const clicks = new Gtk.GestureClick({button: 0});
-        clicks.connect('pressed', () => print('press'));
-        window.add_controller(clicks);
-        const motions = new Gtk.EventControllerMotion();
-        motions.connect('enter', () => print('enter'));
-        window.add_controller(motions);
-        const keys = new Gtk.EventControllerKey();
-        keys.connect('key-pressed', (_keys, _symbol, keycode) => print(`key-${keycode - 8}`));
-        window.add_controller(keys);
-        window.fullscreen();
-        window.present();
-        new GLib.MainLoop(null, false).run();
-    )";
+NativeWindow GnomeSession::startFullScreenWindow() const {
     auto environment = environment_;
     environment["WAYLAND_DISPLAY"] = "wayland-0";
-    environment["GDK_BACKEND"] = "wayland";
-    environment["GSK_RENDERER"] = "cairo";
-    ChildProcess window({.arguments = {"gjs", script},
-                         .environment = environment,
-                         .output = windowLog(),
-                         .errors = folder_.path() / "window.err"});
-    if (!waitFor([&] {
-            return !window.running() ||
-                   evaluate("global.display.focus_window?.is_fullscreen() ?? false") == true;
-        })) {
-        throw std::runtime_error("no window: " + readFile(folder_.path() / "window.err"));
-    }
-    return window;
-}
-
-std::ptrdiff_t GnomeSession::countInWindow(const std::string& what) const {
-    std::ifstream log(windowLog());
-    return std::count(std::istream_iterator<std::string>(log), {}, what);
+    return {environment, folder_.path(), [this] {
+                return evaluate("global.display.focus_window?.is_fullscreen() ?? false") == true;
+            }};
 }
 
 std::string GnomeSession::complaints() const {

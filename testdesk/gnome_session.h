@@ -1,5 +1,6 @@
 #pragma once
 
+#include "testdesk/native_window.h"
 #include "testdesk/private_bus.h"
 #include "testdesk/private_server.h"
 
@@ -42,10 +43,7 @@ public:
     // For programs of the session. Starts its Xwayland for the first one.
     [[nodiscard]] Environment environment() const;
     // A native window with the keyboard. Returns once it covers the display.
-    [[nodiscard]] ChildProcess startFullScreenWindow() const;
-    // Of "enter" of the pointer, "press" of a button and "key-30" that the window has got, with the
-    // key's code of Linux.
-    [[nodiscard]] std::ptrdiff_t countInWindow(const std::string& what) const;
+    [[nodiscard]] NativeWindow startFullScreenWindow() const;
     // What the shell has written of faults in its scripts.
     [[nodiscard]] std::string complaints() const;
     // The major version.
@@ -71,7 +69,6 @@ public:
                       const char* method, const QVariantList& arguments = {}) const;
 
 private:
-    [[nodiscard]] std::filesystem::path windowLog() const { return folder_.path() / "window.out"; }
     void setScales(const std::vector<double>& scales) const;
     void startInput();
     void inputCall(const char* method, const QVariantList& arguments = {}) const;

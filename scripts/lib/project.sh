@@ -18,15 +18,20 @@ package_packages=(dpkg-dev file)
 display_packages=(x11-utils)
 # The private desktop of the tests, the demo and the screenshots.
 desktop_packages=(
-    libxcb-res0-dev libxcb-xtest0-dev
+    libwayland-dev libxcb-res0-dev libxcb-xtest0-dev
     openbox picom xvfb
 )
 # GNOME Shell without the rest of GNOME, and what a window in it needs.
 gnome_packages=(
     adwaita-icon-theme gir1.2-gtk-4.0 gjs gnome-shell libegl1 libgl1-mesa-dri xwayland
 )
+# KWin without the rest of Plasma, and what its scripts need.
+kwin_packages=(
+    gir1.2-gtk-4.0 gjs kwin-wayland libegl1 libgl1-mesa-dri qml-module-qtquick-window2
+    qml6-module-qtquick-window xwayland
+)
 test_packages=(
-    "${desktop_packages[@]}" "${gnome_packages[@]}"
+    "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
     libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy zsh

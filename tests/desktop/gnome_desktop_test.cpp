@@ -1,7 +1,7 @@
 #include "overlay/effect.h"
-#include "overlay/effect_drawing.h"
 #include "platform/gnome/effect_message.h"
 #include "platform/gnome/shell_extension.h"
+#include "support/mark_pixels.h"
 #include "testdesk/core_application.h"
 #include "testdesk/gnome_session.h"
 #include "testdesk/headless/user_defaults.h"
@@ -9,7 +9,6 @@
 #include "testdesk/wait.h"
 
 #include <QDBusConnectionInterface>
-#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -28,42 +27,6 @@ namespace vantrel::desktop {
 namespace {
 
 using namespace std::chrono_literals;
-
-// The largest difference of a picture from what the reference painter makes of the effect around
-// that pixel, over black: in pixels on an edge, and in all others.
-struct Differences {
-    int onEdges = 0;
-    int elsewhere = 0;
-};
-
-Differences differences(const QImage& picture, QPoint center, const Effect& effect, double scale) {
-    const int half = static_cast<int>(effect.diameter() * scale / 2) + 6;
-    QImage wanted(2 * half, 2 * half, QImage::Format_RGB32);
-    wanted.fill(Qt::black);
-    QPainter painter(&wanted);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(scale, scale);
-    EffectDrawing::drawDiscs(painter, QPointF(half, half) / scale, effect);
-    painter.end();
-    const QImage shown = picture.copy(center.x() - half, center.y() - half, 2 * half, 2 * half);
-    const auto distance = [](QRgb one, QRgb other) {
-        return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
-                         std::abs(qBlue(one) - qBlue(other))});
-    };
-    Differences found;
-    for (int y = 1; y < wanted.height() - 1; ++y) {
-        for (int x = 1; x < wanted.width() - 1; ++x) {
-            const QRgb pixel = wanted.pixel(x, y);
-            bool onEdge = false;
-            for (const QPoint neighbour : {QPoint{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
-                onEdge = onEdge || distance(pixel, wanted.pixel(QPoint{x, y} + neighbour)) > 20;
-            }
-            int& most = onEdge ? found.onEdges : found.elsewhere;
-            most = std::max(most, distance(pixel, shown.pixel(x, y)));
-        }
-    }
-    return found;
-}
 
 // A session that shows marks, and is left without a fault of theirs.
 class Session : public GnomeSession {
@@ -166,30 +129,12 @@ TEST_P(GnomeLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     session.expectMark(laser, "laser");
 
     // A ring is the fainter the larger it has become.
-    const ClickRing ring{.duration = 6,
-                         .lineWidth = 4,
-                         .startDiameter = 16,
-                         .endDiameter = 80,
-                         .startOpacity = 0.8,
-                         .color = Qt::red};
-    session.show({.left = ring});
+    session.show({.left = slowRing});
     session.click(BTN_LEFT);
-    const double scale = session.scale();
     EXPECT_TRUE(waitFor([&] {
         const auto picture = session.picture();
         const auto center = (session.pointer() * picture.width() / session.width()).toPoint();
-        int first = 0;
-        int last = 0;
-        for (int x = 1; x < 48 * scale; ++x) {
-            if (qRed(picture.pixel(center + QPoint(x, 0))) > 10) {
-                first = first > 0 ? first : x;
-                last = x;
-            }
-        }
-        const double progress = ((first + last + 1) / scale - 16) / 64;
-        const int red = qRed(picture.pixel(center + QPoint((first + last) / 2, 0)));
-        return progress > 0.3 && progress < 0.9 &&
-               std::abs(red - 255 * ring.opacityAt(progress)) < 8;
+        return showsPartOf(slowRing, picture, center, session.scale());
     }));
 }
 
@@ -211,7 +156,7 @@ TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
     double place = 300;
     ASSERT_TRUE(waitFor([&] {
         session.moveTo(++place, 300);
-        return waitFor([&] { return session.countInWindow("enter") > 0; }, 500ms);
+        return waitFor([&] { return window.count("enter") > 0; }, 500ms);
     }));
     constexpr int most = 8;
     const auto click = [&](int count) {
@@ -223,14 +168,14 @@ TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
     EXPECT_TRUE(session.comesToShow(1 + most));
     session.watchPictures();
     click(100 - most);
-    EXPECT_TRUE(waitFor([&] { return session.countInWindow("press") == 100; }));
+    EXPECT_TRUE(waitFor([&] { return window.count("press") == 100; }));
     EXPECT_TRUE(waitFor([&] { return session.shownPictures() == 100 - most; }));
     EXPECT_EQ(session.evaluate("global.vantrelMost"), 1 + most);
     // Of another button, and without that ring.
     effect.right.reset();
     session.show(effect);
     session.click(BTN_RIGHT);
-    EXPECT_TRUE(waitFor([&] { return session.countInWindow("press") == 101; }));
+    EXPECT_TRUE(waitFor([&] { return window.count("press") == 101; }));
     EXPECT_EQ(session.shownPictures(), 100 - most);
 }
 
@@ -370,9 +315,8 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_L);
     EXPECT_TRUE(tells("mode", "laser"));
     type(KEY_K);
-    EXPECT_TRUE(
-        waitFor([&] { return session.countInWindow("key-" + std::to_string(KEY_K)) == 1; }));
-    EXPECT_EQ(session.countInWindow("key-" + std::to_string(KEY_L)), 0);
+    EXPECT_TRUE(waitFor([&] { return window.count("key-" + std::to_string(KEY_K)) == 1; }));
+    EXPECT_EQ(window.count("key-" + std::to_string(KEY_L)), 0);
 
     // In menus and the overview too.
     session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");

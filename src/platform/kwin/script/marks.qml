@@ -29,7 +29,6 @@ Window {
 
     // KWin lets every press through, and the effect finds this window by its title.
     property bool outputOnly: true
-    property int kwin_windowType: 8 // a utility, which no effect fades in or out
     title: "vantrel-mark"
     flags: Qt.BypassWindowManagerHint | Qt.FramelessWindowHint | Qt.WindowTransparentForInput
         | Qt.WindowDoesNotAcceptFocus
@@ -155,7 +154,6 @@ Window {
             readonly property real outline: ring.start + (ring.end - ring.start) * progress + ring.lineWidth
 
             property bool outputOnly: mark.outputOnly
-            property int kwin_windowType: mark.kwin_windowType
             title: "vantrel-ring"
             flags: Qt.BypassWindowManagerHint | Qt.FramelessWindowHint | Qt.WindowTransparentForInput
                 | Qt.WindowDoesNotAcceptFocus

@@ -1,5 +1,6 @@
 // Hears of presses over all windows, which no script of KWin does, and tells the window that Vantrel's
-// script has made. Keeps the windows of that above all others, menus among them. Draws nothing.
+// script has made. Keeps the windows of that above all others, menus among them, and from being faded
+// in and out by other effects. Draws nothing.
 
 const isOurs = window => window.internalWindow && /^vantrel-/.test(window.internalWindow.title);
 
@@ -13,13 +14,16 @@ function markWindow() {
     return null;
 }
 
-function elevate(window) {
-    if (isOurs(window))
-        effects.setElevatedWindow(window, true);
+function take(window) {
+    if (!isOurs(window))
+        return;
+    effects.setElevatedWindow(window, true);
+    effect.grab(window, Effect.WindowAddedGrabRole);
+    effect.grab(window, Effect.WindowClosedGrabRole);
 }
 
-effects.stackingOrder.forEach(elevate);
-effects.windowAdded.connect(elevate);
+effects.stackingOrder.forEach(take);
+effects.windowAdded.connect(take);
 
 effects.mouseChanged.connect((position, formerPosition, buttons, formerButtons) => {
     const pressed = buttons & ~formerButtons;

@@ -1,0 +1,293 @@
+#include "testdesk/kwin_session.h"
+
+#include "testdesk/screen_capture.h"
+#include "testdesk/wait.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusUnixFileDescriptor>
+#include <QDBusVirtualObject>
+
+#include <array>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+
+#include <unistd.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr PixelSize outputSize{1280, 720};
+const auto kwinService = QStringLiteral("org.kde.KWin");
+
+int readVersion() {
+    const TemporaryFolder folder;
+    ChildProcess({.arguments = {"kwin_wayland", "--version"},
+                  .environment = minimalEnvironment(),
+                  .output = folder / "version"})
+        .wait(10s);
+    const auto text = readFile(folder / "version");
+    const auto digit = text.find_first_of("0123456789");
+    return digit == std::string::npos ? 0 : std::stoi(text.substr(digit));
+}
+
+std::string pathOf(const std::string& program) {
+    for (const auto* folder : {"/usr/bin/", "/usr/local/bin/"}) {
+        if (std::filesystem::exists(folder + program)) {
+            return folder + program;
+        }
+    }
+    throw std::runtime_error("no " + program);
+}
+
+// What KWin writes on a pipe, meanwhile.
+class PipeReader {
+public:
+    PipeReader() {
+        if (pipe(ends_.data()) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+        thread_ = std::thread([this] {
+            std::array<char, 65536> part{};
+            for (ssize_t size = 0; (size = read(ends_[0], part.data(), part.size())) > 0;) {
+                bytes_.append(part.data(), static_cast<std::size_t>(size));
+            }
+        });
+    }
+    ~PipeReader() { finish(); }
+    PipeReader(const PipeReader&) = delete;
+    PipeReader& operator=(const PipeReader&) = delete;
+
+    [[nodiscard]] int descriptor() const { return ends_[1]; }
+    const std::string& finish() {
+        if (thread_.joinable()) {
+            close(ends_[1]);
+            thread_.join();
+            close(ends_[0]);
+        }
+        return bytes_;
+    }
+
+private:
+    std::array<int, 2> ends_{};
+    std::string bytes_;
+    std::thread thread_;
+};
+
+} // namespace
+
+KWinSession::KWinSession(const Options& options)
+    : options_(options),
+      version_(readVersion()),
+      sessionBus_(folder_ / "session_bus"),
+      bus_(QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()),
+                                         QString::fromStdString(sessionBus_.address()))) {
+    const auto& folder = folder_.path();
+    environment_ = minimalEnvironment();
+    environment_["HOME"] = folder;
+    environment_["XDG_CACHE_HOME"] = folder / "cache";
+    environment_["XDG_CONFIG_HOME"] = folder / "config";
+    environment_["XDG_DATA_HOME"] = folder / "data";
+    environment_["XDG_STATE_HOME"] = folder / "state";
+    environment_["XDG_RUNTIME_DIR"] = folder / "runtime";
+    environment_["XDG_DATA_DIRS"] = options.dataFolder.string() + ":/usr/local/share:/usr/share";
+    environment_["XDG_SESSION_TYPE"] = "wayland";
+    environment_["XDG_CURRENT_DESKTOP"] = "KDE";
+    environment_["DBUS_SESSION_BUS_ADDRESS"] = sessionBus_.address();
+    environment_["DBUS_SYSTEM_BUS_ADDRESS"] = "disabled:";
+    environment_["LIBGL_ALWAYS_SOFTWARE"] = "1";
+    environment_["NO_AT_BRIDGE"] = "1";
+    std::filesystem::create_directories(folder / "runtime");
+    std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+    // A copy has no capabilities, in the presence of which KWin takes no options from outside.
+    std::filesystem::copy_file(pathOf("kwin_wayland"), folder / "kwin_wayland");
+    if (version_ > 5) {
+        screen_.emplace(
+            PrivateServer::virtualScreen({outputSize.width * options.outputs, outputSize.height}));
+    }
+    start();
+}
+
+KWinSession::~KWinSession() {
+    QDBusConnection::disconnectFromBus(bus_.name());
+}
+
+void KWinSession::start() {
+    const auto& folder = folder_.path();
+    std::vector<std::string> arguments{folder / "kwin_wayland",
+                                       "--no-lockscreen",
+                                       "--socket",
+                                       "wayland-0",
+                                       "--width",
+                                       std::to_string(outputSize.width),
+                                       "--height",
+                                       std::to_string(outputSize.height),
+                                       "--output-count",
+                                       std::to_string(options_.outputs),
+                                       "--scale",
+                                       std::to_string(options_.scale)};
+    if (screen_) {
+        arguments.insert(arguments.end(), {"--x11-display", screen_->display()});
+    } else {
+        arguments.emplace_back("--virtual");
+    }
+    if (options_.xwayland) {
+        const auto tell = folder / "tell-display";
+        std::ofstream(tell) << "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY.\" >" << folder / "display"
+                            << "\n";
+        std::filesystem::permissions(tell, std::filesystem::perms::owner_all);
+        std::filesystem::remove(folder / "display");
+        arguments.insert(arguments.end(), {"--xwayland", tell});
+    }
+    auto environment = environment_;
+    environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
+    environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
+    // Without it there are no effects where nothing but the processor draws.
+    environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1";
+    environment["QT_FORCE_STDERR_LOGGING"] = "1";
+    environment["QT_LOGGING_RULES"] = "kwin_scripting=true;js=true;qml=true";
+    kwin_.emplace(Command{.arguments = arguments,
+                          .environment = environment,
+                          .output = folder / "kwin.out",
+                          .errors = folder / "kwin.err",
+                          .signalOnParentDeath = SIGTERM});
+    const auto isReady = [&] {
+        return bus_.interface()->isServiceRegistered(kwinService).value() &&
+               (!options_.xwayland || readFile(folder / "display").ends_with(".\n"));
+    };
+    if (!waitFor([&] { return !kwin_->running() || isReady(); }, 30s) || !kwin_->running()) {
+        throw std::runtime_error("KWin did not start: " + readFile(folder / "kwin.err"));
+    }
+    input_.emplace(folder / "runtime/wayland-0");
+}
+
+void KWinSession::restart() {
+    input_.reset();
+    kwin_->signal(SIGKILL);
+    kwin_->wait(10s);
+    std::filesystem::remove(folder() / "runtime/wayland-0");
+    start();
+}
+
+Environment KWinSession::environment() const {
+    auto environment = environment_;
+    environment["WAYLAND_DISPLAY"] = "wayland-0";
+    if (options_.xwayland) {
+        std::ifstream file(folder() / "display");
+        std::string authority;
+        file >> environment["DISPLAY"] >> authority;
+        authority.pop_back();
+        if (!authority.empty()) {
+            environment["XAUTHORITY"] = authority;
+        }
+    }
+    return environment;
+}
+
+NativeWindow KWinSession::startFullScreenWindow() const {
+    return {environment(), folder(), [this] {
+                return evaluate("(workspace.activeWindow || workspace.activeClient || {})"
+                                ".fullScreen === true") == true;
+            }};
+}
+
+std::string KWinSession::complaints() const {
+    std::string complaints;
+    std::ifstream log(folder() / "kwin.err");
+    for (std::string line; std::getline(log, line);) {
+        if (line.find("vantrel") != std::string::npos ||
+            line.find("marks.qml") != std::string::npos) {
+            complaints += line + "\n";
+        }
+    }
+    return complaints;
+}
+
+nlohmann::json KWinSession::evaluate(const std::string& expression) const {
+    static int count = 0;
+    const auto name = QStringLiteral("evaluate-%1").arg(++count);
+    const auto script = folder() / (name.toStdString() + ".js");
+    std::ofstream(script) << "callDBus('" << bus_.baseService().toStdString()
+                          << "', '/evaluation', 'org.vantrel.Test', 'Tell', JSON.stringify("
+                          << expression << "));\n";
+    struct Listener final : QDBusVirtualObject {
+        std::optional<std::string> told;
+        [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+        bool handleMessage(const QDBusMessage& message,
+                           const QDBusConnection& /*connection*/) override {
+            told = message.arguments().value(0).toString().toStdString();
+            return true;
+        }
+    } listener;
+    auto bus = bus_;
+    bus.registerVirtualObject(QStringLiteral("/evaluation"), &listener);
+    const auto scripting = QStringLiteral("/Scripting");
+    constexpr auto interface = "org.kde.kwin.Scripting";
+    const int number = call(kwinService, scripting, interface, "loadScript",
+                            {QString::fromStdString(script), name})
+                           .arguments()
+                           .at(0)
+                           .toInt();
+    const auto path = version_ > 5 ? QStringLiteral("/Scripting/Script%1").arg(number)
+                                   : QStringLiteral("/%1").arg(number);
+    call(kwinService, path, "org.kde.kwin.Script", "run");
+    const bool hasTold = waitFor([&] {
+        QCoreApplication::processEvents();
+        return listener.told.has_value();
+    });
+    bus.unregisterObject(QStringLiteral("/evaluation"));
+    call(kwinService, scripting, interface, "unloadScript", {name});
+    if (!hasTold) {
+        throw std::runtime_error(expression + ": " + readFile(folder() / "kwin.err"));
+    }
+    return nlohmann::json::parse(*listener.told);
+}
+
+QImage KWinSession::picture() const {
+    if (screen_) {
+        const XConnection connection(screen_->display());
+        const auto& screen = connection.screen();
+        const PixelRect area{0, 0, screen.width_in_pixels, screen.height_in_pixels};
+        const auto shown = captureScreen(connection, area);
+        return QImage(reinterpret_cast<const uchar*>(shown.pixels.data()), area.width, area.height,
+                      QImage::Format_RGB32)
+            .copy();
+    }
+    PipeReader reader;
+    const auto answer = call(kwinService, QStringLiteral("/org/kde/KWin/ScreenShot2"),
+                             "org.kde.KWin.ScreenShot2", "CaptureWorkspace",
+                             {QVariantMap{{QStringLiteral("include-cursor"), false},
+                                          {QStringLiteral("native-resolution"), true}},
+                              QVariant::fromValue(QDBusUnixFileDescriptor(reader.descriptor()))});
+    const auto results = qdbus_cast<QVariantMap>(answer.arguments().at(0));
+    const auto& bytes = reader.finish();
+    return QImage(reinterpret_cast<const uchar*>(bytes.data()),
+                  results[QStringLiteral("width")].toInt(),
+                  results[QStringLiteral("height")].toInt(),
+                  results[QStringLiteral("stride")].toInt(), QImage::Format_ARGB32_Premultiplied)
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+void KWinSession::click(int button) const {
+    input_->press(button, true);
+    input_->press(button, false);
+}
+
+QDBusMessage KWinSession::call(const QString& service, const QString& path, const char* interface,
+                               const char* method, const QVariantList& arguments) const {
+    auto message = QDBusMessage::createMethodCall(service, path, QString::fromLatin1(interface),
+                                                  QString::fromLatin1(method));
+    message.setArguments(arguments);
+    auto answer = bus_.call(message);
+    if (answer.type() == QDBusMessage::ErrorMessage) {
+        throw std::runtime_error(answer.errorName().toStdString() + ": " +
+                                 answer.errorMessage().toStdString());
+    }
+    return answer;
+}
+
+} // namespace vantrel::desktop

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "testdesk/kwin_input.h"
+#include "testdesk/native_window.h"
+#include "testdesk/private_bus.h"
+#include "testdesk/private_server.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QImage>
+#include <QString>
+#include <QVariant>
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+
+namespace vantrel::desktop {
+
+// KWin as a Wayland session without a screen, with a bus, home and settings of its own, over a
+// black desktop. It is up once this is constructed. There must be a QCoreApplication.
+class KWinSession {
+public:
+    struct Options {
+        double scale = 1;
+        int outputs = 1; // each of 1280 by 720 pixels
+        bool xwayland = false;
+        // In which KWin finds effects, besides those of the system.
+        std::filesystem::path dataFolder{};
+    };
+    // Throws when it does not come up.
+    explicit KWinSession(const Options& options);
+    ~KWinSession();
+    KWinSession(const KWinSession&) = delete;
+    KWinSession& operator=(const KWinSession&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
+    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    [[nodiscard]] const KWinInput& input() const { return *input_; }
+    // For programs of the session.
+    [[nodiscard]] Environment environment() const;
+    // A native window with the keyboard. Returns once it covers the display.
+    [[nodiscard]] NativeWindow startFullScreenWindow() const;
+    // What KWin has written of faults in scripts.
+    [[nodiscard]] std::string complaints() const;
+    // Plasma's, such as 5.
+    [[nodiscard]] int version() const { return version_; }
+
+    // The value of an expression in a script of KWin's.
+    [[nodiscard]] nlohmann::json evaluate(const std::string& expression) const;
+    // What all displays show, without the pointer, in their scale.
+    [[nodiscard]] QImage picture() const;
+    void click(int button) const;
+    // Kills KWin, and starts it anew.
+    void restart();
+
+    // Waits for the answer; throws what the other side objects.
+    QDBusMessage call(const QString& service, const QString& path, const char* interface,
+                      const char* method, const QVariantList& arguments = {}) const;
+
+private:
+    void start();
+
+    Options options_;
+    int version_;
+    TemporaryFolder folder_;
+    PrivateBus sessionBus_;
+    // On which a KWin shows itself that takes no pictures of its own.
+    std::optional<PrivateServer> screen_;
+    Environment environment_;
+    std::optional<ChildProcess> kwin_;
+    std::optional<KWinInput> input_;
+    QDBusConnection bus_;
+};
+
+} // namespace vantrel::desktop

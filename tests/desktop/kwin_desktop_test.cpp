@@ -1,0 +1,281 @@
+#include "overlay/effect.h"
+#include "overlay/effect_drawing.h"
+#include "platform/kwin/kwin_script.h"
+#include "support/mark_pixels.h"
+#include "testdesk/client_window.h"
+#include "testdesk/core_application.h"
+#include "testdesk/kwin_session.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <linux/input-event-codes.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+bool comes(const std::function<bool()>& condition) {
+    return waitFor([&] {
+        QCoreApplication::processEvents();
+        return condition();
+    });
+}
+
+// A session that shows marks, and is left without a fault of theirs.
+class Session : public KWinSession {
+public:
+    explicit Session(Options options = {}) : KWinSession(withData(options)) { moveTo(300, 300); }
+    ~Session() { EXPECT_EQ(complaints(), ""); }
+
+    // Another display is entered by the second motion only.
+    void moveTo(double x, double y) {
+        input().moveTo(x, y);
+        input().moveTo(x, y);
+        place_ = {x, y};
+    }
+    [[nodiscard]] bool isLoaded() const {
+        const auto is = [&](const char* path, const char* interface, const char* method,
+                            const char* name) {
+            return call(QStringLiteral("org.kde.KWin"), QString::fromLatin1(path), interface,
+                        method, {QString::fromLatin1(name)})
+                .arguments()
+                .at(0)
+                .toBool();
+        };
+        return is("/Scripting", "org.kde.kwin.Scripting", "isScriptLoaded", "vantrel") ||
+               is("/Effects", "org.kde.kwin.Effects", "isEffectLoaded", "vantrel-presses");
+    }
+    // The pixel of the pointer.
+    [[nodiscard]] QPoint center(double scale = 1) const { return (place_ * scale).toPoint(); }
+    // By what covers all around the pointer.
+    [[nodiscard]] bool isMarked() const {
+        return qRed(picture().pixel(center() + QPoint(5, 0))) > 100;
+    }
+    // Waits until the pointer is marked so.
+    void expectMark(const Effect& effect, double scale, const std::string& where) const {
+        Differences last;
+        EXPECT_TRUE(comes([&] {
+            last = differences(picture(), center(scale), effect, scale);
+            return last.elsewhere <= 6 && last.onEdges <= 60;
+        })) << where
+            << ": " << last.elsewhere << ", on edges " << last.onEdges;
+    }
+
+private:
+    static Options withData(Options options) {
+        if (options.dataFolder.empty()) {
+            options.dataFolder = VANTREL_DATA;
+        }
+        return options;
+    }
+
+    QPointF place_;
+};
+
+// What the program does there.
+struct Script {
+    explicit Script(const KWinSession& session)
+        : marks(session.bus(), VANTREL_DATA, EffectDrawing::picture) {
+        EXPECT_TRUE(comes([&] { return marks.state() == MarksState::available; }));
+    }
+
+    KWinScript marks;
+};
+
+AppPreferences strongly() {
+    AppPreferences preferences;
+    preferences.highlight.opacity = 0.9;
+    return preferences;
+}
+
+class KWinLookTest : public testing::TestWithParam<double> {};
+
+TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
+    const CoreApplication application;
+    const double scale = GetParam();
+    Session session({.scale = scale});
+    Script script(session);
+    auto preferences = strongly();
+    for (const auto style : {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
+        preferences.highlight.style = style;
+        const auto effect = effectOf(CursorMode::highlight, preferences);
+        script.marks.show(effect);
+        session.expectMark(effect, scale, "style " + std::to_string(static_cast<int>(style)));
+    }
+    const auto laser = effectOf(CursorMode::laser, preferences);
+    script.marks.show(laser);
+    session.expectMark(laser, scale, "laser");
+
+    // A ring is the fainter the larger it has become.
+    script.marks.show({.left = slowRing});
+    session.expectMark({}, scale, "nothing");
+    session.click(BTN_LEFT);
+    EXPECT_TRUE(comes(
+        [&] { return showsPartOf(slowRing, session.picture(), session.center(scale), scale); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, KWinLookTest, testing::Values(1, 1.5, 2));
+
+TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
+    const CoreApplication application;
+    Session session({.xwayland = true});
+    const auto window = session.startFullScreenWindow();
+    Script script(session);
+    Effect effect = effectOf(CursorMode::highlight, strongly());
+    effect.left->duration = 30;
+    effect.left->endDiameter = effect.left->startDiameter;
+    script.marks.show(effect);
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    session.moveTo(301, 300);
+    ASSERT_TRUE(waitFor([&] { return window.count("enter") > 0; }));
+    for (int press = 0; press < 100; ++press) {
+        session.click(BTN_LEFT);
+    }
+    EXPECT_TRUE(waitFor([&] { return window.count("press") == 100; }));
+    // As far as a ring reaches over what is below it, at most eight do, the latest ones.
+    const auto isRinged = [&](int x) {
+        const auto pixel = session.picture().pixel(x + 8, 500);
+        return qRed(pixel) > qBlue(pixel) + 40;
+    };
+    for (int x = 100; x < 1000; x += 100) {
+        session.moveTo(x, 500);
+        session.click(BTN_LEFT);
+    }
+    EXPECT_TRUE(comes([&] { return isRinged(200) && !isRinged(100); }));
+    // A menu of an X program.
+    const ClientWindow menu(session.environment().at("DISPLAY"),
+                            {.area = {700, 300, 200, 200}, .color = 0xFF0000FF});
+    session.moveTo(800, 400);
+    EXPECT_TRUE(comes(
+        [&] { return qBlue(session.picture().pixel(710, 310)) > 200 && session.isMarked(); }));
+}
+
+TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
+    const CoreApplication application;
+    Session session({.outputs = 2});
+    Script script(session);
+    Effect effect = effectOf(CursorMode::highlight, strongly());
+    script.marks.show(effect);
+    session.moveTo(1280, 300);
+    session.expectMark(effect, 1, "border");
+    effect.hideAfter = 0.3;
+    script.marks.show(effect);
+    EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
+    session.click(BTN_LEFT);
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
+    session.moveTo(1000, 300);
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+}
+
+TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
+    const CoreApplication application;
+    Session session;
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    std::optional<Script> first(session);
+    first->marks.show(effect);
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    const auto bus = QDBusConnection::connectToBus(
+        QString::fromStdString(session.environment().at("DBUS_SESSION_BUS_ADDRESS")),
+        QStringLiteral("second"));
+    KWinScript second(bus, VANTREL_DATA, EffectDrawing::picture);
+    EXPECT_TRUE(comes([&] { return second.state() == MarksState::busy; }));
+    first.reset();
+    EXPECT_TRUE(comes([&] { return second.state() == MarksState::available; }));
+    EXPECT_FALSE(session.isMarked());
+    second.show(effect);
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    session.restart();
+    session.moveTo(300, 300);
+    EXPECT_TRUE(comes([&] { return session.isMarked() && second.seesPresses(); }));
+}
+
+TEST(KWinTest, SaysThatItDoesNotHearOfPresses) {
+    const CoreApplication application;
+    Session session({.dataFolder = "/nowhere"});
+    const auto folder = session.folder() / "elsewhere";
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    Script script(session);
+    EXPECT_TRUE(comes([&] { return !script.marks.seesPresses(); }));
+    EXPECT_EQ(script.marks.state(), MarksState::available);
+    EXPECT_TRUE(
+        std::filesystem::exists(folder / "kwin/effects/vantrel-presses/contents/code/main.js"));
+}
+
+TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
+    const CoreApplication application;
+    Session session({.xwayland = true});
+    auto stored = preferencesShowing("highlight");
+    stored["highlight"]["opacity"] = 0.9;
+    const auto start = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), VANTREL_PROGRAM);
+        return ChildProcess({.arguments = words,
+                             .environment = session.environment(),
+                             .output = session.folder() / words.back()});
+    };
+    const auto tells = [&](const char* key, const nlohmann::json& value) {
+        return waitFor([&] {
+            start({"status", "--json"}).wait(10s);
+            const auto all =
+                nlohmann::json::parse(readFile(session.folder() / "--json"), nullptr, false);
+            return all.is_object() && all.at(key) == value;
+        });
+    };
+    writePreferences(session.folder() / "config", stored);
+    std::optional program(start({"--settings"}));
+    EXPECT_TRUE(tells("marks", "kwin"));
+    EXPECT_TRUE(tells("hotkeyError", nullptr));
+    EXPECT_TRUE(tells("clickAvailable", true));
+    EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
+
+    // A window gets the keys of other combinations only.
+    const auto window = session.startFullScreenWindow();
+    const auto type = [&](int key) {
+        for (const bool down : {true, false}) {
+            session.input().type(KEY_LEFTCTRL, down);
+            session.input().type(KEY_LEFTALT, down);
+            session.input().type(key, down);
+        }
+    };
+    const auto keys = [&](int key) { return window.count("key-" + std::to_string(key)); };
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
+    type(KEY_K);
+    EXPECT_TRUE(waitFor([&] { return keys(KEY_K) == 1; }));
+    EXPECT_EQ(keys(KEY_L), 0);
+
+    // However it ends, all of it is gone, and the keys are the window's.
+    const auto killed = std::chrono::steady_clock::now();
+    program->signal(SIGKILL);
+    EXPECT_TRUE(waitFor([&] { return !session.isLoaded(); }));
+    EXPECT_LT(std::chrono::steady_clock::now() - killed, 500ms);
+    EXPECT_TRUE(waitFor([&] {
+        type(KEY_L);
+        return waitFor([&] { return keys(KEY_L) > 0; }, 500ms);
+    }));
+    stored["laserShortcut"] = {{"keyCode", 2}, {"modifiers", 0x100}, {"display", "⌘D"}};
+    writePreferences(session.folder() / "config", stored);
+    program.emplace(start({"--settings"}));
+    EXPECT_TRUE(tells("hotkeyError", "registration")); // KWin's own
+    start({"quit"}).wait(10s);
+    EXPECT_TRUE(waitFor([&] { return !session.isLoaded(); }));
+    const auto isClean = [&](const char* file) {
+        return readFile(session.folder() / "config" / file).find("antrel") == std::string::npos;
+    };
+    EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));
+    EXPECT_TRUE(isClean("kwinrc"));
+}
+
+} // namespace
+} // namespace vantrel::desktop

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "overlay/effect_drawing.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace vantrel::desktop {
+
+// The largest difference of a picture from what the reference painter makes of the effect around
+// that pixel, over black: in pixels on an edge, and in all others.
+struct Differences {
+    int onEdges = 0;
+    int elsewhere = 0;
+};
+
+inline Differences differences(const QImage& picture, QPoint center, const Effect& effect,
+                               double scale) {
+    const int half = static_cast<int>(effect.diameter() * scale / 2) + 6;
+    QImage wanted(2 * half, 2 * half, QImage::Format_RGB32);
+    wanted.fill(Qt::black);
+    QPainter painter(&wanted);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(scale, scale);
+    EffectDrawing::drawDiscs(painter, QPointF(half, half) / scale, effect);
+    painter.end();
+    const QImage shown = picture.copy(center.x() - half, center.y() - half, 2 * half, 2 * half);
+    const auto distance = [](QRgb one, QRgb other) {
+        return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
+                         std::abs(qBlue(one) - qBlue(other))});
+    };
+    Differences found;
+    for (int y = 1; y < wanted.height() - 1; ++y) {
+        for (int x = 1; x < wanted.width() - 1; ++x) {
+            const QRgb pixel = wanted.pixel(x, y);
+            bool onEdge = false;
+            for (const QPoint neighbour : {QPoint{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+                onEdge = onEdge || distance(pixel, wanted.pixel(QPoint{x, y} + neighbour)) > 20;
+            }
+            int& most = onEdge ? found.onEdges : found.elsewhere;
+            most = std::max(most, distance(pixel, shown.pixel(x, y)));
+        }
+    }
+    return found;
+}
+
+inline const ClickRing slowRing{.duration = 6,
+                                .lineWidth = 4,
+                                .startDiameter = 16,
+                                .endDiameter = 80,
+                                .startOpacity = 0.8,
+                                .color = Qt::red};
+
+// Whether a red ring around that pixel, over black, has grown for a while, and has faded as far.
+inline bool showsPartOf(const ClickRing& ring, const QImage& picture, QPoint center, double scale) {
+    int first = 0;
+    int last = 0;
+    for (int x = 1; x < (ring.endDiameter / 2 + 8) * scale; ++x) {
+        if (qRed(picture.pixel(center + QPoint(x, 0))) > 10) {
+            first = first > 0 ? first : x;
+            last = x;
+        }
+    }
+    const double progress =
+        ((first + last + 1) / scale - ring.startDiameter) / (ring.endDiameter - ring.startDiameter);
+    const int red = qRed(picture.pixel(center + QPoint((first + last) / 2, 0)));
+    return progress > 0.3 && progress < 0.9 && std::abs(red - 255 * ring.opacityAt(progress)) < 8;
+}
+
+} // namespace vantrel::desktop
