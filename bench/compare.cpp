@@ -31,7 +31,8 @@ constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", mea
                            Part{"save", measureSave},         Part{"memory", measureMemory},
                            Part{"start", measureStart},       Part{"command", measureCommand},
                            Part{"popup", measurePopup},       Part{"settings", measureSettings},
-                           Part{"drag", measureDrag},         Part{"reopening", measureReopening}};
+                           Part{"drag", measureDrag},         Part{"reopening", measureReopening},
+                           Part{"shell", measureShell}};
 
 QString namesOfParts() {
     QStringList names;

@@ -60,5 +60,8 @@ struct Effort {
 // What the program and the server hold after the panel and the settings were opened and closed
 // again and again.
 [[nodiscard]] Report measureReopening(const Contenders& contenders, const Effort& effort);
+// CPU time of GNOME Shell for 1000 motions a second, compared with motions without a mark; frames
+// of them with the mark elsewhere than the pointer.
+[[nodiscard]] Report measureShell(const Contenders& contenders, const Effort& effort);
 
 } // namespace vantrel::bench

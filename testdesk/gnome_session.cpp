@@ -15,6 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto inputService = "org.gnome.Mutter.RemoteDesktop";
+constexpr auto inputInterface = "org.gnome.Mutter.RemoteDesktop.Session";
 
 Environment environmentFor(const std::filesystem::path& folder, const PrivateBus& systemBus,
                            const PrivateBus& sessionBus, const std::filesystem::path& dataFolder) {
@@ -250,6 +251,14 @@ void GnomeSession::moveTo(double x, double y) const {
     }
 }
 
+void GnomeSession::moveBy(double x, double y) const {
+    auto message = QDBusMessage::createMethodCall(QString::fromLatin1(inputService), inputSession_,
+                                                  QString::fromLatin1(inputInterface),
+                                                  QStringLiteral("NotifyPointerMotionRelative"));
+    message.setArguments({x, y});
+    bus_.send(message);
+}
+
 void GnomeSession::press(int button, bool down) const {
     inputCall("NotifyPointerButton", {button, down});
 }
@@ -264,7 +273,7 @@ void GnomeSession::type(int key, bool down) const {
 }
 
 void GnomeSession::inputCall(const char* method, const QVariantList& arguments) const {
-    call(inputService, inputSession_, "org.gnome.Mutter.RemoteDesktop.Session", method, arguments);
+    call(inputService, inputSession_, inputInterface, method, arguments);
 }
 
 QDBusMessage GnomeSession::call(const char* service, const QString& path, const char* interface,

@@ -40,6 +40,7 @@ public:
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    [[nodiscard]] pid_t pid() const { return shell_.pid(); } // of the shell
     // For programs of the session. Starts its Xwayland for the first one.
     [[nodiscard]] Environment environment() const;
     // A native window with the keyboard. Returns once it covers the display.
@@ -60,6 +61,8 @@ public:
     // In points of the desktop, as the shell counts them. Not into the corner that opens the
     // overview.
     void moveTo(double x, double y) const;
+    // Without waiting.
+    void moveBy(double x, double y) const;
     void press(int button, bool down) const; // a code of Linux, as BTN_LEFT
     void click(int button) const;
     void type(int key, bool down) const; // a code of Linux, as KEY_A
