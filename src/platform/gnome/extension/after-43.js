@@ -1,11 +1,13 @@
 
+let uuid = '';
 let service = null;
 
-function init() {
+function init(extension) {
+    ({uuid} = extension);
 }
 
 function enable() {
-    service = new Service();
+    service = new Service(uuid);
 }
 
 function disable() {

@@ -1,7 +1,11 @@
 
 export default class VantrelMarks {
+    constructor({uuid}) {
+        this._uuid = uuid;
+    }
+
     enable() {
-        this._service = new Service();
+        this._service = new Service(this._uuid);
     }
 
     disable() {

@@ -117,6 +117,21 @@ function scaleAt(x, y) {
     return number < 0 ? 1 : global.display.get_monitor_scale(number);
 }
 
+// The name of an extension whose files are gone, which the shell would keep in its settings. Later, for
+// the shell may be in the midst of switching it off.
+function forgetRemoved(uuid) {
+    if (Main.extensionManager.lookup(uuid)?.dir.query_exists(null) !== false)
+        return;
+    GLib.idle_add(GLib.PRIORITY_DEFAULT, () => {
+        for (const list of ['enabled-extensions', 'disabled-extensions']) {
+            const names = global.settings.get_strv(list);
+            if (names.includes(uuid))
+                global.settings.set_strv(list, names.filter(name => name !== uuid));
+        }
+        return GLib.SOURCE_REMOVE;
+    });
+}
+
 // Shows what it draws around a point of the stage. Used again and again: what pictures have is freed
 // late.
 class Picture {
@@ -501,7 +516,8 @@ class Item {
 
 // Serves one program at a time. All that is shown and grabbed is that program's, and ends with it.
 class Service {
-    constructor() {
+    constructor(uuid) {
+        this._uuid = uuid;
         this._bus = Gio.DBus.session;
         this._shortcuts = new Shortcuts(number => this._tell('Pressed', '(u)', number));
         this._object = Gio.DBusExportedObject.wrapJSObject(Interface, this);
@@ -590,6 +606,7 @@ class Service {
         if (this._client)
             Gio.bus_unwatch_name(this._watch);
         this._client = null;
+        forgetRemoved(this._uuid);
     }
 
     _removeItem() {
