@@ -1,6 +1,6 @@
 #include "platform/x11/display_link.h"
 
-#include "platform/x11/frame_timer.h"
+#include "platform/frame_timer.h"
 #include "platform/x11/handles.h"
 
 #include <QTimer>

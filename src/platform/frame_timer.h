@@ -4,7 +4,7 @@
 
 #include <functional>
 
-namespace vantrel::x11 {
+namespace vantrel {
 
 // Calls its target at an even rate, finer than whole milliseconds. Calls that were missed are made
 // up for by one.
@@ -21,4 +21,4 @@ private:
     QSocketNotifier notifier_;
 };
 
-} // namespace vantrel::x11
+} // namespace vantrel

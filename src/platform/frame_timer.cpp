@@ -1,4 +1,4 @@
-#include "platform/x11/frame_timer.h"
+#include "platform/frame_timer.h"
 
 #include <cmath>
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-namespace vantrel::x11 {
+namespace vantrel {
 
 FrameTimer::FrameTimer(double rate, std::function<void()> target)
     : descriptor_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
@@ -30,4 +30,4 @@ FrameTimer::~FrameTimer() {
     close(descriptor_);
 }
 
-} // namespace vantrel::x11
+} // namespace vantrel
