@@ -9,7 +9,7 @@ build_packages=(
     qt6-base-dev qt6-svg-dev
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
     libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
-    libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev
+    libwayland-dev libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev wayland-protocols
     libplist-dev nlohmann-json3-dev
 )
 # Besides those of the build.
@@ -33,7 +33,7 @@ kwin_packages=(
 test_packages=(
     "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
-    libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
+    grim libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy zsh
 )
 # What starts programs by their desktop entries, and the manual; besides those of the tests.
@@ -52,6 +52,12 @@ check_packages=(
 )
 # What makes a Debian in a folder, and keeps what is compiled there.
 debian_packages=(ccache debootstrap)
+
+# sway alone, and what its tests take.
+sway_test_packages=(
+    fonts-dejavu-core grim libgmock-dev libgtest-dev libxcb-res0-dev libxcb-xtest0-dev sway
+    x11-xserver-utils xwayland
+)
 
 say() {
     printf '%s\n' "$*"
@@ -103,6 +109,15 @@ ensure_packages() {
     run_apt update || say 'The package lists could not be refreshed; trying with those at hand.'
     run_apt install --no-install-recommends "${missing[@]}" ||
         fail 'apt-get could not install the packages'
+}
+
+# Tests must not depend on the language, and what they start reports its faults as they do.
+export_test_environment() {
+    export LC_ALL=C.UTF-8
+    # Without strict_string_checks: the library that reads the keymap copies pieces of unended strings.
+    export ASAN_OPTIONS=detect_stack_use_after_return=1:check_initialization_order=1
+    export LSAN_OPTIONS=suppressions=$project/tests/leaks.supp:print_suppressions=0
+    export UBSAN_OPTIONS=print_stacktrace=1
 }
 
 # configure <cmake argument>...: quiet unless it fails.

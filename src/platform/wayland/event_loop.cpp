@@ -1,0 +1,16 @@
+#include "platform/wayland/event_loop.h"
+
+#include <QAbstractEventDispatcher>
+
+namespace vantrel::wayland {
+
+EventLoop::EventLoop(Connection& connection)
+    : notifier_(connection.descriptor(), QSocketNotifier::Read),
+      loss_(connection.lost.add([this] { notifier_.setEnabled(false); })) {
+    connect(&notifier_, &QSocketNotifier::activated, this,
+            [&connection] { connection.dispatch(); });
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            [&connection] { connection.flush(); });
+}
+
+} // namespace vantrel::wayland
