@@ -27,9 +27,14 @@ struct CommandAnswer {
 
 // How the program stands, as other programs are told.
 struct ProgramStatus {
-    std::string mode;                          // off, highlight or laser
-    std::string marks{};                       // who draws them: x11, xwayland, gnome-shell or kwin
+    std::string mode; // off, highlight or laser
+    // Who draws them: x11, xwayland, layer-shell, gnome-shell or kwin.
+    std::string marks{};
     std::optional<std::string> marksMissing{}; // why the desktop does not
+    // By what the pointer is followed, presses are seen and shortcuts taken; absent: by nothing.
+    std::optional<std::string> pointer{};
+    std::optional<std::string> presses{};
+    std::optional<std::string> shortcuts{};
     bool clickAvailable = true;
     std::optional<std::string> hotkeyError{}; // duplicate or registration
     std::string version{};

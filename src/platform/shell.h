@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/session_means.h"
 #include "platform/subscription.h"
 
 #include <QIcon>
@@ -69,8 +70,10 @@ public:
     virtual void terminate() = 0;
     // Brings a window of it that is on the screen to the front and gives it the keyboard.
     virtual void activate(WId window) = 0;
-    // Only a part of the session is known: the programs that run through Xwayland, as this one.
-    [[nodiscard]] virtual bool inWaylandSession() const = 0;
+    // The name that the session's compositor goes by, as "sway"; empty where nobody tells.
+    [[nodiscard]] virtual std::string compositor() const = 0;
+    // What the session has, besides the marks that the desktop itself may draw.
+    [[nodiscard]] virtual SessionOffer offer() const = 0;
 };
 
 } // namespace vantrel

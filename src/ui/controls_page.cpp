@@ -4,7 +4,11 @@
 #include "ui/components/section_card.h"
 #include "ui/components/shortcut_recorder.h"
 #include "ui/components/stack.h"
+#include "ui/compositor_binding.h"
 #include "ui/settings_pages.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
 
 namespace vantrel {
 
@@ -79,6 +83,41 @@ QWidget* shortcutsCard(ViewContext& view) {
                            [&view] { restoreDefaults(view); })}));
 }
 
+// Where the compositor has the keys to itself: what it can be told to do at them.
+bool bindsKeysItself(const ViewContext& view) {
+    return view.state().means().shortcuts == Means::xwayland &&
+           view.state().marks().get() == MarksState::none;
+}
+
+QWidget* bindingRow(ViewContext& view, const ShortcutSlot& slot, const char* command) {
+    const auto line = [&view, field = slot.field, command] {
+        return QString::fromStdString(compositorBinding(view.desktop().application.compositor(),
+                                                        view.preferences().*field, command));
+    };
+    auto* text = paragraph(view, [line](bool) { return line(); });
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* copy = pushButton(view, Text{"Copy", "复制"},
+                            [line] { QGuiApplication::clipboard()->setText(line()); });
+    view.follow(copy, [copy, line] { copy->setAccessibleDescription(line()); });
+    return row(8, {text, copy});
+}
+
+QWidget* bindingsCard(ViewContext& view) {
+    return view.showWhile(
+        new SectionCard(
+            view, Text{"Shortcuts of the Compositor", "合成器的快捷键"},
+            column(12, {symbolLabel(
+                            view, "info.circle", Tone::primary,
+                            Text{"This compositor has no shortcuts for programs, so those above "
+                                 "work only while an X program has the keyboard. Put these "
+                                 "lines into its configuration:",
+                                 "此合成器不提供程序快捷键，因此上面的快捷键仅在 X "
+                                 "程序接收键盘输入时有效。请将以下内容加入其配置："}),
+                        bindingRow(view, highlightSlot, "vantrel toggle highlight"),
+                        bindingRow(view, laserSlot, "vantrel toggle laser")})),
+        [&view] { return bindsKeysItself(view); });
+}
+
 QWidget* monitoringCard(ViewContext& view) {
     return new SectionCard(
         view, Text{"Click Monitoring", "点击监听"},
@@ -96,7 +135,7 @@ QWidget* monitoringCard(ViewContext& view) {
 } // namespace
 
 QWidget* controlsPage(ViewContext& view) {
-    return column(16, {shortcutsCard(view), monitoringCard(view)});
+    return column(16, {shortcutsCard(view), bindingsCard(view), monitoringCard(view)});
 }
 
 } // namespace vantrel

@@ -92,16 +92,27 @@ QWidget* effectsPage(ViewContext& view) {
     return column(spacing, {clickCard(view), laserCard(view)});
 }
 
+bool compositorHidesPresses(const ViewContext& view) {
+    return view.state().means().drawing == Means::layerShell;
+}
+
 QWidget* clickMonitorNotice(ViewContext& view) {
-    auto* text = symbolLabel(view, "info.circle", Tone::primary,
-                             Text{"Click monitoring could not start. Highlight still works. Retry "
-                                  "or reopen the app.",
-                                  "点击监听未能启动，高亮仍可使用。请重试，或退出后重新打开应用。"},
-                             captionText);
+    const auto wording = [&view](bool english) {
+        return (compositorHidesPresses(view)
+                    ? Text{"This compositor tells no program of clicks in other programs. "
+                           "Highlight still works.",
+                           "此合成器不会告知程序其他程序中的点击，高亮仍可使用。"}
+                    : Text{"Click monitoring could not start. Highlight still works. Retry or "
+                           "reopen the app.",
+                           "点击监听未能启动，高亮仍可使用。请重试，或退出后重新打开应用。"})(
+            english);
+    };
+    auto* text = symbolLabel(view, "info.circle", Tone::primary, wording, captionText);
     auto* retry = pushButton(view, Text{"Retry click monitoring", "重试点击监听"},
                              [&state = view.state()] { state.apply(); });
-    return view.showWhile(column(8, {text, retry}),
-                          [&view] { return !view.state().clickAvailable().get(); });
+    return view.showWhile(
+        column(8, {text, view.showWhile(retry, [&view] { return !compositorHidesPresses(view); })}),
+        [&view] { return !view.state().clickAvailable().get(); });
 }
 
 } // namespace vantrel

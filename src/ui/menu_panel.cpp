@@ -12,6 +12,7 @@
 #include "ui/components/stack.h"
 #include "ui/components/switcher.h"
 #include "ui/preference_controls.h"
+#include "ui/settings_pages.h"
 #include "ui/wayland_notice.h"
 
 #include <QLayout>
@@ -82,10 +83,14 @@ QWidget* section(std::initializer_list<QWidget*> parts) {
 }
 
 QWidget* highlightSection(ViewContext& view) {
-    auto* notice = paragraph(view,
-                             Text{"Click monitoring could not start. Retry in Settings.",
-                                  "点击监听未能启动，请在设置中重试。"},
-                             secondaryCaption);
+    const auto wording = [&view](bool english) {
+        return (compositorHidesPresses(view)
+                    ? Text{"This compositor tells no program of clicks in other programs.",
+                           "此合成器不会告知程序其他程序中的点击。"}
+                    : Text{"Click monitoring could not start. Retry in Settings.",
+                           "点击监听未能启动，请在设置中重试。"})(english);
+    };
+    auto* notice = paragraph(view, wording, secondaryCaption);
     return section(
         {new HighlightChoices(view, Density::compact), highlightColors(view),
          highlightDiameter(view), highlightOpacity(view), idleToggle(view, ControlSize::small),

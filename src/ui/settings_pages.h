@@ -17,5 +17,7 @@ namespace vantrel {
 
 // That clicks cannot be seen, and the way to try again. Shown only while it is so.
 [[nodiscard]] QWidget* clickMonitorNotice(ViewContext& view);
+// Whether that is for good.
+[[nodiscard]] bool compositorHidesPresses(const ViewContext& view);
 
 } // namespace vantrel

@@ -60,8 +60,13 @@ std::string_view dismissedKey(MarksState marks) {
     return marks == MarksState::none ? waylandNoticeDismissedKey : marksNoticeDismissedKey;
 }
 
+// Whatever the desktop itself comes to draw.
+bool mayDrawByXwayland(const ViewContext& view) {
+    return meansOf(view.desktop().application.offer()).drawing == Means::xwayland;
+}
+
 QWidget* notice(ViewContext& view, const QMargins& around, const std::function<bool()>& isShown) {
-    if (!view.desktop().application.inWaylandSession()) {
+    if (!mayDrawByXwayland(view)) {
         return nullptr;
     }
     const auto marks = [&view] { return view.state().marks().get(); };
@@ -90,9 +95,8 @@ QWidget* notice(ViewContext& view, const QMargins& around, const std::function<b
 } // namespace
 
 bool hasWaylandNotice(const ViewContext& view) {
-    const auto marks = view.state().marks().get();
-    return view.desktop().application.inWaylandSession() && marks != MarksState::available &&
-           !view.desktop().userDefaults.boolean(dismissedKey(marks));
+    return view.state().means().drawing == Means::xwayland &&
+           !view.desktop().userDefaults.boolean(dismissedKey(view.state().marks().get()));
 }
 
 QWidget* waylandNotice(ViewContext& view, const QMargins& around) {

@@ -113,11 +113,13 @@ class Application final : public vantrel::Application {
 public:
     void terminate() override { ++terminations; }
     void activate(WId window) override { activated.push_back(window); }
-    [[nodiscard]] bool inWaylandSession() const override { return waylandSession; }
+    [[nodiscard]] std::string compositor() const override { return compositorName; }
+    [[nodiscard]] SessionOffer offer() const override { return session; }
 
     int terminations = 0;
     std::vector<WId> activated;
-    bool waylandSession = false;
+    SessionOffer session;
+    std::string compositorName;
 };
 
 class Keyboard final : public vantrel::Keyboard {

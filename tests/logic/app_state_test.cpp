@@ -190,9 +190,10 @@ TEST_F(AppStateTest, SavesAtOnceBeforeSleepAndComesBackAfterIt) {
 TEST_F(AppStateTest, IsToldInOneLineWithAShortcutThatWasLost) {
     desktop.bundle.version = "2.3.4";
     desktop.bundle.build = "56";
-    EXPECT_EQ(toJson(programStatus(*state, desktop)),
-              R"({"mode":"off","marks":"x11","marksMissing":null,"clickAvailable":false,)"
-              R"("hotkeyError":null,"version":"2.3.4","build":"56"})");
+    EXPECT_EQ(
+        toJson(programStatus(*state, desktop)),
+        R"({"mode":"off","marks":"x11","marksMissing":null,"pointer":"x11","presses":"x11",)"
+        R"("shortcuts":"x11","clickAvailable":false,"hotkeyError":null,"version":"2.3.4","build":"56"})");
     desktop.hotKeys.lose(controlOptionH);
     EXPECT_NE(toJson(programStatus(*state, desktop)).find(R"("hotkeyError":"registration")"),
               std::string::npos);

@@ -2,6 +2,9 @@
 #include "support/views_fixture.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/status_badge.h"
+#include "ui/compositor_binding.h"
+
+#include <QClipboard>
 
 namespace vantrel {
 namespace {
@@ -134,6 +137,53 @@ TEST_F(SettingsViewTest, ClickMonitoringCanBeTriedAgain) {
     desktop.eventMonitors.refusesGlobal = false;
     click("Refresh monitoring");
     EXPECT_TRUE(state.clickAvailable().get());
+}
+
+TEST_F(SettingsViewTest, TellsWhatACompositorKeepsToItself) {
+    // A monitor of presses is refused in both.
+    desktop.eventMonitors.refusesGlobal = true;
+    desktop.application.compositorName = "sway";
+    openSettings(SettingsTab::controls);
+    setMode(CursorMode::highlight);
+    constexpr auto line = "bindsym Ctrl+Mod1+h exec vantrel toggle highlight";
+    EXPECT_FALSE(says(line));
+    EXPECT_TRUE(says("Click monitoring could not start. Highlight still works. Retry or reopen "
+                     "the app."));
+    desktop.application.session = {.xwayland = true, .layerShell = true, .cursorSessions = true};
+    setMode(CursorMode::off);
+    setMode(CursorMode::highlight);
+    EXPECT_TRUE(says(line));
+    EXPECT_TRUE(says("This compositor tells no program of clicks in other programs. Highlight "
+                     "still works."));
+    click("Copy");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8(line));
+    desktop.marks.set(MarksState::available);
+    update();
+    EXPECT_FALSE(says(line));
+}
+
+TEST(CompositorBindingTest, SpeaksAsTheCompositorDoes) {
+    constexpr auto command = "vantrel toggle laser";
+    const Shortcut shortcut{37, modifier::control | modifier::command, "⌃⌘L"};
+    for (const auto& [session, line] : std::map<std::string, std::string>{
+             {"sway", "bindsym Ctrl+Mod4+l exec vantrel toggle laser"},
+             {"labwc", "<keybind key=\"C-W-l\"><action name=\"Execute\" "
+                       "command=\"vantrel toggle laser\"/></keybind>"},
+             {"niri", "Ctrl+Super+l { spawn \"vantrel\" \"toggle\" \"laser\"; }"},
+             {"Hyprland", "bind = CTRL SUPER, l, exec, vantrel toggle laser"},
+             {"river", "riverctl map normal Control+Super l spawn \"vantrel toggle laser\""},
+             {"COSMIC", command},
+         }) {
+        EXPECT_EQ(compositorBinding(session, shortcut, command), line);
+        EXPECT_EQ(compositorBinding(session, std::nullopt, command), command);
+    }
+    const auto named = [&](const char* display) {
+        return compositorBinding("sway", Shortcut{0, modifier::option, display}, command);
+    };
+    EXPECT_EQ(named("⌥F5"), "bindsym Mod1+F5 exec vantrel toggle laser");
+    // Of keys with other names in each of them.
+    EXPECT_EQ(named("⌥Left"), command);
+    EXPECT_EQ(named("⌥é"), command);
 }
 
 TEST_F(SettingsViewTest, ClicksAreTriedOutInThePreview) {

@@ -30,7 +30,7 @@ namespace vantrel {
 class ViewsTest : public HeadlessTest {
 protected:
     explicit ViewsTest(bool inWaylandSession = false) {
-        desktop.application.waylandSession = inWaylandSession;
+        desktop.application.session.xwayland = inWaylandSession;
     }
 
     void SetUp() override {

@@ -311,7 +311,7 @@ int run(const QApplication& application) {
         QApplication::setPalette(darkPalette());
     }
     headless::Desktop desktop;
-    desktop.application.waylandSession = options.isSet(text("wayland"));
+    desktop.application.session.xwayland = options.isSet(text("wayland"));
     SettingsStore store(desktop.userDefaults, "gallery");
     AppState state(store, desktop);
     ViewContext view(state, desktop);

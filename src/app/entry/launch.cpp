@@ -40,6 +40,17 @@ constexpr std::string_view chineseWaylandRemark =
     "设置中有开启按钮。\n"
     "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
 
+constexpr std::string_view englishLayerShellRemark =
+    "vantrel: This compositor tells no program of clicks, so these have no effect.\n"
+    "vantrel: The shortcuts work while an X program has the keyboard. Bind keys in the "
+    "compositor's "
+    "configuration to vantrel toggle highlight and vantrel toggle laser.\n";
+constexpr std::string_view chineseLayerShellRemark =
+    "vantrel: 此合成器不会告知程序鼠标点击，因此没有点击效果。\n"
+    "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。请在合成器的配置中为 vantrel toggle highlight "
+    "和 "
+    "vantrel toggle laser 绑定按键。\n";
+
 constexpr std::chrono::seconds busTimeout(1);
 
 void prepareToolkit() {
@@ -89,12 +100,17 @@ private:
     VantrelApp* program_ = nullptr;
 };
 
+void remarkOn(const SessionMeans& means) {
+    if (means.drawing == Means::xwayland) {
+        std::fputs(said(englishWaylandRemark, chineseWaylandRemark).c_str(), stderr);
+    } else if (means.drawing == Means::layerShell) {
+        std::fputs(said(englishLayerShellRemark, chineseLayerShellRemark).c_str(), stderr);
+    }
+}
+
 int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
     // A word to a terminal that has gone must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
-    if (connection.isXwayland()) {
-        std::fputs(said(englishWaylandRemark, chineseWaylandRemark).c_str(), stderr);
-    }
     TerminationSignals signals;
     ServerLoss serverLoss;
     prepareToolkit();
@@ -104,11 +120,12 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     vantrel::installPlainStyle();
     VantrelApp program(connection, commands, start.command, start.launched);
     serverLoss.setProgram(&program);
+    remarkOn(program.means());
     signals.deliverTo([] { QCoreApplication::exit(); });
     const int status = QApplication::exec();
     program.end();
     serverLoss.setProgram(nullptr);
-    if (connection.isLost() || !program.isSaved()) {
+    if (program.hasLostSession() || !program.isSaved()) {
         // The toolkit has nobody left to take leave of, or the disk does not answer.
         std::_Exit(EXIT_SUCCESS);
     }

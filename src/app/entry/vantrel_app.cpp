@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QSessionManager>
 
+#include <chrono>
 #include <utility>
 
 namespace vantrel {
@@ -37,29 +38,50 @@ VantrelApp::~VantrelApp() {
 
 Desktop VantrelApp::desktop() {
     if (connection_.isXwayland()) {
+        joinCompositor();
         joinWaylandSession();
     }
-    return {.clock = x11_.clock,
-            .mainQueue = mainQueue_,
-            .screens = x11_.screens,
-            .displayLinks = x11_.displayLinks,
-            .cursors = cursors_,
-            .pointer = x11_.pointer,
-            .eventMonitors = x11_.eventMonitors,
-            .keyboard = x11_.keyboard,
-            .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
-            .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
-            .overlayWindows = x11_.overlayWindows,
-            .transaction = x11_.transaction,
-            .locale = locale_,
-            .bundle = bundle_,
-            .userDefaults = defaults_,
-            .loginItem = loginItem_,
-            .workspace = workspace_,
-            .statusItem =
-                shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
-            .alertSound = x11_.alertSound,
-            .application = *this};
+    auto* wayland = wayland_ ? &*wayland_ : nullptr;
+    return {
+        .clock = x11_.clock,
+        .mainQueue = mainQueue_,
+        .screens = wayland ? static_cast<Screens&>(wayland->screens) : x11_.screens,
+        .displayLinks =
+            wayland ? static_cast<DisplayLinks&>(wayland->displayLinks) : x11_.displayLinks,
+        .cursors = cursors_,
+        .pointer = wayland ? static_cast<Pointer&>(wayland->pointer) : x11_.pointer,
+        .eventMonitors =
+            wayland ? static_cast<EventMonitors&>(wayland->eventMonitors) : x11_.eventMonitors,
+        .keyboard = x11_.keyboard,
+        .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
+        .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
+        .overlayWindows =
+            wayland ? static_cast<OverlayWindows&>(wayland->overlayWindows) : x11_.overlayWindows,
+        .transaction = wayland ? static_cast<Transaction&>(wayland->transaction) : x11_.transaction,
+        .locale = locale_,
+        .bundle = bundle_,
+        .userDefaults = defaults_,
+        .loginItem = loginItem_,
+        .workspace = workspace_,
+        .statusItem = shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
+        .alertSound = x11_.alertSound,
+        .application = *this};
+}
+
+void VantrelApp::joinCompositor() {
+    constexpr std::chrono::milliseconds limit(1000);
+    offer_.xwayland = true;
+    compositor_ = wayland::Connection::open({}, limit);
+    if (compositor_) {
+        offer_.layerShell = compositor_->hasLayerShell();
+        offer_.cursorSessions = compositor_->hasCursorSessions();
+    }
+    offer_ = heldTo(qgetenv("VANTREL_MEANS").toStdString(), offer_);
+    if (means().drawing == Means::layerShell) {
+        wayland_.emplace(*compositor_, x11_.clock);
+    } else {
+        compositor_.reset();
+    }
 }
 
 // Whichever compositor it turns out to be.
@@ -107,6 +129,9 @@ void VantrelApp::observeDesktop() {
         terminate();
     }));
     subscriptions_.push_back(connection_.lost.add([this] { terminate(); }));
+    if (compositor_) {
+        subscriptions_.push_back(compositor_->lost.add([this] { terminate(); }));
+    }
     QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &delegate_,
                      [this](Qt::ApplicationState state) {
                          if (state == Qt::ApplicationActive) {
@@ -169,8 +194,12 @@ void VantrelApp::activate(WId window) {
     x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
 }
 
-bool VantrelApp::inWaylandSession() const {
-    return connection_.isXwayland();
+std::string VantrelApp::compositor() const {
+    // sway leaves it to the one who starts it to name the session.
+    if (qEnvironmentVariableIsSet("SWAYSOCK")) {
+        return "sway";
+    }
+    return qgetenv("XDG_CURRENT_DESKTOP").split(':').value(0).toStdString();
 }
 
 void VantrelApp::end() {

@@ -16,10 +16,12 @@
 #include "platform/gnome/shell_status_item.h"
 #include "platform/kwin/desktop_shortcuts.h"
 #include "platform/kwin/kwin_script.h"
+#include "platform/wayland/desktop.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -39,14 +41,22 @@ public:
 
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
+    // By what marks are shown, as long as the desktop itself draws none.
+    [[nodiscard]] SessionMeans means() const { return meansOf(offer_); }
+    // Whether the session has gone, before all of its connections need be.
+    [[nodiscard]] bool hasLostSession() const {
+        return connection_.isLost() || (compositor_ && compositor_->isLost());
+    }
     // False after an end at which the disk did not take the save in time.
     [[nodiscard]] bool isSaved() const { return saved_; }
 
 private:
     void terminate() override;
     void activate(WId window) override;
-    [[nodiscard]] bool inWaylandSession() const override;
+    [[nodiscard]] std::string compositor() const override;
+    [[nodiscard]] SessionOffer offer() const override { return offer_; }
     [[nodiscard]] Desktop desktop();
+    void joinCompositor();
     void joinWaylandSession();
     [[nodiscard]] int keyOf(std::uint8_t keycode, std::uint32_t layout) const;
     [[nodiscard]] QString shortcutName(std::uint32_t number);
@@ -57,6 +67,10 @@ private:
     x11::Connection& connection_;
     CommandSocket& commands_;
     x11::X11Desktop x11_;
+    SessionOffer offer_;
+    // Where the compositor lets us draw and tells where the pointer is.
+    std::unique_ptr<wayland::Connection> compositor_;
+    std::optional<wayland::WaylandDesktop> wayland_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;
     AutostartLoginItem loginItem_;

@@ -61,6 +61,13 @@ void AppState::handleShortcut(CursorMode mode) {
     setMode(mode_.get() == mode ? CursorMode::off : mode);
 }
 
+SessionMeans AppState::means() const {
+    auto offer = desktop_.application.offer();
+    offer.marks = marks_.get() == MarksState::available;
+    offer.markedPresses = offer.marks && desktop_.marks.seesPresses();
+    return meansOf(offer);
+}
+
 bool AppState::wantsClicks() const {
     const auto& preferences = preferences_.get();
     const auto& click = preferences.click;

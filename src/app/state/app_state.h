@@ -51,6 +51,8 @@ public:
     // Of the marks that the desktop itself draws. While they are available they stand in for the
     // overlays and the click monitor.
     [[nodiscard]] const Observable<MarksState>& marks() const { return marks_; }
+    // By what marks are shown now.
+    [[nodiscard]] SessionMeans means() const;
     // False only when presses should be seen and cannot be.
     [[nodiscard]] const Observable<bool>& clickAvailable() const { return clickAvailable_; }
     // One of the hotkeyerror texts, if the shortcuts have a problem.

@@ -6,10 +6,23 @@ namespace vantrel {
 
 namespace {
 
-std::string whoDraws(const Marks& marks, bool inWaylandSession) {
-    return marks.state() == MarksState::available ? std::string(marks.drawer())
-           : inWaylandSession                     ? "xwayland"
-                                                  : "x11";
+// The marks are those of the desktop itself.
+std::optional<std::string> wordFor(Means means, const Marks& marks) {
+    switch (means) {
+    case Means::none:
+        return std::nullopt;
+    case Means::x11:
+        return "x11";
+    case Means::xwayland:
+        return "xwayland";
+    case Means::layerShell:
+        return "layer-shell";
+    case Means::cursorSession:
+        return "cursor-session";
+    case Means::desktop:
+        return std::string(marks.drawer());
+    }
+    return std::nullopt;
 }
 
 // Of a Wayland session, in which nobody else can draw them over everything.
@@ -39,11 +52,16 @@ std::optional<std::string> whatIsMissing(MarksState marks) {
 
 ProgramStatus programStatus(const AppState& state, const Desktop& desktop) {
     const auto marks = state.marks().get();
-    const bool inWaylandSession = desktop.application.inWaylandSession();
+    const auto means = state.means();
+    const auto word = [&](Means what) { return wordFor(what, desktop.marks); };
+    const bool drawnByXwayland = means.drawing == Means::xwayland;
     const auto& bundle = desktop.bundle;
     return {.mode = std::string(nameOf(state.mode().get())),
-            .marks = whoDraws(desktop.marks, inWaylandSession),
-            .marksMissing = inWaylandSession ? whatIsMissing(marks) : std::nullopt,
+            .marks = word(means.drawing).value_or(""),
+            .marksMissing = drawnByXwayland ? whatIsMissing(marks) : std::nullopt,
+            .pointer = word(means.pointer),
+            .presses = word(means.presses),
+            .shortcuts = word(means.shortcuts),
             .clickAvailable = state.clickAvailable().get(),
             .hotkeyError = state.hotkeyError().get(),
             .version = bundle.shortVersion().value_or(""),
@@ -57,6 +75,9 @@ std::string toJson(const ProgramStatus& status) {
     json["mode"] = status.mode;
     json["marks"] = status.marks;
     json["marksMissing"] = orNull(status.marksMissing);
+    json["pointer"] = orNull(status.pointer);
+    json["presses"] = orNull(status.presses);
+    json["shortcuts"] = orNull(status.shortcuts);
     json["clickAvailable"] = status.clickAvailable;
     json["hotkeyError"] = orNull(status.hotkeyError);
     json["version"] = status.version;
