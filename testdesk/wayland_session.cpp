@@ -5,7 +5,6 @@
 
 #include <fstream>
 #include <utility>
-#include <vector>
 
 #include <unistd.h>
 
@@ -25,7 +24,8 @@ std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
     return folder / "sway.config";
 }
 
-// sway refuses to run as root. As nobody, with the right to write where root does, it runs.
+} // namespace
+
 std::vector<std::string> swayCommand(const std::filesystem::path& configuration) {
     std::vector<std::string> command{"sway", "--config", configuration};
     if (geteuid() == 0) {
@@ -39,6 +39,8 @@ std::vector<std::string> swayCommand(const std::filesystem::path& configuration)
     }
     return command;
 }
+
+namespace {
 
 ChildProcess startSway(const PrivateServer& server, std::string& display) {
     const XConnection connection(server.display());

@@ -2,7 +2,9 @@
 
 #include "testdesk/private_server.h"
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vantrel::desktop {
 
@@ -20,5 +22,9 @@ private:
     std::string display_;
     ChildProcess compositor_;
 };
+
+// sway with that configuration. Root, as whom it refuses to run, becomes nobody for it, with the
+// right to write where root does.
+[[nodiscard]] std::vector<std::string> swayCommand(const std::filesystem::path& configuration);
 
 } // namespace vantrel::desktop

@@ -11,7 +11,7 @@
 namespace vantrel::desktop {
 
 // The largest difference of a picture from what the reference painter makes of the effect around
-// that pixel, over black: in pixels on an edge, and in all others.
+// that pixel, over black, as far as the picture goes: in pixels on an edge, and in all others.
 struct Differences {
     int onEdges = 0;
     int elsewhere = 0;
@@ -27,7 +27,7 @@ inline Differences differences(const QImage& picture, QPoint center, const Effec
     painter.scale(scale, scale);
     EffectDrawing::drawDiscs(painter, QPointF(half, half) / scale, effect);
     painter.end();
-    const QImage shown = picture.copy(center.x() - half, center.y() - half, 2 * half, 2 * half);
+    const QPoint corner = center - QPoint(half, half);
     const auto distance = [](QRgb one, QRgb other) {
         return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
                          std::abs(qBlue(one) - qBlue(other))});
@@ -35,13 +35,17 @@ inline Differences differences(const QImage& picture, QPoint center, const Effec
     Differences found;
     for (int y = 1; y < wanted.height() - 1; ++y) {
         for (int x = 1; x < wanted.width() - 1; ++x) {
+            const QPoint place = corner + QPoint(x, y);
+            if (!picture.rect().contains(place)) {
+                continue;
+            }
             const QRgb pixel = wanted.pixel(x, y);
             bool onEdge = false;
             for (const QPoint neighbour : {QPoint{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
                 onEdge = onEdge || distance(pixel, wanted.pixel(QPoint{x, y} + neighbour)) > 20;
             }
             int& most = onEdge ? found.onEdges : found.elsewhere;
-            most = std::max(most, distance(pixel, shown.pixel(x, y)));
+            most = std::max(most, distance(pixel, picture.pixel(place)));
         }
     }
     return found;

@@ -1,0 +1,237 @@
+#include "overlay/effect.h"
+#include "overlay/overlay_window_manager.h"
+#include "platform/system_clock.h"
+#include "support/event_loop.h"
+#include "support/mark_pixels.h"
+#include "testdesk/client_window.h"
+#include "testdesk/core_application.h"
+#include "testdesk/headless/wayland_with_memory.h"
+#include "testdesk/sway_session.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <linux/input-event-codes.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Debian 12 and 13 have a sway that tells no program where the pointer is.
+#define SKIP_WITHOUT_CURSOR_SESSIONS()                                                             \
+    if (!SwaySession::followsPointers()) {                                                         \
+        GTEST_SKIP() << "this sway has no cursor sessions";                                        \
+    }
+
+AppPreferences strongly() {
+    AppPreferences preferences;
+    preferences.highlight.opacity = 0.9;
+    return preferences;
+}
+
+// The overlays of this process in a session.
+class Overlays {
+public:
+    explicit Overlays(const SwaySession& session)
+        : connection_(wayland::Connection::open(session.socket(), 5s)),
+          wayland_(*connection_, clock_),
+          manager_(desktopOn(wayland_, clock_, rest_.mainQueue, rest_)) {}
+
+    void show(CursorMode mode, const AppPreferences& preferences) {
+        manager_.apply(mode, preferences);
+    }
+    [[nodiscard]] std::optional<GlobalPoint> pointer() { return wayland_.pointer.location(); }
+
+private:
+    SystemClock clock_;
+    headless::Desktop rest_;
+    std::unique_ptr<wayland::Connection> connection_;
+    wayland::WaylandDesktop wayland_;
+    OverlayWindowManager manager_;
+};
+
+// Waits until the output shows the effect around that pixel.
+testing::AssertionResult shows(const SwaySession& session, const Effect& effect, QPoint pixel,
+                               double scale = 1, int output = 1) {
+    Differences last;
+    const bool shown = runUntil([&] {
+        last = differences(session.picture(output), pixel, effect, scale);
+        return last.elsewhere <= 6 && last.onEdges <= 60;
+    });
+    return shown ? testing::AssertionSuccess()
+                 : testing::AssertionFailure()
+                       << "differs by " << last.elsewhere << ", on edges by " << last.onEdges;
+}
+
+bool isBlack(const QImage& picture) {
+    QImage black(picture.size(), picture.format());
+    black.fill(Qt::black);
+    return picture == black;
+}
+
+class SwayLookTest : public testing::TestWithParam<double> {};
+
+TEST_P(SwayLookTest, ShowsEachEffectOnTheDisplaysPixels) {
+    SKIP_WITHOUT_CURSOR_SESSIONS();
+    const CoreApplication application;
+    const double scale = GetParam();
+    const SwaySession session({{.pixels = {1200, 900}, .scale = scale}});
+    Overlays overlays(session);
+    auto preferences = strongly();
+    // At an odd point no pixel of a display at one and a half begins.
+    for (const QPoint place : {QPoint(200, 100), QPoint(301, 203)}) {
+        session.moveTo(place);
+        const QPoint pixel((QPointF(place) * scale).toPoint());
+        for (const auto style :
+             {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
+            preferences.highlight.style = style;
+            overlays.show(CursorMode::highlight, preferences);
+            EXPECT_TRUE(shows(session, effectOf(CursorMode::highlight, preferences), pixel, scale))
+                << static_cast<int>(style);
+        }
+        overlays.show(CursorMode::laser, preferences);
+        EXPECT_TRUE(shows(session, effectOf(CursorMode::laser, preferences), pixel, scale));
+    }
+    overlays.show(CursorMode::off, preferences);
+    EXPECT_TRUE(runUntil([&] { return isBlack(session.picture()); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, SwayLookTest, testing::Values(1, 1.5, 2));
+
+TEST(SwayTest, CutsTheMarkAtTheBorderOfTwoDisplaysAndFollowsTheirComingAndGoing) {
+    SKIP_WITHOUT_CURSOR_SESSIONS();
+    const CoreApplication application;
+    const SwaySession session(
+        {{.pixels = {1200, 600}, .scale = 1.5}, {.pixels = {800, 600}, .place = {800, 0}}});
+    Overlays overlays(session);
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    overlays.show(CursorMode::highlight, strongly());
+    // What a display shows of a mark on another one is a part of the same disc.
+    session.moveTo({790, 200});
+    EXPECT_TRUE(shows(session, effect, {1185, 300}, 1.5, 1));
+    EXPECT_TRUE(shows(session, effect, {-10, 200}, 1, 2));
+    session.moveTo({810, 200});
+    EXPECT_TRUE(shows(session, effect, {1215, 300}, 1.5, 1));
+    EXPECT_TRUE(shows(session, effect, {10, 200}, 1, 2));
+
+    session.command("output HEADLESS-2 disable");
+    session.moveTo({400, 200});
+    EXPECT_TRUE(shows(session, effect, {600, 300}, 1.5, 1));
+    session.command("output HEADLESS-1 scale 1");
+    session.command("output HEADLESS-2 enable");
+    session.moveTo({410, 200});
+    EXPECT_TRUE(shows(session, effect, {410, 200}, 1, 1));
+}
+
+// The compositor then paints the pointer into the picture itself, and tells nobody where.
+TEST(SwayTest, HidesWhileThePointerIsRecordedAndComesBack) {
+    SKIP_WITHOUT_CURSOR_SESSIONS();
+    const CoreApplication application;
+    const SwaySession session;
+    Overlays overlays(session);
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    overlays.show(CursorMode::highlight, strongly());
+    session.moveTo({400, 300});
+    EXPECT_TRUE(shows(session, effect, {400, 300}));
+    session.recordWithPointer();
+    EXPECT_TRUE(runUntil([&] { return !overlays.pointer(); }));
+    EXPECT_TRUE(runUntil([&] { return session.picture().pixel(380, 300) == 0xFF000000; }));
+    session.command("seat seat0 xcursor_theme default 48");
+    EXPECT_TRUE(shows(session, effect, {400, 300}));
+}
+
+// The program in a session.
+class SwayProgram {
+public:
+    explicit SwayProgram(const SwaySession& session) : session_(session) {
+        writePreferences(session.folder() / "config", preferencesShowing("highlight"));
+        program_.emplace(start({}));
+    }
+
+    [[nodiscard]] nlohmann::json status() const {
+        start({"status", "--json"}).wait(10s);
+        return nlohmann::json::parse(readFile(session_.folder() / "--json.out"), nullptr, false);
+    }
+    // Waits for it.
+    [[nodiscard]] bool isUp() const {
+        return waitFor([&] { return status().is_object(); }, 20s);
+    }
+    void command(const std::string& word) const { start({word}).wait(10s); }
+    [[nodiscard]] std::optional<ExitStatus> wait() { return program_->wait(10s); }
+    [[nodiscard]] std::string errors() const { return readFile(session_.folder() / "vantrel.err"); }
+
+private:
+    [[nodiscard]] ChildProcess start(std::vector<std::string> words) const {
+        words.insert(words.begin(), VANTREL_PROGRAM);
+        const auto log = session_.folder() / std::filesystem::path(words.back()).filename();
+        return ChildProcess({.arguments = words,
+                             .environment = session_.environment(),
+                             .output = log.string() + ".out",
+                             .errors = log.string() + ".err"});
+    }
+
+    const SwaySession& session_;
+    std::optional<ChildProcess> program_;
+};
+
+TEST(SwayTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks) {
+    SKIP_WITHOUT_CURSOR_SESSIONS();
+    SwaySession session;
+    session.moveTo({100, 100});
+    SwayProgram program(session);
+    ASSERT_TRUE(program.isUp());
+    const auto status = program.status();
+    EXPECT_EQ(status.at("marks"), "layer-shell");
+    EXPECT_EQ(status.at("marksMissing"), nullptr);
+    EXPECT_EQ(status.at("pointer"), "cursor-session");
+    EXPECT_EQ(status.at("presses"), nullptr);
+    EXPECT_EQ(status.at("shortcuts"), "xwayland");
+    EXPECT_EQ(status.at("clickAvailable"), false);
+
+    constexpr QRgb blue = 0xFF204080;
+    ClientWindow below(session.display(),
+                       {.color = blue, .overrideRedirect = false, .fullScreen = true});
+    session.moveTo({400, 300});
+    const auto isMarked = [&] {
+        const auto picture = session.picture();
+        return picture.pixel(100, 100) == blue && picture.pixel(385, 300) != blue;
+    };
+    EXPECT_TRUE(waitFor(isMarked));
+    session.click(BTN_LEFT);
+    EXPECT_TRUE(waitFor([&] { return below.events().size() == 2; }));
+
+    program.command("off");
+    EXPECT_TRUE(waitFor([&] { return session.picture().pixel(385, 300) == blue; }));
+    program.command("highlight");
+    EXPECT_TRUE(waitFor(isMarked));
+    session.stop();
+    EXPECT_EQ(program.wait(), (ExitStatus{.code = 0})) << program.errors();
+}
+
+TEST(SwayTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer) {
+    if (SwaySession::followsPointers()) {
+        GTEST_SKIP() << "this sway has cursor sessions";
+    }
+    const SwaySession session;
+    const SwayProgram program(session);
+    ASSERT_TRUE(program.isUp());
+    const auto status = program.status();
+    for (const auto* means : {"marks", "pointer", "presses", "shortcuts"}) {
+        EXPECT_EQ(status.at(means), "xwayland") << means;
+    }
+    EXPECT_EQ(status.at("marksMissing"), "desktop");
+    session.moveTo({400, 300});
+    const auto picture = session.picture();
+    EXPECT_EQ(picture.pixel(380, 300), picture.pixel(10, 10));
+    EXPECT_NE(program.errors().find("In a Wayland session"), std::string::npos);
+}
+
+} // namespace
+} // namespace vantrel::desktop
