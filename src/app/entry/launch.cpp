@@ -17,6 +17,9 @@
 #include <cstdlib>
 #include <optional>
 #include <string_view>
+#include <thread>
+
+#include <unistd.h>
 
 namespace vantrel {
 namespace {
@@ -53,6 +56,10 @@ constexpr std::string_view chineseLayerShellRemark =
 
 constexpr std::chrono::seconds busTimeout(1);
 
+// For whoever starts Xwayland to take connections again; where the session goes on, they wait there
+// already.
+constexpr std::chrono::seconds returnTimeout(2);
+
 void prepareToolkit() {
     // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
     if (sessionBusIsSilent(busTimeout)) {
@@ -70,16 +77,22 @@ void prepareToolkit() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
+bool isServerThere() {
+    x11::ConnectionError error;
+    return x11::Connection::open({}, error) != nullptr;
+}
+
 // When the X server goes away, the toolkit ends the process at once, as a failure, and with all
-// that it has on its stack. The end of a session is none.
+// that it has on its stack. The end of a session is none. But a compositor that starts anew takes
+// its Xwayland with it and leaves the session: then the program starts anew as well.
 class ServerLoss {
 public:
-    ServerLoss() {
+    explicit ServerLoss(bool isXwayland) : mayReturn_(isXwayland) {
         current_ = this;
         std::atexit([] {
             if (current_ != nullptr) {
                 current_->endProgram();
-                std::_Exit(EXIT_SUCCESS);
+                current_->leave();
             }
         });
     }
@@ -88,6 +101,23 @@ public:
     ServerLoss& operator=(const ServerLoss&) = delete;
 
     void setProgram(VantrelApp* program) { program_ = program; }
+    // With nothing left to save.
+    [[noreturn]] void leave() const {
+        using Clock = std::chrono::steady_clock;
+        if (mayReturn_) {
+            sigset_t none;
+            sigemptyset(&none);
+            pthread_sigmask(SIG_SETMASK, &none, nullptr);
+            const auto end = Clock::now() + returnTimeout;
+            while (Clock::now() < end) {
+                if (isServerThere()) {
+                    execl("/proc/self/exe", "vantrel", nullptr);
+                }
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            }
+        }
+        std::_Exit(EXIT_SUCCESS);
+    }
 
 private:
     void endProgram() {
@@ -97,6 +127,7 @@ private:
     }
 
     static inline ServerLoss* current_ = nullptr;
+    const bool mayReturn_;
     VantrelApp* program_ = nullptr;
 };
 
@@ -112,7 +143,7 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     // A word to a terminal that has gone must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
     TerminationSignals signals;
-    ServerLoss serverLoss;
+    ServerLoss serverLoss(connection.isXwayland());
     prepareToolkit();
     // The arguments are the program's; the toolkit would take some of its own out of them.
     int toolkitArgc = std::min(start.argc, 1);
@@ -125,6 +156,9 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     const int status = QApplication::exec();
     program.end();
     serverLoss.setProgram(nullptr);
+    if (connection.isLost()) {
+        serverLoss.leave();
+    }
     if (program.hasLostSession() || !program.isSaved()) {
         // The toolkit has nobody left to take leave of, or the disk does not answer.
         std::_Exit(EXIT_SUCCESS);

@@ -79,8 +79,9 @@ void ImageWriter::put(xcb_drawable_t drawable, const QImage& picture, const QRec
     const auto pixelBytes = static_cast<std::size_t>(picture.depth()) / 8;
     const auto usedBytes = static_cast<std::size_t>(area.width()) * pixelBytes;
     const auto rowBytes = (usedBytes + 3) / 4 * 4;
-    const auto longest =
-        std::size_t{xcb_get_maximum_request_length(connection_.xcb())} * 4 - requestHead;
+    // Nothing, once the connection is lost.
+    const auto longestRequest = std::size_t{xcb_get_maximum_request_length(connection_.xcb())} * 4;
+    const auto longest = std::max(longestRequest, requestHead) - requestHead;
     const int rowsAtOnce = static_cast<int>(std::max(longest / rowBytes, std::size_t{1}));
     for (int top = area.top(); top <= area.bottom(); top += rowsAtOnce) {
         const int rows = std::min(rowsAtOnce, area.bottom() + 1 - top);
