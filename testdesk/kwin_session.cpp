@@ -118,10 +118,8 @@ KWinSession::~KWinSession() {
 
 void KWinSession::start() {
     const auto& folder = folder_.path();
-    std::vector<std::string> arguments{folder / "kwin_wayland",
+    std::vector<std::string> arguments{"kwin_wayland_wrapper",
                                        "--no-lockscreen",
-                                       "--socket",
-                                       "wayland-0",
                                        "--width",
                                        std::to_string(outputSize.width),
                                        "--height",
@@ -140,10 +138,10 @@ void KWinSession::start() {
         std::ofstream(tell) << "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY.\" >" << folder / "display"
                             << "\n";
         std::filesystem::permissions(tell, std::filesystem::perms::owner_all);
-        std::filesystem::remove(folder / "display");
         arguments.insert(arguments.end(), {"--xwayland", tell});
     }
     auto environment = environment_;
+    environment["PATH"] = folder.string() + ":" + environment["PATH"];
     environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
     // Without it there are no effects where nothing but the processor draws.
@@ -155,22 +153,26 @@ void KWinSession::start() {
                           .output = folder / "kwin.out",
                           .errors = folder / "kwin.err",
                           .signalOnParentDeath = SIGTERM});
+    awaitReady();
+}
+
+void KWinSession::awaitReady() {
     const auto isReady = [&] {
         return bus_.interface()->isServiceRegistered(kwinService).value() &&
-               (!options_.xwayland || readFile(folder / "display").ends_with(".\n"));
+               (!options_.xwayland || readFile(folder() / "display").ends_with(".\n"));
     };
     if (!waitFor([&] { return !kwin_->running() || isReady(); }, 30s) || !kwin_->running()) {
-        throw std::runtime_error("KWin did not start: " + readFile(folder / "kwin.err"));
+        throw std::runtime_error("KWin did not start: " + readFile(folder() / "kwin.err"));
     }
-    input_.emplace(folder / "runtime/wayland-0");
+    input_.emplace(folder() / "runtime/wayland-0");
 }
 
 void KWinSession::restart() {
     input_.reset();
-    kwin_->signal(SIGKILL);
-    kwin_->wait(10s);
-    std::filesystem::remove(folder() / "runtime/wayland-0");
-    start();
+    std::filesystem::remove(folder() / "display");
+    kill(static_cast<pid_t>(bus_.interface()->servicePid(kwinService).value()), SIGKILL);
+    waitFor([&] { return !bus_.interface()->isServiceRegistered(kwinService).value(); });
+    awaitReady();
 }
 
 Environment KWinSession::environment() const {

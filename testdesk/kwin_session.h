@@ -52,7 +52,7 @@ public:
     // What all displays show, without the pointer, in their scale.
     [[nodiscard]] QImage picture() const;
     void click(int button) const;
-    // Kills KWin, and starts it anew.
+    // Kills KWin, which the session then starts anew.
     void restart();
 
     // Waits for the answer; throws what the other side objects.
@@ -61,6 +61,7 @@ public:
 
 private:
     void start();
+    void awaitReady();
 
     Options options_;
     int version_;

@@ -154,7 +154,9 @@ TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
     }
     EXPECT_TRUE(comes([&] { return isRinged(200) && !isRinged(100); }));
     // A menu of an X program.
-    const ClientWindow menu(session.environment().at("DISPLAY"),
+    const auto environment = session.environment();
+    setenv("XAUTHORITY", environment.at("XAUTHORITY").c_str(), 1);
+    const ClientWindow menu(environment.at("DISPLAY"),
                             {.area = {700, 300, 200, 200}, .color = 0xFF0000FF});
     session.moveTo(800, 400);
     EXPECT_TRUE(comes(
@@ -268,6 +270,9 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     writePreferences(session.folder() / "config", stored);
     program.emplace(start({"--settings"}));
     EXPECT_TRUE(tells("hotkeyError", "registration")); // KWin's own
+    session.restart();
+    session.moveTo(300, 300);
+    EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
     start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return !session.isLoaded(); }));
     const auto isClean = [&](const char* file) {
