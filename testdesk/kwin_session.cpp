@@ -9,6 +9,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <stdexcept>
@@ -77,6 +78,27 @@ private:
     std::string bytes_;
     std::thread thread_;
 };
+
+// They lie one over the other at first, in the order in which they were made.
+void placeOutputs(const std::string& display) {
+    const XConnection connection(display);
+    const auto tree = ownReply(xcb_query_tree_reply(
+        connection.get(), xcb_query_tree(connection.get(), connection.root()), nullptr));
+    const auto* windows = xcb_query_tree_children(tree.get());
+    std::vector<xcb_window_t> outputs(windows,
+                                      windows + xcb_query_tree_children_length(tree.get()));
+    std::ranges::sort(outputs);
+    std::uint32_t x = 0;
+    for (const auto output : outputs) {
+        const auto geometry = ownReply(xcb_get_geometry_reply(
+            connection.get(), xcb_get_geometry(connection.get(), output), nullptr));
+        if (geometry && geometry->width >= outputSize.width) {
+            xcb_configure_window(connection.get(), output, XCB_CONFIG_WINDOW_X, &x);
+            x += geometry->width;
+        }
+    }
+    connection.sync();
+}
 
 } // namespace
 
@@ -165,6 +187,9 @@ void KWinSession::awaitReady() {
         throw std::runtime_error("KWin did not start: " + readFile(folder() / "kwin.err"));
     }
     input_.emplace(folder() / "runtime/wayland-0");
+    if (screen_) {
+        placeOutputs(screen_->display());
+    }
 }
 
 void KWinSession::restart() {

