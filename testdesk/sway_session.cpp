@@ -115,9 +115,7 @@ private:
     std::uint32_t time_ = 0; // in milliseconds, which only have to go up
 };
 
-SwaySession::SwaySession(const std::vector<SwayOutput>& outputs) : compositor_(start(outputs)) {
-    mouse_ = std::make_unique<Mouse>(socket());
-}
+SwaySession::SwaySession(const std::vector<SwayOutput>& outputs) : compositor_(start(outputs)) {}
 
 SwaySession::~SwaySession() = default;
 
@@ -197,11 +195,14 @@ void SwaySession::command(const std::string& words) const {
     run({"swaymsg", words});
 }
 
-void SwaySession::moveTo(QPoint place) const {
+void SwaySession::moveTo(QPoint place) {
+    if (!mouse_) {
+        mouse_ = std::make_unique<Mouse>(socket());
+    }
     mouse_->moveTo(place);
 }
 
-void SwaySession::click(std::uint32_t button) const {
+void SwaySession::click(std::uint32_t button) {
     mouse_->click(button);
 }
 

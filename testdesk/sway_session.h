@@ -20,7 +20,8 @@ struct SwayOutput {
     QPoint place{0, 0};
 };
 
-// sway as a Wayland session without a screen, with an Xwayland, over a black desktop.
+// sway as a Wayland session without a screen, with an Xwayland, over a black desktop. It has no
+// pointer before that is first moved.
 class SwaySession {
 public:
     // Throws when it does not come up.
@@ -48,8 +49,8 @@ public:
     void command(const std::string& words) const;
 
     // In points, from the corner of the output at 0, 0.
-    void moveTo(QPoint place) const;
-    void click(std::uint32_t button) const; // a code of Linux, as BTN_LEFT
+    void moveTo(QPoint place);
+    void click(std::uint32_t button); // a code of Linux, as BTN_LEFT
 
     // Ends it before its time.
     void stop() { compositor_.terminate(); }
