@@ -26,9 +26,6 @@ Span cover(int start, int length, int display, double scale) {
         return {};
     }
     Span span{static_cast<int>(first / scale), static_cast<int>(end / scale)};
-    while (pixelOf(span.first, scale) > first) {
-        --span.first;
-    }
     while (pixelOf(span.end, scale) < end) {
         ++span.end;
     }
