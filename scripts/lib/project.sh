@@ -18,7 +18,7 @@ package_packages=(dpkg-dev file)
 display_packages=(x11-utils)
 # The private desktop of the tests, the demo and the screenshots.
 desktop_packages=(
-    libwayland-dev libxcb-res0-dev libxcb-xtest0-dev
+    libxcb-res0-dev libxcb-xtest0-dev
     openbox picom xvfb
 )
 # GNOME Shell without the rest of GNOME, and what a window in it needs.

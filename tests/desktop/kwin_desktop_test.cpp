@@ -280,6 +280,18 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     session.restart();
     session.moveTo(300, 300);
     EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
+
+    // The program does not know where its item was clicked.
+    session.moveTo(600, 100);
+    session.call(QStringLiteral("org.vantrel.Vantrel"), QStringLiteral("/StatusNotifierItem"),
+                 "org.kde.StatusNotifierItem", "Activate", {0, 0});
+    EXPECT_TRUE(waitFor([&] {
+        const auto panels = session.evaluate(
+            "(workspace.windowList ? workspace.windowList() : workspace.clientList())"
+            ".filter(window => window.utility).map(window => window.frameGeometry)");
+        return panels.size() == 1 && panels[0]["y"] == 108 && panels[0]["x"] > 400 &&
+               panels[0]["x"] < 600;
+    }));
     start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
     const auto isClean = [&](const char* file) {
