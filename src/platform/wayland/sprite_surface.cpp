@@ -52,11 +52,13 @@ bool SpriteSurface::write(const QImage& picture) {
 }
 
 SharedPicture* SpriteSurface::freePicture(QSize size) {
-    std::erase_if(pictures_, [size](const auto& picture) {
-        return picture->isFree() && picture->size() != size;
+    // Not the one that shows: there may be no memory for another.
+    std::erase_if(pictures_, [&](const auto& picture) {
+        return picture->isFree() && picture->size() != size && picture.get() != picture_;
     });
-    const auto found =
-        std::ranges::find_if(pictures_, [](const auto& picture) { return picture->isFree(); });
+    const auto found = std::ranges::find_if(pictures_, [size](const auto& picture) {
+        return picture->isFree() && picture->size() == size;
+    });
     if (found != pictures_.end()) {
         return found->get();
     }
@@ -95,7 +97,7 @@ bool SpriteSurface::unmap() {
 }
 
 void SpriteSurface::attach() {
-    const QRect damage = sent_ ? std::exchange(damage_, {}) : QRect({0, 0}, picture_->size());
+    const QRect damage = sent_ ? damage_ : QRect({0, 0}, picture_->size());
     damage_ = {};
     wl_surface_attach(surface_.get(), picture_->use(), 0, 0);
     wl_surface_damage_buffer(surface_.get(), damage.x(), damage.y(), damage.width(),
