@@ -37,6 +37,8 @@ class WaylandScreens final : public Screens, private BatchHandler {
 public:
     explicit WaylandScreens(Connection& connection);
     ~WaylandScreens() override;
+    WaylandScreens(const WaylandScreens&) = delete;
+    WaylandScreens& operator=(const WaylandScreens&) = delete;
 
     [[nodiscard]] const std::vector<Screen>& list() const override { return screens_; }
     Subscription onChange(std::function<void()> callback) override;
