@@ -24,12 +24,12 @@ constexpr std::array syntaxes{
     Syntax{"sway", {"Ctrl+", "Mod1+", "Shift+", "Mod4+"}, "bindsym %m%k exec %c"},
     Syntax{"labwc",
            {"C-", "A-", "S-", "W-"},
-           "<keybind key=\"%m%k\"><action name=\"Execute\" command=\"%c\"/></keybind>"},
+           R"(<keybind key="%m%k"><action name="Execute" command="%c"/></keybind>)"},
     Syntax{"niri", {"Ctrl+", "Alt+", "Shift+", "Super+"}, "%m%k { spawn %w; }"},
     Syntax{"Hyprland", {"CTRL ", "ALT ", "SHIFT ", "SUPER "}, "bind = %m, %k, exec, %c", " "},
     Syntax{"river",
            {"Control+", "Alt+", "Shift+", "Super+"},
-           "riverctl map normal %m %k spawn \"%c\"",
+           R"(riverctl map normal %m %k spawn "%c")",
            "+"},
 };
 
@@ -51,7 +51,7 @@ std::optional<std::string> keyName(std::string_view display) {
 std::string inQuotes(std::string_view command) {
     std::string words = "\"";
     for (const char c : command) {
-        words += c == ' ' ? std::string("\" \"") : std::string(1, c);
+        words += c == ' ' ? std::string(R"(" ")") : std::string(1, c);
     }
     return words + "\"";
 }
