@@ -140,7 +140,7 @@ TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
     const auto window = session.startFullScreenWindow();
     Script script(session);
     Effect effect = effectOf(CursorMode::highlight, strongly());
-    effect.left->duration = 30;
+    effect.left->duration = 60; // hardly faded by the time that it is looked at
     effect.left->endDiameter = effect.left->startDiameter;
     script.marks.show(effect);
     EXPECT_TRUE(comes([&] { return session.isMarked() && session.hearsPresses(); }));
@@ -264,11 +264,12 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     EXPECT_TRUE(waitFor([&] { return keys(KEY_K) == 1; }));
     EXPECT_EQ(keys(KEY_L), 0);
 
-    // However it ends, all of it is gone, and the keys are the window's.
+    // However it ends, all of it is gone, and the keys are the window's. A machine with nothing
+    // else to do needs less than half a second.
     const auto killed = std::chrono::steady_clock::now();
     program->signal(SIGKILL);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
-    EXPECT_LT(std::chrono::steady_clock::now() - killed, 500ms);
+    EXPECT_LT(std::chrono::steady_clock::now() - killed, 2s);
     EXPECT_TRUE(waitFor([&] {
         type(KEY_L);
         return waitFor([&] { return keys(KEY_L) > 0; }, 500ms);
