@@ -32,6 +32,8 @@ public:
     // does not look there.
     KWinScript(QDBusConnection bus, std::filesystem::path dataFolder, Paint paint);
     ~KWinScript() override;
+    KWinScript(const KWinScript&) = delete;
+    KWinScript& operator=(const KWinScript&) = delete;
 
     [[nodiscard]] MarksState state() const override { return state_; }
     [[nodiscard]] std::string_view drawer() const override { return "kwin"; }
