@@ -227,7 +227,15 @@ TEST_F(AppStateTest, ReportsWhatBecameOfTheLoginItem) {
     desktop.loginItem.registered = LoginItemStatus::requiresApproval;
     state->setLaunchAtLogin(true);
     EXPECT_FALSE(state->preferences().get().launchAtLogin);
-    EXPECT_EQ(message(), "Approve this app in System Settings → General → Login Items.");
+    const auto* const approval = "Approve this app in System Settings → General → Login Items.";
+    EXPECT_EQ(message(), approval);
+    desktop.loginItem.registered = LoginItemStatus::enabled;
+    state->setLaunchAtLogin(true);
+    EXPECT_EQ(message(), approval);
+    std::vector<std::optional<std::string>> told;
+    const auto watching =
+        state->systemMessage().observe([&](const auto& text) { told.push_back(text); });
+    EXPECT_EQ(told, std::vector{message()});
 
     change([](AppPreferences& preferences) { preferences.language = AppLanguage::chinese; });
     desktop.loginItem.refuses = true;
