@@ -251,8 +251,7 @@ void KWinScript::setScales(const QVariantList& scales) {
         }
     }
     std::ranges::sort(sound);
-    const auto [first, last] = std::ranges::unique(sound);
-    sound.erase(first, last);
+    sound.erase(std::unique(sound.begin(), sound.end()), sound.end());
     if (!sound.empty() && sound != scales_) {
         scales_ = sound;
         renewMessage();
