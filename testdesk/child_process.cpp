@@ -162,6 +162,25 @@ Environment minimalEnvironment() {
     return environment;
 }
 
+Environment environmentIn(const std::filesystem::path& folder) {
+    auto environment = minimalEnvironment();
+    environment["HOME"] = folder;
+    environment["XDG_CACHE_HOME"] = folder / "cache";
+    environment["XDG_CONFIG_HOME"] = folder / "config";
+    environment["XDG_DATA_HOME"] = folder / "data";
+    environment["XDG_STATE_HOME"] = folder / "state";
+    environment["XDG_RUNTIME_DIR"] = folder / "runtime";
+    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+    environment["DBUS_SYSTEM_BUS_ADDRESS"] = "disabled:";
+    environment["NO_AT_BRIDGE"] = "1";
+    return environment;
+}
+
+void makeRuntimeFolder(const std::filesystem::path& folder) {
+    std::filesystem::create_directory(folder / "runtime");
+    std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+}
+
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

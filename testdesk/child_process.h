@@ -56,6 +56,11 @@ private:
 // What a program needs to find its way: PATH, a UTF-8 locale, and the options of the sanitizers.
 [[nodiscard]] Environment minimalEnvironment();
 
+// The same with a home below that folder, and away from all buses.
+[[nodiscard]] Environment environmentIn(const std::filesystem::path& folder);
+// What must be there of such a home: the folder for sockets.
+void makeRuntimeFolder(const std::filesystem::path& folder);
+
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
 
 } // namespace vantrel::desktop

@@ -19,13 +19,7 @@ constexpr auto inputInterface = "org.gnome.Mutter.RemoteDesktop.Session";
 
 Environment environmentFor(const std::filesystem::path& folder, const PrivateBus& systemBus,
                            const PrivateBus& sessionBus, const std::filesystem::path& dataFolder) {
-    auto environment = minimalEnvironment();
-    environment["HOME"] = folder;
-    environment["XDG_CACHE_HOME"] = folder / "cache";
-    environment["XDG_CONFIG_HOME"] = folder / "config";
-    environment["XDG_DATA_HOME"] = folder / "data";
-    environment["XDG_STATE_HOME"] = folder / "state";
-    environment["XDG_RUNTIME_DIR"] = folder / "runtime";
+    auto environment = environmentIn(folder);
     environment["XDG_DATA_DIRS"] = dataFolder.string() + ":/usr/local/share:/usr/share";
     environment["XDG_SESSION_TYPE"] = "wayland";
     environment["XDG_CURRENT_DESKTOP"] = "GNOME";
@@ -33,7 +27,6 @@ Environment environmentFor(const std::filesystem::path& folder, const PrivateBus
     environment["DBUS_SESSION_BUS_ADDRESS"] = sessionBus.address();
     environment["GSETTINGS_BACKEND"] = "keyfile";
     environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
-    environment["NO_AT_BRIDGE"] = "1";
     return environment;
 }
 
@@ -57,8 +50,7 @@ void writeSettings(const std::filesystem::path& folder, int scale, bool inPoints
                                         << (inPoints ? "experimental-features="
                                                        "['scale-monitor-framebuffer']\n"
                                                      : "");
-    std::filesystem::create_directory(folder / "runtime");
-    std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+    makeRuntimeFolder(folder);
     // Without it the shell ends, as it could not start an Xwayland.
     std::filesystem::create_directory("/tmp/.X11-unix");
     if (std::error_code error; std::filesystem::is_directory("/tmp/.X11-unix", error)) {
@@ -278,16 +270,7 @@ void GnomeSession::inputCall(const char* method, const QVariantList& arguments) 
 
 QDBusMessage GnomeSession::call(const char* service, const QString& path, const char* interface,
                                 const char* method, const QVariantList& arguments) const {
-    auto message =
-        QDBusMessage::createMethodCall(QString::fromLatin1(service), path,
-                                       QString::fromLatin1(interface), QString::fromLatin1(method));
-    message.setArguments(arguments);
-    auto answer = bus_.call(message);
-    if (answer.type() == QDBusMessage::ErrorMessage) {
-        throw std::runtime_error(answer.errorName().toStdString() + ": " +
-                                 answer.errorMessage().toStdString());
-    }
-    return answer;
+    return callOn(bus_, QString::fromLatin1(service), path, interface, method, arguments);
 }
 
 } // namespace vantrel::desktop

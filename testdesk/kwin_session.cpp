@@ -109,22 +109,13 @@ KWinSession::KWinSession(const Options& options)
       bus_(QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()),
                                          QString::fromStdString(sessionBus_.address()))) {
     const auto& folder = folder_.path();
-    environment_ = minimalEnvironment();
-    environment_["HOME"] = folder;
-    environment_["XDG_CACHE_HOME"] = folder / "cache";
-    environment_["XDG_CONFIG_HOME"] = folder / "config";
-    environment_["XDG_DATA_HOME"] = folder / "data";
-    environment_["XDG_STATE_HOME"] = folder / "state";
-    environment_["XDG_RUNTIME_DIR"] = folder / "runtime";
+    environment_ = environmentIn(folder);
     environment_["XDG_DATA_DIRS"] = options.dataFolder.string() + ":/usr/local/share:/usr/share";
     environment_["XDG_SESSION_TYPE"] = "wayland";
     environment_["XDG_CURRENT_DESKTOP"] = "KDE";
     environment_["DBUS_SESSION_BUS_ADDRESS"] = sessionBus_.address();
-    environment_["DBUS_SYSTEM_BUS_ADDRESS"] = "disabled:";
     environment_["LIBGL_ALWAYS_SOFTWARE"] = "1";
-    environment_["NO_AT_BRIDGE"] = "1";
-    std::filesystem::create_directories(folder / "runtime");
-    std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+    makeRuntimeFolder(folder);
     // A copy has no capabilities, in the presence of which KWin takes no options from outside.
     std::filesystem::copy_file(pathOf("kwin_wayland"), folder / "kwin_wayland");
     if (version_ > 5) {
@@ -306,15 +297,7 @@ void KWinSession::click(int button) const {
 
 QDBusMessage KWinSession::call(const QString& service, const QString& path, const char* interface,
                                const char* method, const QVariantList& arguments) const {
-    auto message = QDBusMessage::createMethodCall(service, path, QString::fromLatin1(interface),
-                                                  QString::fromLatin1(method));
-    message.setArguments(arguments);
-    auto answer = bus_.call(message);
-    if (answer.type() == QDBusMessage::ErrorMessage) {
-        throw std::runtime_error(answer.errorName().toStdString() + ": " +
-                                 answer.errorMessage().toStdString());
-    }
-    return answer;
+    return callOn(bus_, service, path, interface, method, arguments);
 }
 
 } // namespace vantrel::desktop

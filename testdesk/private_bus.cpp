@@ -60,6 +60,19 @@ sockaddr_un nameOf(const std::string& address) {
 PrivateBus::PrivateBus(const std::filesystem::path& socket)
     : address_("unix:path=" + socket.string()), process_(startBus(socket, address_)) {}
 
+QDBusMessage callOn(const QDBusConnection& bus, const QString& service, const QString& path,
+                    const char* interface, const char* method, const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(service, path, QString::fromLatin1(interface),
+                                                  QString::fromLatin1(method));
+    message.setArguments(arguments);
+    auto answer = bus.call(message);
+    if (answer.type() == QDBusMessage::ErrorMessage) {
+        throw std::runtime_error(answer.errorName().toStdString() + ": " +
+                                 answer.errorMessage().toStdString());
+    }
+    return answer;
+}
+
 SilentBus::SilentBus(const std::filesystem::path& socket)
     : address_("unix:path=" + socket.string()),
       socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {

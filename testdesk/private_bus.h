@@ -2,6 +2,9 @@
 
 #include "testdesk/child_process.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -22,6 +25,10 @@ private:
     std::string address_;
     ChildProcess process_;
 };
+
+// Waits for the answer; throws what the other side objects.
+QDBusMessage callOn(const QDBusConnection& bus, const QString& service, const QString& path,
+                    const char* interface, const char* method, const QVariantList& arguments = {});
 
 // A socket that takes connections, as the kernel does for a bus that hangs, and says nothing.
 class SilentBus {

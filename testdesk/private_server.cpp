@@ -119,8 +119,7 @@ ChildProcess startServer(std::vector<std::string> arguments, const std::filesyst
 PrivateServer::PrivateServer(TemporaryFolder folder, std::vector<std::string> arguments)
     : folder_(std::move(folder)),
       process_(startServer(std::move(arguments), folder_.path(), display_)) {
-    std::filesystem::create_directory(folder_.path() / "runtime");
-    std::filesystem::permissions(folder_.path() / "runtime", std::filesystem::perms::owner_all);
+    makeRuntimeFolder(folder_.path());
 }
 
 PrivateServer PrivateServer::virtualScreen(PixelSize size) {
@@ -143,17 +142,8 @@ PrivateServer PrivateServer::virtualOutputs() {
 }
 
 Environment PrivateServer::environment() const {
-    Environment environment = minimalEnvironment();
+    Environment environment = environmentIn(folder());
     environment["DISPLAY"] = display_;
-    environment["HOME"] = folder();
-    environment["XDG_CACHE_HOME"] = folder() / "cache";
-    environment["XDG_CONFIG_HOME"] = folder() / "config";
-    environment["XDG_DATA_HOME"] = folder() / "data";
-    environment["XDG_STATE_HOME"] = folder() / "state";
-    environment["XDG_RUNTIME_DIR"] = folder() / "runtime";
-    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
-    environment["DBUS_SYSTEM_BUS_ADDRESS"] = "disabled:";
-    environment["NO_AT_BRIDGE"] = "1";
     environment["QT_QPA_PLATFORM"] = "xcb";
     return environment;
 }

@@ -35,20 +35,6 @@ std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
     return folder / "sway.config";
 }
 
-Environment environmentIn(const std::filesystem::path& folder) {
-    auto environment = minimalEnvironment();
-    environment["HOME"] = folder;
-    environment["XDG_CACHE_HOME"] = folder / "cache";
-    environment["XDG_CONFIG_HOME"] = folder / "config";
-    environment["XDG_DATA_HOME"] = folder / "data";
-    environment["XDG_STATE_HOME"] = folder / "state";
-    environment["XDG_RUNTIME_DIR"] = folder / "runtime";
-    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
-    environment["DBUS_SYSTEM_BUS_ADDRESS"] = "disabled:";
-    environment["NO_AT_BRIDGE"] = "1";
-    return environment;
-}
-
 } // namespace
 
 // A mouse of the session.
@@ -134,8 +120,7 @@ bool SwaySession::followsPointers() {
 }
 
 ChildProcess SwaySession::start(const std::vector<SwayOutput>& outputs) {
-    std::filesystem::create_directory(folder() / "runtime");
-    std::filesystem::permissions(folder() / "runtime", std::filesystem::perms::owner_all);
+    makeRuntimeFolder(folder());
     auto environment = environmentIn(folder());
     environment["WLR_BACKENDS"] = "headless";
     environment["WLR_HEADLESS_OUTPUTS"] = std::to_string(outputs.size());

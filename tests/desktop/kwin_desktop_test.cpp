@@ -2,6 +2,7 @@
 #include "overlay/effect_drawing.h"
 #include "platform/kwin/kwin_script.h"
 #include "support/mark_pixels.h"
+#include "support/program_of.h"
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/kwin_session.h"
@@ -62,9 +63,9 @@ public:
         Differences last;
         EXPECT_TRUE(comes([&] {
             last = differences(picture(), center(scale), effect, scale);
-            return last.elsewhere <= 6 && last.onEdges <= 60;
+            return last.areSlight();
         })) << where
-            << ": " << last.elsewhere << ", on edges " << last.onEdges;
+            << " " << last;
     }
 
 private:
@@ -96,12 +97,6 @@ struct Script {
     KWinScript marks;
 };
 
-AppPreferences strongly() {
-    AppPreferences preferences;
-    preferences.highlight.opacity = 0.9;
-    return preferences;
-}
-
 class KWinLookTest : public testing::TestWithParam<double> {};
 
 TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
@@ -112,16 +107,10 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
         GTEST_SKIP() << "shown on an X server, Plasma 6 keeps to a scale of 1";
     }
     Script script(session);
-    auto preferences = strongly();
-    for (const auto style : {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
-        preferences.highlight.style = style;
-        const auto effect = effectOf(CursorMode::highlight, preferences);
-        script.marks.show(effect);
-        session.expectMark(effect, scale, "style " + std::to_string(static_cast<int>(style)));
+    for (const auto& look : everyLook()) {
+        script.marks.show(look.effect());
+        session.expectMark(look.effect(), scale, look.name);
     }
-    const auto laser = effectOf(CursorMode::laser, preferences);
-    script.marks.show(laser);
-    session.expectMark(laser, scale, "laser");
 
     // A ring is the fainter the larger it has become.
     script.marks.show({.left = slowRing});
@@ -227,22 +216,12 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     Session session({.xwayland = true});
     auto stored = preferencesShowing("highlight");
     stored["highlight"]["opacity"] = 0.9;
-    const auto start = [&](std::vector<std::string> words) {
-        words.insert(words.begin(), VANTREL_PROGRAM);
-        return ChildProcess({.arguments = words,
-                             .environment = session.environment(),
-                             .output = session.folder() / words.back()});
-    };
-    const auto tells = [&](const char* key, const nlohmann::json& value) {
-        return waitFor([&] {
-            start({"status", "--json"}).wait(10s);
-            const auto all =
-                nlohmann::json::parse(readFile(session.folder() / "--json"), nullptr, false);
-            return all.is_object() && all.at(key) == value;
-        });
+    const ProgramOf vantrel(session);
+    const auto tells = [&](const char* key, const auto& value) {
+        return vantrel.tells(key, value);
     };
     writePreferences(session.folder() / "config", stored);
-    std::optional program(start({"--settings"}));
+    std::optional program(vantrel.start({"--settings"}));
     EXPECT_TRUE(tells("marks", "kwin"));
     EXPECT_TRUE(tells("hotkeyError", nullptr));
     EXPECT_TRUE(tells("clickAvailable", true));
@@ -276,7 +255,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     }));
     stored["laserShortcut"] = {{"keyCode", 2}, {"modifiers", 0x100}, {"display", "⌘D"}};
     writePreferences(session.folder() / "config", stored);
-    program.emplace(start({"--settings"}));
+    program.emplace(vantrel.start({"--settings"}));
     EXPECT_TRUE(tells("hotkeyError", "registration")); // KWin's own
     session.restart();
     session.moveTo(300, 300);
@@ -293,7 +272,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
         return panels.size() == 1 && panels[0]["y"] == 108 && panels[0]["x"] > 400 &&
                panels[0]["x"] < 600;
     }));
-    start({"quit"}).wait(10s);
+    vantrel.start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
     const auto isClean = [&](const char* file) {
         return readFile(session.folder() / "config" / file).find("antrel") == std::string::npos;

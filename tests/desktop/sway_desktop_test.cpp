@@ -3,6 +3,7 @@
 #include "platform/system_clock.h"
 #include "support/event_loop.h"
 #include "support/mark_pixels.h"
+#include "support/program_of.h"
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/wayland_with_memory.h"
@@ -29,12 +30,6 @@ using namespace std::chrono_literals;
     if (!SwaySession::followsPointers()) {                                                         \
         GTEST_SKIP() << "this sway has no cursor sessions";                                        \
     }
-
-AppPreferences strongly() {
-    AppPreferences preferences;
-    preferences.highlight.opacity = 0.9;
-    return preferences;
-}
 
 // The overlays of this process in a session.
 class Overlays {
@@ -63,11 +58,9 @@ testing::AssertionResult shows(const SwaySession& session, const Effect& effect,
     Differences last;
     const bool shown = runUntil([&] {
         last = differences(session.picture(output), pixel, effect, scale);
-        return last.elsewhere <= 6 && last.onEdges <= 60;
+        return last.areSlight();
     });
-    return shown ? testing::AssertionSuccess()
-                 : testing::AssertionFailure()
-                       << "differs by " << last.elsewhere << ", on edges by " << last.onEdges;
+    return shown ? testing::AssertionSuccess() : testing::AssertionFailure() << last;
 }
 
 bool isBlack(const QImage& picture) {
@@ -84,22 +77,16 @@ TEST_P(SwayLookTest, ShowsEachEffectOnTheDisplaysPixels) {
     const double scale = GetParam();
     SwaySession session({{.pixels = {1200, 900}, .scale = scale}});
     Overlays overlays(session);
-    auto preferences = strongly();
     // At an odd point no pixel of a display at one and a half begins.
     for (const QPoint place : {QPoint(200, 100), QPoint(301, 203)}) {
         session.moveTo(place);
         const QPoint pixel((QPointF(place) * scale).toPoint());
-        for (const auto style :
-             {HighlightStyle::filled, HighlightStyle::ring, HighlightStyle::glow}) {
-            preferences.highlight.style = style;
-            overlays.show(CursorMode::highlight, preferences);
-            EXPECT_TRUE(shows(session, effectOf(CursorMode::highlight, preferences), pixel, scale))
-                << static_cast<int>(style);
+        for (const auto& look : everyLook()) {
+            overlays.show(look.mode, look.preferences);
+            EXPECT_TRUE(shows(session, look.effect(), pixel, scale)) << look.name;
         }
-        overlays.show(CursorMode::laser, preferences);
-        EXPECT_TRUE(shows(session, effectOf(CursorMode::laser, preferences), pixel, scale));
     }
-    overlays.show(CursorMode::off, preferences);
+    overlays.show(CursorMode::off, {});
     EXPECT_TRUE(runUntil([&] { return isBlack(session.picture()); }));
 }
 
@@ -149,36 +136,21 @@ TEST(SwayTest, HidesWhileThePointerIsRecordedAndComesBack) {
 }
 
 // The program in a session.
-class SwayProgram {
+class SwayProgram : public ProgramOf<SwaySession> {
 public:
-    explicit SwayProgram(const SwaySession& session) : session_(session) {
+    explicit SwayProgram(const SwaySession& session) : ProgramOf(session) {
         writePreferences(session.folder() / "config", preferencesShowing("highlight"));
-        program_.emplace(start({}));
+        program_.emplace(start());
     }
 
-    [[nodiscard]] nlohmann::json status() const {
-        start({"status", "--json"}).wait(10s);
-        return nlohmann::json::parse(readFile(session_.folder() / "--json.out"), nullptr, false);
-    }
     // Waits for it.
     [[nodiscard]] bool isUp() const {
         return waitFor([&] { return status().is_object(); }, 20s);
     }
     void command(const std::string& word) const { start({word}).wait(10s); }
     [[nodiscard]] std::optional<ExitStatus> wait() { return program_->wait(10s); }
-    [[nodiscard]] std::string errors() const { return readFile(session_.folder() / "vantrel.err"); }
 
 private:
-    [[nodiscard]] ChildProcess start(std::vector<std::string> words) const {
-        words.insert(words.begin(), VANTREL_PROGRAM);
-        const auto log = session_.folder() / std::filesystem::path(words.back()).filename();
-        return ChildProcess({.arguments = words,
-                             .environment = session_.environment(),
-                             .output = log.string() + ".out",
-                             .errors = log.string() + ".err"});
-    }
-
-    const SwaySession& session_;
     std::optional<ChildProcess> program_;
 };
 

@@ -7,6 +7,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vantrel::desktop {
 
@@ -15,7 +19,14 @@ namespace vantrel::desktop {
 struct Differences {
     int onEdges = 0;
     int elsewhere = 0;
+
+    // As near as two painters come to each other.
+    [[nodiscard]] bool areSlight() const { return elsewhere <= 6 && onEdges <= 60; }
 };
+
+inline std::ostream& operator<<(std::ostream& out, const Differences& differences) {
+    return out << "differs by " << differences.elsewhere << ", on edges by " << differences.onEdges;
+}
 
 inline Differences differences(const QImage& picture, QPoint center, const Effect& effect,
                                double scale) {
@@ -49,6 +60,35 @@ inline Differences differences(const QImage& picture, QPoint center, const Effec
         }
     }
     return found;
+}
+
+// Easily seen.
+inline AppPreferences strongly() {
+    AppPreferences preferences;
+    preferences.highlight.opacity = 0.9;
+    return preferences;
+}
+
+// What a mark may look like.
+struct Look {
+    std::string name;
+    CursorMode mode;
+    AppPreferences preferences;
+
+    [[nodiscard]] Effect effect() const { return effectOf(mode, preferences); }
+};
+
+inline std::vector<Look> everyLook() {
+    std::vector<Look> looks;
+    for (const auto& [name, style] :
+         {std::pair{"filled", HighlightStyle::filled}, std::pair{"ring", HighlightStyle::ring},
+          std::pair{"glow", HighlightStyle::glow}}) {
+        auto preferences = strongly();
+        preferences.highlight.style = style;
+        looks.push_back({name, CursorMode::highlight, preferences});
+    }
+    looks.push_back({"laser", CursorMode::laser, strongly()});
+    return looks;
 }
 
 inline const ClickRing slowRing{.duration = 6,

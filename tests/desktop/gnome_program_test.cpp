@@ -1,0 +1,270 @@
+#include "platform/gnome/shell_extension.h"
+#include "support/gnome_fixture.h"
+#include "support/program_of.h"
+#include "testdesk/core_application.h"
+#include "testdesk/headless/user_defaults.h"
+#include "testdesk/temporary_folder.h"
+#include "testdesk/vantrel_program.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <linux/input-event-codes.h>
+
+namespace vantrel::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
+    const CoreApplication application;
+    MarkingSession session;
+    session.switchExtension(session.extension(), false);
+    auto stored = preferencesShowing("highlight");
+    writePreferences(session.folder() / "config", stored);
+    const ProgramOf vantrel(session);
+    const auto tells = [&](const char* key, const auto& value) {
+        return vantrel.tells(key, value);
+    };
+    std::optional program(vantrel.start({"--settings"}));
+    EXPECT_TRUE(tells("marksMissing", "switchedOff"));
+    EXPECT_EQ(vantrel.status().at("marks"), "xwayland");
+    session.switchExtension(session.extension(), true);
+    EXPECT_TRUE(tells("marks", "gnome-shell"));
+    EXPECT_EQ(vantrel.status().at("marksMissing"), nullptr);
+    EXPECT_EQ(vantrel.status().at("hotkeyError"), nullptr);
+    EXPECT_TRUE(session.comesToShow(1));
+
+    // A window gets the keys of other combinations only.
+    const auto window = session.startFullScreenWindow();
+    const auto type = [&](int key) {
+        for (const bool down : {true, false}) {
+            session.type(KEY_LEFTCTRL, down);
+            session.type(KEY_LEFTALT, down);
+            session.type(key, down);
+        }
+    };
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
+    type(KEY_K);
+    EXPECT_TRUE(waitFor([&] { return window.count("key-" + std::to_string(KEY_K)) == 1; }));
+    EXPECT_EQ(window.count("key-" + std::to_string(KEY_L)), 0);
+
+    // In menus and the overview too.
+    session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
+    type(KEY_H);
+    EXPECT_TRUE(tells("mode", "highlight"));
+    session.evaluate("Main.panel.statusArea.dateMenu.menu.close(); Main.overview.show(); 1");
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
+    session.evaluate("Main.overview.hide(); 1");
+
+    // However it goes and comes, and when the screen is unlocked.
+    program->signal(SIGKILL);
+    EXPECT_TRUE(session.comesToShow(0));
+    stored["laserShortcut"] = {{"keyCode", 1}, {"modifiers", 0x100}, {"display", "⌘S"}};
+    writePreferences(session.folder() / "config", stored);
+    program.emplace(vantrel.start({"--settings"}));
+    EXPECT_TRUE(session.comesToShow(1));
+    EXPECT_TRUE(tells("hotkeyError", "registration")); // the shell's own
+    session.evaluate("Main.sessionMode.pushMode('unlock-dialog'); 1");
+    EXPECT_TRUE(session.comesToShow(0));
+    EXPECT_TRUE(tells("marks", "xwayland"));
+    session.evaluate("Main.sessionMode.popMode('unlock-dialog'); 1");
+    EXPECT_TRUE(session.comesToShow(1));
+    EXPECT_TRUE(tells("marks", "gnome-shell"));
+    type(KEY_H);
+    EXPECT_TRUE(tells("mode", "off"));
+    EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {
+    const CoreApplication application;
+    const MarkingSession session;
+    writePreferences(session.folder() / "config", preferencesShowing("highlight"));
+    const ProgramOf vantrel(session);
+    std::optional<ChildProcess> program;
+    const auto start = [&] { program.emplace(vantrel.start()); };
+    const auto lock = [&](const char* change) {
+        session.evaluate(std::string("Main.sessionMode.") + change + "Mode('unlock-dialog'); 1");
+    };
+    start();
+    EXPECT_TRUE(session.comesToShow(1));
+    // By the clock of this test, too.
+    session.evaluate("const group = Main.layoutManager.uiGroup;"
+                     "let had = true;"
+                     "group.connect('notify::last-child', () => {"
+                     "    const has = group.get_children().some(({name}) => name === 'vantrel');"
+                     "    if (has !== had)"
+                     "        global.vantrelChanged = imports.gi.GLib.get_monotonic_time();"
+                     "    had = has;"
+                     "}); 1");
+    struct Step {
+        const char* name;
+        std::function<void()> take;
+        int shown;
+        std::chrono::microseconds limit = 500ms;
+        // The shortest of all times, since the machine may have had other things to do.
+        std::chrono::microseconds took = 1h;
+    };
+    std::vector<Step> steps{
+        {"killed", [&] { program->signal(SIGKILL); }, 0},
+        {"started", start, 1, 10s},
+        {"locked", [&] { lock("push"); }, 0},
+        {"unlocked", [&] { lock("pop"); }, 1},
+        {"disabled", [&] { session.switchExtension(session.extension(), false); }, 0},
+        {"enabled", [&] { session.switchExtension(session.extension(), true); }, 1},
+    };
+    for (int round = 0; round < 3; ++round) {
+        for (auto& step : steps) {
+            const auto before = std::chrono::steady_clock::now().time_since_epoch();
+            step.take();
+            EXPECT_TRUE(session.comesToShow(step.shown)) << step.name;
+            const std::chrono::microseconds changed(
+                session.evaluate("global.vantrelChanged").get<std::int64_t>());
+            step.took = std::min(
+                step.took, std::chrono::duration_cast<std::chrono::microseconds>(changed - before));
+        }
+    }
+    for (const auto& step : steps) {
+        EXPECT_LT(step.took, step.limit) << step.name;
+    }
+}
+
+TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
+    const CoreApplication application;
+    const MarkingSession session;
+    writePreferences(session.folder() / "config", preferencesShowing("off"));
+    const auto program = ProgramOf(session).start();
+    // The middle of the first part of the shell for which that is true, and whether it would get a
+    // press; null without one.
+    const auto find = [&](const std::string& condition) {
+        return session.evaluate("const all = part => [part, ...part.get_children().flatMap(all)];"
+                                "const found = all(Main.layoutManager.uiGroup).find(part =>"
+                                "    part.mapped && part.has_allocation() && " +
+                                condition +
+                                ");"
+                                "const target = part => part.reactive ? part"
+                                "    : target(part.get_parent());"
+                                "const middle = ([x, y], [width, height]) =>"
+                                "    [x + width / 2, y + height / 2];"
+                                "found ? [...middle(found.get_transformed_position(),"
+                                "    found.get_transformed_size()), target(found).has_pointer]"
+                                "    : null");
+    };
+    const auto hover = [&](const std::string& condition) {
+        const auto part = find(condition);
+        if (part.is_null()) {
+            return false;
+        }
+        session.moveTo(part[0], part[1]);
+        return waitFor([&] { return find(condition)[2] == true; }, 1s);
+    };
+    // The shell loses a press now and then. It is repeated only where nothing has come of it, for a
+    // second press would undo what a busy shell has made of the first.
+    const auto press = [&](const std::string& condition, int button,
+                           const std::function<bool()>& hasCome) {
+        return waitFor(
+            [&] {
+                if (hover(condition) && !hasCome()) {
+                    session.press(button, true);
+                    std::this_thread::sleep_for(50ms);
+                    session.press(button, false);
+                }
+                return waitFor(hasCome, 5s);
+            },
+            40s);
+    };
+    const std::string laser = "part.text === 'Laser'";
+    const std::string item = "part.accessible_name === 'Vantrel off'";
+    EXPECT_TRUE(waitFor([&] { return hover(item); }));
+    EXPECT_TRUE(find(laser).is_null());
+    EXPECT_TRUE(press(item, BTN_RIGHT, [&] { return !find(laser).is_null(); }));
+    EXPECT_TRUE(press(laser, BTN_LEFT, [&] { return session.countPictures() == 1; }));
+    // The panel opens below the item.
+    EXPECT_TRUE(press("part.accessible_name === 'Vantrel laser'", BTN_LEFT, [&] {
+        const auto pointer = session.pointer();
+        const auto windows = session.evaluate("global.get_window_actors().map(window => {"
+                                              "    const {x, y, width, height} ="
+                                              "        window.meta_window.get_frame_rect();"
+                                              "    return [x, y, width, height];})");
+        return std::ranges::any_of(windows, [&](const auto& window) {
+            const QRect area(window[0], window[1], window[2], window[3]);
+            return area.top() < 60 && area.contains(qRound(pointer.x()), 100);
+        });
+    }));
+}
+
+TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {
+    const CoreApplication application;
+    headless::UserDefaults defaults;
+    const auto comesTo = [](const ShellExtension& shell, MarksState state) {
+        return waitFor([&] {
+            QCoreApplication::processEvents();
+            return shell.state() == state;
+        });
+    };
+    {
+        const GnomeSession session({});
+        setenv("XDG_DATA_HOME", (session.folder() / "data").c_str(), 1);
+        ShellExtension shell(session.bus(), defaults, VANTREL_DATA);
+        EXPECT_TRUE(comesTo(shell, MarksState::off));
+        shell.enable();
+        EXPECT_TRUE(comesTo(shell, MarksState::needsLogin));
+        EXPECT_TRUE(std::filesystem::exists(
+            session.folder() / "data/gnome-shell/extensions" /
+            extensionFor(QString::number(session.version())).toStdString() / "extension.js"));
+    }
+    const TemporaryFolder installation;
+    std::filesystem::copy(VANTREL_DATA, installation.path(),
+                          std::filesystem::copy_options::recursive);
+    const GnomeSession session({.dataFolder = installation.path()});
+    const ShellExtension shell(session.bus(), defaults, installation.path());
+    EXPECT_TRUE(comesTo(shell, MarksState::available));
+
+    // Once it is no longer installed, its name goes too.
+    const auto isNamed = [&](const char* list) {
+        const auto names =
+            session.evaluate(std::string("global.settings.get_strv('") + list + "-extensions')");
+        return !names.empty();
+    };
+    EXPECT_TRUE(isNamed("enabled"));
+    std::filesystem::remove_all(installation.path() / "gnome-shell");
+    const auto extension = extensionFor(QString::number(session.version()));
+    session.switchExtension(extension, false);
+    EXPECT_TRUE(waitFor([&] { return !isNamed("enabled") && !isNamed("disabled"); }));
+}
+
+TEST(GnomeTest, SaysWhatIsMissing) {
+    using enum MarksState;
+    struct Case {
+        ShellReport report;
+        MarksState state;
+    };
+    const auto extension = [](ExtensionState state) {
+        return ShellReport{.hasShell = true, .extension = state};
+    };
+    for (const auto& [report, state] :
+         {Case{{}, none}, Case{{.hasShell = true}, off},
+          Case{{.hasShell = true, .isAwaited = true}, needsLogin},
+          Case{extension(ExtensionState::disabled), off},
+          Case{extension(ExtensionState::initialized), off},
+          Case{extension(ExtensionState::error), failed},
+          Case{extension(ExtensionState::outOfDate), unsupported},
+          Case{{.hasShell = true, .version = extensionVersion}, available},
+          Case{{.hasShell = true, .version = extensionVersion + 1}, otherVersion},
+          Case{{.hasShell = true, .version = extensionVersion, .servesOther = true}, busy},
+          Case{{.hasShell = true, .version = extensionVersion, .hasFailed = true}, failed}}) {
+        EXPECT_EQ(stateOf(report), state);
+    }
+    EXPECT_EQ(extensionFor(QStringLiteral("44.1")), QStringLiteral("marks43@vantrel.org"));
+    EXPECT_EQ(extensionFor(QStringLiteral("45.beta")), QStringLiteral("marks@vantrel.org"));
+}
+
+} // namespace
+} // namespace vantrel::desktop
