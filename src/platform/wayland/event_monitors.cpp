@@ -1,6 +1,5 @@
 #include "platform/wayland/event_monitors.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace vantrel::wayland {
@@ -21,31 +20,19 @@ std::optional<EventMonitors::Token> WaylandEventMonitors::addGlobal(EventMask ma
     if ((mask & ~motionMask) != 0) {
         return std::nullopt;
     }
-    monitors_.push_back({++lastToken_, std::move(handler)});
+    const auto token = monitors_.add(mask, std::move(handler));
     pointer_.watch(true);
-    return lastToken_;
+    return token;
 }
 
 std::optional<EventMonitors::Token> WaylandEventMonitors::addLocal(EventMask mask,
                                                                    LocalHandler /*handler*/) {
-    return (mask & ~motionMask) == 0 ? std::optional(++lastToken_) : std::nullopt;
+    return (mask & ~motionMask) == 0 ? std::optional(monitors_.addDeaf()) : std::nullopt;
 }
 
 void WaylandEventMonitors::remove(Token token) {
-    const auto monitor = std::ranges::find(monitors_, token, &Monitor::token);
-    if (monitor == monitors_.end()) {
-        return;
-    }
-    monitor->token = 0;
-    if (!sending_) {
-        eraseRemoved();
-    }
-}
-
-void WaylandEventMonitors::eraseRemoved() {
-    if (std::erase_if(monitors_, [](const auto& monitor) { return monitor.token == 0; }) > 0) {
-        pointer_.watch(!monitors_.empty());
-    }
+    monitors_.remove(token);
+    pointer_.watch(monitors_.mask() != 0);
 }
 
 void WaylandEventMonitors::eventsDrained() {
@@ -54,16 +41,7 @@ void WaylandEventMonitors::eventsDrained() {
         return;
     }
     const auto [x, y] = place.value_or(GlobalPoint());
-    const Event event{.type = EventType::mouseMoved, .locationInWindow = {x, y}};
-    sending_ = true;
-    // A monitor that is added meanwhile hears of the next event.
-    for (const auto last = lastToken_; const auto& monitor : monitors_) {
-        if (monitor.token != 0 && monitor.token <= last) {
-            monitor.handler(event);
-        }
-    }
-    sending_ = false;
-    eraseRemoved();
+    monitors_.send({.type = EventType::mouseMoved, .locationInWindow = {x, y}});
 }
 
 } // namespace vantrel::wayland

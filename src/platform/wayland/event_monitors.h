@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/input.h"
+#include "platform/monitor_list.h"
 #include "platform/wayland/connection.h"
 #include "platform/wayland/pointer.h"
-
-#include <list>
 
 namespace vantrel::wayland {
 
@@ -20,19 +19,11 @@ public:
     void remove(Token token) override;
 
 private:
-    struct Monitor {
-        Token token = 0; // 0 once it was removed
-        GlobalHandler handler;
-    };
-
     // Also tells when the place became unknown.
     void eventsDrained() override;
-    void eraseRemoved();
 
     WaylandPointer& pointer_;
-    Token lastToken_ = 0;
-    std::list<Monitor> monitors_; // a list, so that a handler may add one while it is walked along
-    bool sending_ = false;
+    MonitorList monitors_;
     std::optional<GlobalPoint> lastPlace_;
     Subscription events_;
 };

@@ -48,37 +48,23 @@ X11EventMonitors::X11EventMonitors(Connection& connection, X11Pointer& pointer)
 std::optional<EventMonitors::Token> X11EventMonitors::addGlobal(EventMask mask,
                                                                 GlobalHandler handler) {
     newest_ = xcb_no_operation(connection_.xcb()).sequence;
-    monitors_.push_back({++lastToken_, mask, newest_, std::move(handler)});
+    const auto token = monitors_.add(mask, std::move(handler), newest_);
     select();
-    return lastToken_;
+    return token;
 }
 
 std::optional<EventMonitors::Token> X11EventMonitors::addLocal(EventMask /*mask*/,
                                                                LocalHandler /*handler*/) {
-    return ++lastToken_;
+    return monitors_.addDeaf();
 }
 
 void X11EventMonitors::remove(Token token) {
-    const auto monitor = std::ranges::find(monitors_, token, &Monitor::token);
-    if (monitor == monitors_.end()) {
-        return;
-    }
-    monitor->mask = 0;
-    if (!sending_) {
-        eraseRemoved();
-    }
+    monitors_.remove(token);
     select();
 }
 
-void X11EventMonitors::eraseRemoved() {
-    std::erase_if(monitors_, [](const auto& monitor) { return monitor.mask == 0; });
-}
-
 void X11EventMonitors::select() {
-    EventMask wanted = 0;
-    for (const auto& monitor : monitors_) {
-        wanted |= monitor.mask;
-    }
+    const auto wanted = monitors_.mask();
     std::uint32_t events = 0;
     std::uint32_t hierarchy = 0;
     if ((wanted & motionMask) != 0) {
@@ -170,7 +156,8 @@ void X11EventMonitors::eventsDrained() {
     deliverPresses();
     if (std::exchange(moved_, false)) {
         const auto place = pointer_.lastLocation();
-        send({.type = EventType::mouseMoved, .locationInWindow = {place.x, place.y}}, newest_);
+        monitors_.send({.type = EventType::mouseMoved, .locationInWindow = {place.x, place.y}},
+                       newest_);
     }
 }
 
@@ -189,21 +176,8 @@ void X11EventMonitors::deliverPresses() {
         const auto type = button == leftButton    ? EventType::leftMouseDown
                           : button == rightButton ? EventType::rightMouseDown
                                                   : EventType::otherMouseDown;
-        send({.type = type, .locationInWindow = {place.x, place.y}}, press.sequence);
+        monitors_.send({.type = type, .locationInWindow = {place.x, place.y}}, press.sequence);
     }
-}
-
-void X11EventMonitors::send(const Event& event, std::uint32_t sequence) {
-    sending_ = true;
-    // A monitor that is added meanwhile hears of the next event.
-    for (const auto last = lastToken_; const auto& monitor : monitors_) {
-        if ((monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last &&
-            static_cast<std::int32_t>(sequence - monitor.since) >= 0) {
-            monitor.handler(event);
-        }
-    }
-    sending_ = false;
-    eraseRemoved();
 }
 
 } // namespace vantrel::x11

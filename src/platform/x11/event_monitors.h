@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/input.h"
+#include "platform/monitor_list.h"
 #include "platform/x11/button_mapping.h"
 #include "platform/x11/pointer.h"
 
-#include <list>
 #include <vector>
 
 namespace vantrel::x11 {
@@ -44,13 +44,6 @@ public:
     void remove(Token token) override;
 
 private:
-    struct Monitor {
-        Token token = 0;
-        EventMask mask = 0;      // 0 once it was removed
-        std::uint32_t since = 0; // the number of a request: presses before it are not for it
-        GlobalHandler handler;
-    };
-
     void handleEvent(const xcb_generic_event_t& event) override;
     void eventsDrained() override;
     void select();
@@ -58,16 +51,12 @@ private:
     void noteFinger(const xcb_generic_event_t& event);
     void deliverPresses();
     void noteDevices(const xcb_generic_event_t& event);
-    void send(const Event& event, std::uint32_t sequence);
-    void eraseRemoved();
 
     Connection& connection_;
     X11Pointer& pointer_;
-    Token lastToken_ = 0;
-    std::uint32_t newest_ = 0;    // monitor's since
-    std::list<Monitor> monitors_; // a list, so that a handler may add one while it is walked along
+    MonitorList monitors_;     // numbered by requests: presses before its own are not for one
+    std::uint32_t newest_ = 0; // monitor's number
     std::uint32_t selected_ = 0;
-    bool sending_ = false;
     std::vector<RawPress> presses_;
     Fingers fingers_;
     bool moved_ = false;
