@@ -1,6 +1,7 @@
 #include "platform/freedesktop/bus_call.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
 
 #include <utility>
 
@@ -26,6 +27,20 @@ void callAsync(const QDBusConnection& bus, const QDBusMessage& message, QObject*
                          watcher->deleteLater();
                          answered(watcher->reply());
                      });
+}
+
+void followOwner(const QDBusConnection& bus, const QString& name, QObject* context,
+                 const std::function<void(const QString& owner)>& changed) {
+    auto* watcher =
+        new QDBusServiceWatcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange, context);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, context,
+                     [changed](const QString& /*name*/, const QString& /*former*/,
+                               const QString& owner) { changed(owner); });
+    callAsync(bus, busCall(QStringLiteral("GetNameOwner"), {name}), context,
+              [changed](const QDBusMessage& answer) {
+                  const bool isOwned = answer.type() != QDBusMessage::ErrorMessage;
+                  changed(isOwned ? answer.arguments().value(0).toString() : QString());
+              });
 }
 
 } // namespace vantrel

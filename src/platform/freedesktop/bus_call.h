@@ -28,4 +28,9 @@ inline constexpr QLatin1String localInterface("org.freedesktop.DBus.Local");
 void callAsync(const QDBusConnection& bus, const QDBusMessage& message, QObject* context,
                std::function<void(const QDBusMessage& answer)> answered);
 
+// Tells who owns a name, by the unique name, and nothing for nobody: soon, and at each change as
+// long as the context lives.
+void followOwner(const QDBusConnection& bus, const QString& name, QObject* context,
+                 const std::function<void(const QString& owner)>& changed);
+
 } // namespace vantrel

@@ -20,13 +20,6 @@ QDBusConnection bus() {
     return QDBusConnection(connectionName);
 }
 
-template <typename Reply, typename Answer>
-void call(QObject* context, const QDBusMessage& message, Answer answer) {
-    callAsync(bus(), message, context, [answer = std::move(answer)](const QDBusMessage& reply) {
-        answer(QDBusPendingReply<Reply>(reply));
-    });
-}
-
 } // namespace
 
 LoginManager::LoginManager(std::chrono::milliseconds retryInterval)
@@ -79,11 +72,8 @@ void LoginManager::prepareForShutdown(bool going) {
     }
 }
 
-void LoginManager::ownerChanged(const QString&, const QString&, const QString& owner) {
-    setOwner(owner);
-}
-
 void LoginManager::loseBus() {
+    onBus_.reset();
     QDBusConnection::disconnectFromBus(connectionName);
     setOwner({});
     connect_.start(retryInterval_);
@@ -98,19 +88,9 @@ void LoginManager::reachBus(bool answers) {
     auto connection = bus();
     connection.connect({}, localPath, localInterface, QStringLiteral("Disconnected"), this,
                        SLOT(loseBus()));
-    connection.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"),
-                       {managerService}, QStringLiteral("sss"), this,
-                       SLOT(ownerChanged(QString, QString, QString)));
-    askForOwner();
-}
-
-void LoginManager::askForOwner() {
-    const auto message = busCall(QStringLiteral("GetNameOwner"), {QString(managerService)});
-    call<QString>(this, message, [this](const QDBusPendingReply<QString>& reply) {
-        if (reply.isValid()) {
-            setOwner(reply.value());
-        }
-    });
+    onBus_.emplace();
+    followOwner(connection, managerService, &*onBus_,
+                [this](const QString& owner) { setOwner(owner); });
 }
 
 // Signals are connected from the unique name: a well-known one would be looked up, and waited for.
@@ -147,8 +127,8 @@ void LoginManager::take(DelayLock& lock) {
                                                   QStringLiteral("Inhibit"));
     message << lock.what << QStringLiteral("Vantrel") << QStringLiteral("Saves its preferences")
             << QStringLiteral("delay");
-    using Reply = QDBusPendingReply<QDBusUnixFileDescriptor>;
-    call<QDBusUnixFileDescriptor>(this, message, [this, &lock, owner = owner_](const Reply& reply) {
+    callAsync(bus(), message, this, [this, &lock, owner = owner_](const QDBusMessage& answer) {
+        const QDBusPendingReply<QDBusUnixFileDescriptor> reply(answer);
         if (reply.isValid() && owner == owner_ && !lock.isGoing) {
             lock.descriptor = reply.value();
         }

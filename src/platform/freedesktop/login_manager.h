@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTimer>
 #include <chrono>
+#include <optional>
 
 namespace vantrel {
 
@@ -36,7 +37,6 @@ public:
 private:
     Q_SLOT void prepareForSleep(bool going);
     Q_SLOT void prepareForShutdown(bool going);
-    Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
     Q_SLOT void loseBus();
 
     struct DelayLock {
@@ -46,11 +46,11 @@ private:
     };
 
     void reachBus(bool answers);
-    void askForOwner();
     void setOwner(const QString& owner);
     void take(DelayLock& lock);
 
-    QString owner_; // the unique name of the login manager; empty when there is none
+    std::optional<QObject> onBus_; // while there is one
+    QString owner_;                // the unique name of the login manager; empty when there is none
     DelayLock sleep_{QStringLiteral("sleep"), false, {}};
     DelayLock shutdown_{QStringLiteral("shutdown"), false, {}};
     Observers<> willSleep_;

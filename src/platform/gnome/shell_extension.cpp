@@ -75,25 +75,12 @@ ShellExtension::ShellExtension(QDBusConnection bus, UserDefaults& defaults,
     connect(&retry_, &QTimer::timeout, this, [this] { tellEffect(); });
     bus_.connect({}, localPath, localInterface, QStringLiteral("Disconnected"), this,
                  SLOT(loseBus()));
-    watch(shellService);
-    watch(agentService);
+    followOwner(bus_, shellService, this, [this](const QString& owner) { setShell(owner); });
+    followOwner(bus_, agentService, this, [this](const QString& owner) { setAgent(owner); });
 }
 
 Subscription ShellExtension::onChange(std::function<void()> callback) {
     return changes_.add(std::move(callback));
-}
-
-void ShellExtension::watch(const QString& name) {
-    bus_.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"), {name},
-                 QStringLiteral("sss"), this, SLOT(ownerChanged(QString, QString, QString)));
-    call(busCall(QStringLiteral("GetNameOwner"), {name}), [this, name](const QDBusMessage& answer) {
-        ownerChanged(name, {}, valueIn(answer).toString());
-    });
-}
-
-void ShellExtension::ownerChanged(const QString& name, const QString& /*former*/,
-                                  const QString& owner) {
-    name == shellService ? setShell(owner) : setAgent(owner);
 }
 
 // Signals are connected from the unique name: a well-known one would be looked up, and waited for.

@@ -79,14 +79,12 @@ public:
     std::function<void(std::uint32_t number)> onEntryChosen;
 
 private:
-    Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
     Q_SLOT void extensionChanged(const QString& uuid, const QVariantMap& info);
     Q_SLOT void pressed(uint number);
     Q_SLOT void itemClicked(const QDBusMessage& message);
     Q_SLOT void entryChosen(uint number);
     Q_SLOT void loseBus();
 
-    void watch(const QString& name);
     void setShell(const QString& owner);
     void setAgent(const QString& owner);
     void askForExtension();

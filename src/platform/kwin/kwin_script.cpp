@@ -53,10 +53,7 @@ KWinScript::KWinScript(QDBusConnection bus, std::filesystem::path dataFolder, Pa
                  SLOT(loseBus()));
     bus_.connect(busService, busPath, busService, QStringLiteral("NameAcquired"), {ownName},
                  QStringLiteral("s"), this, SLOT(nameAcquired(QString)));
-    bus_.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"), {kwinService},
-                 QStringLiteral("sss"), this, SLOT(ownerChanged(QString, QString, QString)));
-    callAsync(bus_, busCall(QStringLiteral("GetNameOwner"), {kwinService}), this,
-              [this](const QDBusMessage& answer) { setKWin(valueIn(answer).toString()); });
+    followOwner(bus_, kwinService, this, [this](const QString& owner) { setKWin(owner); });
 }
 
 KWinScript::~KWinScript() {
@@ -78,11 +75,6 @@ void KWinScript::update(MarksState state, bool seesPresses) {
         seesPresses_ = seesPresses;
         changes_.notify();
     }
-}
-
-void KWinScript::ownerChanged(const QString& /*name*/, const QString& /*former*/,
-                              const QString& owner) {
-    setKWin(owner);
 }
 
 void KWinScript::setKWin(const QString& owner) {

@@ -49,7 +49,6 @@ public:
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
 private:
-    Q_SLOT void ownerChanged(const QString& name, const QString& former, const QString& owner);
     Q_SLOT void nameAcquired(const QString& name);
     Q_SLOT void loseBus() { setKWin({}); }
 
