@@ -272,6 +272,7 @@ TEST_F(BusControlTest, TheModeIsSetReadAndAnnounced) {
     EXPECT_TRUE(shown(overlay));
     EXPECT_EQ(errorOf("SetMode", {QStringLiteral("highlight")}), "");
     EXPECT_EQ(errorOf("Toggle", {QStringLiteral("laser")}), "");
+    EXPECT_TRUE(runUntil([&] { return listener.properties.size() >= 2; }));
     typeShortcut('l');
     const std::vector<std::string> modes{"highlight", "laser", "off"};
     EXPECT_TRUE(
