@@ -59,8 +59,12 @@ bool HotkeyManager::registerShortcut(const std::optional<Shortcut>& shortcut, st
 
 void HotkeyManager::handle(HotKeyId pressed) const {
     if (onMode) {
-        onMode(pressed.id == highlightId ? CursorMode::highlight : CursorMode::laser);
+        onMode(modeOf(pressed.id));
     }
+}
+
+CursorMode HotkeyManager::modeOf(std::uint32_t id) {
+    return id == highlightId ? CursorMode::highlight : CursorMode::laser;
 }
 
 } // namespace vantrel

@@ -26,6 +26,9 @@ public:
     HotkeyManager(const HotkeyManager&) = delete;
     HotkeyManager& operator=(const HotkeyManager&) = delete;
 
+    // What the hot key with that number, one of those that this registers, is for.
+    [[nodiscard]] static CursorMode modeOf(std::uint32_t id);
+
     // Receives highlight or laser.
     std::function<void(CursorMode)> onMode;
 

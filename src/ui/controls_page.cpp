@@ -15,21 +15,23 @@ namespace vantrel {
 namespace {
 
 struct ShortcutSlot {
-    Text title;
-    Text name; // of the button that records it, for screen readers
+    CursorMode mode;
     std::optional<Shortcut> AppPreferences::*field;
 };
-constexpr ShortcutSlot highlightSlot{{"Toggle Highlight", "切换高亮"},
-                                     {"Toggle Highlight shortcut", "切换高亮快捷键"},
-                                     &AppPreferences::highlightShortcut};
-constexpr ShortcutSlot laserSlot{{"Toggle Laser", "切换激光笔"},
-                                 {"Toggle Laser shortcut", "切换激光笔快捷键"},
-                                 &AppPreferences::laserShortcut};
+constexpr ShortcutSlot highlightSlot{CursorMode::highlight, &AppPreferences::highlightShortcut};
+constexpr ShortcutSlot laserSlot{CursorMode::laser, &AppPreferences::laserShortcut};
+
+QString titleOf(const ViewContext& view, const ShortcutSlot& slot) {
+    return QString::fromStdString(view.state().shortcutTitle(slot.mode));
+}
 
 QWidget* recorder(ViewContext& view, const ShortcutSlot& slot) {
     auto* recorder =
         new ShortcutRecorder(view, view.binding(slot.field), Text{"Record shortcut", "录入快捷键"});
-    nameForScreenReaders(view, recorder, slot.name);
+    nameForScreenReaders(view, recorder, [&view, slot](bool english) {
+        return titleOf(view, slot) +
+               (english ? QStringLiteral(" shortcut") : QStringLiteral("快捷键"));
+    });
     return recorder;
 }
 
@@ -38,14 +40,14 @@ QWidget* clearButton(ViewContext& view, const ShortcutSlot& slot) {
     auto* button =
         iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Clear shortcut", "清除快捷键"},
                    [shortcut] { shortcut.set(std::nullopt); });
-    view.follow(button, [button, &view, title = slot.title] {
-        button->setAccessibleDescription(view.say(title));
-    });
+    view.follow(button,
+                [button, &view, slot] { button->setAccessibleDescription(titleOf(view, slot)); });
     return button;
 }
 
 QWidget* shortcutRow(ViewContext& view, const ShortcutSlot& slot) {
-    return row(8, {paragraph(view, slot.title), recorder(view, slot), clearButton(view, slot)});
+    return row(8, {paragraph(view, [&view, slot](bool) { return titleOf(view, slot); }),
+                   recorder(view, slot), clearButton(view, slot)});
 }
 
 // Whatever the code, there is a text.

@@ -46,13 +46,11 @@ constexpr std::string_view chineseWaylandRemark =
 constexpr std::string_view englishLayerShellRemark =
     "vantrel: This compositor tells no program of clicks, so these have no effect.\n"
     "vantrel: The shortcuts work while an X program has the keyboard. Bind keys in the "
-    "compositor's "
-    "configuration to vantrel toggle highlight and vantrel toggle laser.\n";
+    "compositor's configuration to vantrel toggle highlight and vantrel toggle laser.\n";
 constexpr std::string_view chineseLayerShellRemark =
     "vantrel: 此合成器不会告知程序鼠标点击，因此没有点击效果。\n"
     "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。请在合成器的配置中为 vantrel toggle highlight "
-    "和 "
-    "vantrel toggle laser 绑定按键。\n";
+    "和 vantrel toggle laser 绑定按键。\n";
 
 constexpr std::chrono::seconds busTimeout(1);
 

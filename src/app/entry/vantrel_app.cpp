@@ -14,6 +14,29 @@
 
 namespace vantrel {
 
+namespace {
+
+// With what marks are shown, of either desktop.
+struct DisplayParts {
+    Screens& screens;
+    DisplayLinks& displayLinks;
+    Pointer& pointer;
+    EventMonitors& eventMonitors;
+    OverlayWindows& overlayWindows;
+    Transaction& transaction;
+};
+
+DisplayParts partsOf(auto& desktop) {
+    return {.screens = desktop.screens,
+            .displayLinks = desktop.displayLinks,
+            .pointer = desktop.pointer,
+            .eventMonitors = desktop.eventMonitors,
+            .overlayWindows = desktop.overlayWindows,
+            .transaction = desktop.transaction};
+}
+
+} // namespace
+
 VantrelApp::VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
                        std::function<void()> launched)
     : connection_(connection),
@@ -41,31 +64,28 @@ Desktop VantrelApp::desktop() {
         joinCompositor();
         joinWaylandSession();
     }
-    auto* wayland = wayland_ ? &*wayland_ : nullptr;
-    return {
-        .clock = x11_.clock,
-        .mainQueue = mainQueue_,
-        .screens = wayland ? static_cast<Screens&>(wayland->screens) : x11_.screens,
-        .displayLinks =
-            wayland ? static_cast<DisplayLinks&>(wayland->displayLinks) : x11_.displayLinks,
-        .cursors = cursors_,
-        .pointer = wayland ? static_cast<Pointer&>(wayland->pointer) : x11_.pointer,
-        .eventMonitors =
-            wayland ? static_cast<EventMonitors&>(wayland->eventMonitors) : x11_.eventMonitors,
-        .keyboard = x11_.keyboard,
-        .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
-        .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
-        .overlayWindows =
-            wayland ? static_cast<OverlayWindows&>(wayland->overlayWindows) : x11_.overlayWindows,
-        .transaction = wayland ? static_cast<Transaction&>(wayland->transaction) : x11_.transaction,
-        .locale = locale_,
-        .bundle = bundle_,
-        .userDefaults = defaults_,
-        .loginItem = loginItem_,
-        .workspace = workspace_,
-        .statusItem = shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
-        .alertSound = x11_.alertSound,
-        .application = *this};
+    const auto seen = wayland_ ? partsOf(*wayland_) : partsOf(x11_);
+    return {.clock = x11_.clock,
+            .mainQueue = mainQueue_,
+            .screens = seen.screens,
+            .displayLinks = seen.displayLinks,
+            .cursors = cursors_,
+            .pointer = seen.pointer,
+            .eventMonitors = seen.eventMonitors,
+            .keyboard = x11_.keyboard,
+            .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
+            .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
+            .overlayWindows = seen.overlayWindows,
+            .transaction = seen.transaction,
+            .locale = locale_,
+            .bundle = bundle_,
+            .userDefaults = defaults_,
+            .loginItem = loginItem_,
+            .workspace = workspace_,
+            .statusItem =
+                shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
+            .alertSound = x11_.alertSound,
+            .application = *this};
 }
 
 void VantrelApp::joinCompositor() {
@@ -94,7 +114,11 @@ void VantrelApp::joinWaylandSession() {
         bus, *kwin_,
         DesktopShortcuts::Means{
             .keyOf = [this](auto keycode, auto layout) { return keyOf(keycode, layout); },
-            .nameOf = [this](auto number) { return shortcutName(number); },
+            .nameOf =
+                [this](auto number) {
+                    const auto mode = HotkeyManager::modeOf(number);
+                    return QString::fromStdString(delegate_.state().shortcutTitle(mode));
+                },
         });
     keyboardChanges_ = x11_.keyboard.changes.add([this] { kwinShortcuts_->grabAgain(); });
     sessionMarks_.emplace(*shell_, *kwin_);
@@ -112,12 +136,6 @@ int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) const {
         QString::fromStdString(press->charactersIgnoringModifiers.value_or(press->name));
     const QKeySequence keys(name, QKeySequence::PortableText);
     return keys.isEmpty() ? 0 : keys[0].toCombined();
-}
-
-QString VantrelApp::shortcutName(std::uint32_t number) {
-    const bool english = delegate_.state().english();
-    return number == 1 ? (english ? QStringLiteral("Toggle Highlight") : QStringLiteral("切换高亮"))
-                       : (english ? QStringLiteral("Toggle Laser") : QStringLiteral("切换激光笔"));
 }
 
 void VantrelApp::observeDesktop() {

@@ -59,7 +59,6 @@ private:
     void joinCompositor();
     void joinWaylandSession();
     [[nodiscard]] int keyOf(std::uint8_t keycode, std::uint32_t layout) const;
-    [[nodiscard]] QString shortcutName(std::uint32_t number);
     [[nodiscard]] RemoteControl remoteControl();
     void takeCommands();
     void observeDesktop();

@@ -168,6 +168,11 @@ std::string AppState::title(CursorMode mode) const {
     return {};
 }
 
+std::string AppState::shortcutTitle(CursorMode mode) const {
+    return mode == CursorMode::highlight ? chosen("Toggle Highlight", "切换高亮")
+                                         : chosen("Toggle Laser", "切换激光笔");
+}
+
 void AppState::openLink(ReleaseLink link) {
     const auto url = releaseURL(desktop_.bundle, link);
     const bool opened = url && desktop_.workspace.openUrl(*url);

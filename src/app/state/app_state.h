@@ -99,6 +99,8 @@ public:
     // Whether texts are shown in English now; in Chinese otherwise.
     [[nodiscard]] bool english() const;
     [[nodiscard]] std::string title(CursorMode mode) const;
+    // Of what the shortcut of highlight or laser does.
+    [[nodiscard]] std::string shortcutTitle(CursorMode mode) const;
     // Opens the link, or the help window when there is none or nothing that opens it.
     void openLink(ReleaseLink link);
 
