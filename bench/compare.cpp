@@ -22,6 +22,7 @@ using namespace vantrel::bench;
 struct Part {
     const char* name;
     Report (*measure)(const Contenders&, const Effort&);
+    bool onlyByName = false; // it takes minutes
 };
 
 constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", measureMotion},
@@ -32,7 +33,7 @@ constexpr std::array parts{Part{"latency", measureLatency},   Part{"motion", mea
                            Part{"start", measureStart},       Part{"command", measureCommand},
                            Part{"popup", measurePopup},       Part{"settings", measureSettings},
                            Part{"drag", measureDrag},         Part{"reopening", measureReopening},
-                           Part{"shell", measureShell}};
+                           Part{"shell", measureShell},       Part{"day", measureDay, true}};
 
 QString namesOfParts() {
     QStringList names;
@@ -45,7 +46,7 @@ QString namesOfParts() {
 Report measure(const Contenders& contenders, const Effort& effort, const QString& only) {
     Report report;
     for (const Part& part : parts) {
-        if (only.isEmpty() || only == QLatin1String(part.name)) {
+        if (only.isEmpty() ? !part.onlyByName : only == QLatin1String(part.name)) {
             std::fprintf(stderr, "%s ...\n", part.name);
             report.append(part.measure(contenders, effort));
         }

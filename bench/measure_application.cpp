@@ -63,7 +63,7 @@ Report measureStart(const Contenders& contenders, const Effort& effort) {
         effort.starts, [&] { return startOf(desktop, program); },
         [&] { return startOf(desktop, empty); });
     return {.rows = {summarize("start to icon and mode / empty tray app.", "ms", comparison, median,
-                               1.5)}};
+                               1.35)}};
 }
 
 } // namespace vantrel::bench

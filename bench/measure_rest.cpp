@@ -76,7 +76,7 @@ Report measureRest(const Contenders& contenders, const Effort& effort) {
         effort.turns,
         [&] { return costAtRest(desktop, contenders.programAtRest, effort.secondsInTurn); },
         [&] { return costAtRest(desktop, contenders.floorAtRest, effort.secondsInTurn); });
-    return {.rows = {summarize("at rest, CPU of the program", "ms/s", comparison, median, 1.5)},
+    return {.rows = {summarize("at rest, CPU of the program", "ms/s", comparison, median, 1.3)},
             .checks = {onlyLinkAndPointer(contenders.programAtRest, effort.secondsInTurn)}};
 }
 

@@ -2,10 +2,7 @@
 
 #include "tray_desktop.h"
 
-#include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
-
-#include <sstream>
 
 namespace vantrel::bench {
 namespace {
@@ -73,11 +70,6 @@ OneStart windowOpenings(TrayDesktop& desktop, const TrayProgram& program, int la
     return result;
 }
 
-struct Usage {
-    std::uint64_t memory = 0;
-    desktop::ServerResources resources{};
-};
-
 Usage usageAfter(TrayDesktop& desktop, const TrayProgram& program,
                  const desktop::ChildProcess& process, int rounds) {
     for (int i = 0; i < rounds; ++i) {
@@ -87,16 +79,7 @@ Usage usageAfter(TrayDesktop& desktop, const TrayProgram& program,
         openWindow(desktop, program);
         closeWindow(desktop, program);
     }
-    return {.memory = desktop::proportionalBytes(process.pid()),
-            .resources = desktop::serverResources(desktop.bench.connection, process.pid())};
-}
-
-std::string describe(const Usage& before, const Usage& after) {
-    std::ostringstream text;
-    text << "memory " << before.memory / 1024 << " to " << after.memory / 1024 << " KiB, pixmaps "
-         << before.resources.pixmaps << " to " << after.resources.pixmaps << ", windows "
-         << before.resources.windows << " to " << after.resources.windows;
-    return text.str();
+    return usageOf(desktop, process);
 }
 
 } // namespace
@@ -131,11 +114,8 @@ Report measureReopening(const Contenders& contenders, const Effort& effort) {
     const auto process = startInTray(desktop, program);
     const Usage before = usageAfter(desktop, program, process, effort.reopenings / 5);
     const Usage after = usageAfter(desktop, program, process, effort.reopenings);
-    // Pages that the allocator took back and forth.
-    constexpr std::uint64_t tolerance = std::uint64_t{512} * 1024;
     return {.checks = {{.name = "opened and closed " + std::to_string(effort.reopenings) + " times",
-                        .met = after.memory <= before.memory + tolerance &&
-                               after.resources == before.resources,
+                        .met = !after.exceeds(before),
                         .found = describe(before, after)}}};
 }
 

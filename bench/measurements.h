@@ -14,6 +14,7 @@ struct Effort {
     int openings = 4; // of a window after each start
     int reopenings = 60;
     int commands = 100;
+    int partsOfDay = 10; // of ten
 
     static Effort smoke() {
         return {.turns = 1,
@@ -22,7 +23,8 @@ struct Effort {
                 .starts = 1,
                 .openings = 1,
                 .reopenings = 5,
-                .commands = 3};
+                .commands = 3,
+                .partsOfDay = 1};
     }
 };
 
@@ -63,5 +65,8 @@ struct Effort {
 // CPU time of GNOME Shell for 1000 motions a second, compared with motions without a mark; frames
 // of them with the mark elsewhere than the pointer.
 [[nodiscard]] Report measureShell(const Contenders& contenders, const Effort& effort);
+// A day of use in a few minutes: what the program and the server hold at its end, what is left on
+// the screen, and what was written to standard error.
+[[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);
 
 } // namespace vantrel::bench

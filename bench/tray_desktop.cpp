@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -109,7 +110,7 @@ TrayProgram rehearse(TrayDesktop& desktop, const Contender& contender, bool mark
     desktop.bench.input.moveTo(restingPlace);
     const desktop::ChildProcess process(
         {.arguments = contender.command,
-         .environment = desktop.bench.server.environment(),
+         .environment = desktop.environment,
          .errors = desktop.bench.server.folder() / "contender.err"});
     const auto icon = desktop.tray.waitForIcon(program.name);
     if (!icon) {
@@ -138,7 +139,7 @@ desktop::ChildProcess startInTray(TrayDesktop& desktop, const TrayProgram& progr
     }
     const auto begin = Clock::now();
     desktop::ChildProcess process({.arguments = program.contender.command,
-                                   .environment = desktop.bench.server.environment(),
+                                   .environment = desktop.environment,
                                    .errors = desktop.bench.server.folder() / "contender.err"});
     const auto shown = [&] {
         return showsSomething(icon.look()) &&
@@ -200,6 +201,24 @@ bool bothOpen(const TrayDesktop& desktop, const TrayProgram& program) {
         return !desktop::visibleWindows(desktop.bench.connection, query).empty();
     };
     return isOpen(popupOf(program)) && isOpen(windowOf(program));
+}
+
+bool Usage::exceeds(const Usage& before) const {
+    constexpr std::uint64_t tolerance = std::uint64_t{512} * 1024;
+    return memory > before.memory + tolerance || resources != before.resources;
+}
+
+Usage usageOf(const TrayDesktop& desktop, const desktop::ChildProcess& process) {
+    return {.memory = desktop::proportionalBytes(process.pid()),
+            .resources = desktop::serverResources(desktop.bench.connection, process.pid())};
+}
+
+std::string describe(const Usage& before, const Usage& after) {
+    std::ostringstream text;
+    text << "memory " << before.memory / 1024 << " to " << after.memory / 1024 << " KiB, pixmaps "
+         << before.resources.pixmaps << " to " << after.resources.pixmaps << ", windows "
+         << before.resources.windows << " to " << after.resources.windows;
+    return text.str();
 }
 
 } // namespace vantrel::bench

@@ -4,6 +4,7 @@
 
 #include "testdesk/program_windows.h"
 #include "testdesk/tray.h"
+#include "testdesk/usage.h"
 
 namespace vantrel::bench {
 
@@ -28,6 +29,7 @@ private:
 struct TrayDesktop {
     BenchDesktop bench{};
     desktop::Tray tray{bench.server};
+    desktop::Environment environment{bench.server.environment()}; // of what is started in it
 };
 
 // A program with an icon in the tray, and where on the screen its parts appear.
@@ -56,5 +58,17 @@ void closePopup(TrayDesktop& desktop, const TrayProgram& program);
 Milliseconds openWindow(TrayDesktop& desktop, const TrayProgram& program);
 void closeWindow(TrayDesktop& desktop, const TrayProgram& program);
 [[nodiscard]] bool bothOpen(const TrayDesktop& desktop, const TrayProgram& program);
+
+// What a program holds, and the X server for it.
+struct Usage {
+    std::uint64_t memory = 0; // bytes
+    desktop::ServerResources resources{};
+
+    // Beyond pages that the allocator takes back and forth.
+    [[nodiscard]] bool exceeds(const Usage& before) const;
+};
+
+[[nodiscard]] Usage usageOf(const TrayDesktop& desktop, const desktop::ChildProcess& process);
+[[nodiscard]] std::string describe(const Usage& before, const Usage& after);
 
 } // namespace vantrel::bench

@@ -1,0 +1,189 @@
+#include "measurements.h"
+
+#include "tray_desktop.h"
+
+#include "testdesk/client_window.h"
+#include "testdesk/displays.h"
+#include "testdesk/private_bus.h"
+#include "testdesk/usage.h"
+#include "testdesk/wait.h"
+
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <numbers>
+#include <sstream>
+#include <thread>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <X11/keysym.h>
+
+namespace vantrel::bench {
+namespace {
+
+using namespace std::chrono_literals;
+
+// What somebody does in ten hours of lessons, and how fast it is done here.
+constexpr int motions = 100'000;
+constexpr int clicks = 5'000;
+constexpr int modeChanges = 500;
+constexpr int panelOpenings = 200;
+constexpr int displayChanges = 50;
+constexpr int locks = 20;
+constexpr int sleeps = 20;
+constexpr desktop::PixelRect wholeScreen{0, 0, 1920, 1080};
+constexpr double motionsPerSecond = 2000;
+constexpr double clicksPerSecond = 100;
+constexpr double modeChangesPerSecond = 20;
+
+// Tells of sleep, and holds nothing up.
+class LoginManager {
+public:
+    explicit LoginManager(const desktop::PrivateBus& bus)
+        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                             QStringLiteral("login"))) {
+        bus_.registerService(QStringLiteral("org.freedesktop.login1"));
+    }
+    ~LoginManager() { QDBusConnection::disconnectFromBus(QStringLiteral("login")); }
+    LoginManager(const LoginManager&) = delete;
+    LoginManager& operator=(const LoginManager&) = delete;
+
+    void announceSleep(bool going) const {
+        auto signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
+                                                 QStringLiteral("org.freedesktop.login1.Manager"),
+                                                 QStringLiteral("PrepareForSleep"));
+        signal << going;
+        bus_.send(signal);
+    }
+
+private:
+    QDBusConnection bus_;
+};
+
+// A day on a desktop, which begins and ends with the program Off.
+class Day {
+public:
+    Day(TrayDesktop& desktop, const TrayProgram& program, const LoginManager& login)
+        : desktop_(desktop), program_(program), login_(login) {}
+
+    // One of so many equal parts.
+    void live(int parts) {
+        toggle('h');
+        setDisplays(1);
+        move(motions / parts);
+        clickAround(clicks / parts);
+        for (int i = 0; i < sleeps / parts; ++i) {
+            login_.announceSleep(true);
+            move(50);
+            login_.announceSleep(false);
+            move(50);
+        }
+        for (int i = 0; i < locks / parts; ++i) {
+            const desktop::ClientWindow locker(desktop_.bench.server.display(),
+                                               {.area = wholeScreen, .color = 0});
+            move(50);
+        }
+        for (int i = 0; i < displayChanges / parts; ++i) {
+            setDisplays(i % 2 == 0 ? 2 : 1);
+            move(100);
+        }
+        setDisplays(1);
+        atPace(modeChangesPerSecond, modeChanges / parts / modeChangesPerSecond, [&](int step) {
+            move(1);
+            toggle(step % 2 == 0 ? 'l' : 'h');
+        });
+        for (int i = 0; i < panelOpenings / parts; ++i) {
+            openPopup(desktop_, program_);
+            closePopup(desktop_, program_);
+        }
+        toggle('h'); // on, as the last of an even number of changes; off now
+    }
+
+private:
+    void move(int count) {
+        atPace(motionsPerSecond, count / motionsPerSecond, [&](int) {
+            const double angle = step_++ * 2 * std::numbers::pi / 1000;
+            desktop_.bench.input.moveTo({static_cast<int>(960 + 400 * std::cos(angle)),
+                                         static_cast<int>(500 + 400 * std::sin(angle))},
+                                        desktop::SyntheticInput::Wait::no);
+        });
+    }
+    // In another program's window.
+    void clickAround(int count) {
+        constexpr std::array buttons{desktop::Button::left, desktop::Button::right};
+        const desktop::ClientWindow window(desktop_.bench.server.display(), {.area = wholeScreen});
+        atPace(clicksPerSecond, count / clicksPerSecond, [&](int step) {
+            move(1);
+            desktop_.bench.input.click(buttons[static_cast<std::size_t>(step % 2)]);
+        });
+    }
+    void setDisplays(int count) const {
+        const int width = 1920 / count;
+        std::vector<desktop::PixelRect> monitors;
+        for (int i = 0; i < count; ++i) {
+            monitors.push_back({i * width, 0, width, 1080});
+        }
+        desktop::setMonitors(desktop_.bench.connection, monitors);
+    }
+    void toggle(char key) const {
+        desktop_.bench.input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(key)});
+    }
+
+    TrayDesktop& desktop_;
+    const TrayProgram& program_;
+    const LoginManager& login_;
+    int step_ = 0;
+};
+
+std::string textOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+Report measureDay(const Contenders& contenders, const Effort& effort) {
+    if (!contenders.reacts) {
+        return {};
+    }
+    constexpr int parts = 10;
+    TrayDesktop desktop;
+    const desktop::PrivateBus systemBus(desktop.bench.server.folder() / "system-bus");
+    const LoginManager login(systemBus);
+    desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
+    const auto program = rehearse(desktop, contenders.programAsApplication, true);
+    // Without the tray.
+    const auto screen = [&] {
+        return captureScreen(desktop.bench.connection, {0, 0, 1920, program.icon.y - 10});
+    };
+    const auto process = startInTray(desktop, program);
+    desktop.bench.input.typeChord({XK_Control_L, XK_Alt_L, 'h'});
+    Day day(desktop, program, login);
+    day.live(parts);
+    const auto isBlank = [&] {
+        const auto picture = screen();
+        return std::ranges::count(picture.pixels, desktop.bench.background) ==
+               std::ssize(picture.pixels);
+    };
+    bool blank = desktop::waitFor(isBlank);
+    const Usage before = usageOf(desktop, process);
+    for (int part = 1; part < effort.partsOfDay; ++part) {
+        day.live(parts);
+        blank = desktop::waitFor(isBlank) && blank;
+    }
+    const Usage after = usageOf(desktop, process);
+    const auto errors = textOf(desktop.bench.server.folder() / "contender.err");
+    return {.checks = {{.name = "a day's use: held from its first hour to its last",
+                        .met = !after.exceeds(before),
+                        .found = describe(before, after)},
+                       {.name = "a day's use: marks left on the screen",
+                        .met = blank,
+                        .found = blank ? "none" : "some"},
+                       {.name = "a day's use: errors written",
+                        .met = errors.empty(),
+                        .found = errors.empty() ? "none" : errors}}};
+}
+
+} // namespace vantrel::bench
