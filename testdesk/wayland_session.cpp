@@ -26,8 +26,7 @@ std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
 
 } // namespace
 
-std::vector<std::string> swayCommand(const std::filesystem::path& configuration) {
-    std::vector<std::string> command{"sway", "--config", configuration};
+std::vector<std::string> asOrdinaryUser(std::vector<std::string> command) {
     if (geteuid() == 0) {
         const std::vector<std::string> asNobody{"setpriv",
                                                 "--reuid=65534",
@@ -45,7 +44,9 @@ namespace {
 ChildProcess startSway(const PrivateServer& server, std::string& display) {
     const XConnection connection(server.display());
     return startDesktopProgram(
-        server, swayCommand(writeConfiguration(server.folder(), connection.screen())),
+        server,
+        asOrdinaryUser(
+            {"sway", "--config", writeConfiguration(server.folder(), connection.screen())}),
         [&] {
             const std::string written = readFile(server.folder() / "display");
             display = written.substr(0, written.find('\n'));

@@ -2,7 +2,6 @@
 
 #include "testdesk/private_server.h"
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -23,8 +22,8 @@ private:
     ChildProcess compositor_;
 };
 
-// sway with that configuration. Root, as whom it refuses to run, becomes nobody for it, with the
-// right to write where root does.
-[[nodiscard]] std::vector<std::string> swayCommand(const std::filesystem::path& configuration);
+// A compositor's command. Root, as whom sway refuses to run, becomes nobody for it, with the right
+// to write where root does.
+[[nodiscard]] std::vector<std::string> asOrdinaryUser(std::vector<std::string> command);
 
 } // namespace vantrel::desktop

@@ -53,11 +53,9 @@ check_packages=(
 # What makes a Debian in a folder, and keeps what is compiled there.
 debian_packages=(ccache debootstrap)
 
-# sway alone, and what its tests take.
-sway_test_packages=(
-    fonts-dejavu-core grim libgmock-dev libgtest-dev libxcb-res0-dev libxcb-xtest0-dev sway
-    x11-xserver-utils xwayland
-)
+# Of Debian unstable: the compositors that tell programs where the pointer is.
+unstable_packages=(grim labwc sway wlr-randr)
+unstable_programs=(grim labwc sway swaymsg wlr-randr)
 
 say() {
     printf '%s\n' "$*"

@@ -1,14 +1,16 @@
-#include "testdesk/sway_session.h"
+#include "testdesk/wlroots_session.h"
 
 #include "testdesk/wait.h"
 #include "testdesk/wayland_session.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include <wayland-client.h>
 #include <wayland-virtual-pointer.h>
@@ -18,31 +20,46 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What else programs need to know is written down once its Xwayland takes connections of every
-// user.
-std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
-                                         const std::vector<SwayOutput>& outputs) {
-    std::ofstream file(folder / "sway.config");
-    file << "xwayland force\ndefault_border none\ndefault_floating_border none\n";
-    int number = 0;
-    for (const auto& output : outputs) {
-        file << "output HEADLESS-" << ++number << " mode --custom " << output.pixels.width() << "x"
-             << output.pixels.height() << "@60Hz position " << output.place.x() << " "
-             << output.place.y() << " scale " << output.scale << "\n";
+struct Traits {
+    std::string name;
+    // Of the first that tells where the pointer is.
+    int major = 0;
+    int minor = 0;
+};
+
+const Traits& traitsOf(Compositor compositor) {
+    static const Traits sway{"sway", 1, 11};
+    static const Traits labwc{"labwc", 0, 9};
+    return compositor == Compositor::sway ? sway : labwc;
+}
+
+// What programs need to know is written down once its Xwayland takes connections of every user.
+std::vector<std::string> commandOf(Compositor compositor, const std::filesystem::path& folder) {
+    const auto start =
+        "xhost + && echo $DISPLAY $WAYLAND_DISPLAY ready >" + (folder / "names").string();
+    const auto file = folder / "configuration";
+    if (compositor == Compositor::sway) {
+        std::ofstream(file) << "xwayland force\ndefault_border none\n"
+                            << "default_floating_border none\nexec " << start << "\n";
+        return asOrdinaryUser({"sway", "--config", file});
     }
-    file << "exec xhost + && echo $DISPLAY $WAYLAND_DISPLAY $SWAYSOCK ready >" << folder / "names"
-         << "\n";
-    return folder / "sway.config";
+    std::ofstream(file) << "<labwc_config><core><xwaylandPersistence>yes</xwaylandPersistence>"
+                           "</core></labwc_config>\n";
+    return asOrdinaryUser({"labwc", "--config", file, "--startup", "sh -c '" + start + "'"});
+}
+
+std::string nameOf(int output) {
+    return "HEADLESS-" + std::to_string(output);
 }
 
 } // namespace
 
 // A mouse of the session.
-class SwaySession::Mouse {
+class WlrootsSession::Mouse {
 public:
     explicit Mouse(const std::string& socket) : display_(wl_display_connect(socket.c_str())) {
         if (display_ == nullptr) {
-            throw std::runtime_error("no connection to sway");
+            throw std::runtime_error("no connection to the compositor");
         }
         static constexpr wl_registry_listener listener{
             .global =
@@ -101,61 +118,82 @@ private:
     std::uint32_t time_ = 0; // in milliseconds, which only have to go up
 };
 
-SwaySession::SwaySession(const std::vector<SwayOutput>& outputs) : compositor_(start(outputs)) {}
+WlrootsSession::WlrootsSession(Compositor compositor, const std::vector<HeadlessOutput>& outputs)
+    : process_(start(compositor, std::max<std::size_t>(outputs.size(), 1))) {
+    if (outputs.empty()) {
+        return;
+    }
+    std::vector<std::string> words{"wlr-randr"};
+    for (int number = 0; const auto& output : outputs) {
+        const auto pair = [](int one, char between, int other) {
+            return std::to_string(one) + between + std::to_string(other);
+        };
+        words.insert(words.end(),
+                     {"--output", nameOf(++number), "--custom-mode",
+                      pair(output.pixels.width(), 'x', output.pixels.height()) + "@60Hz", "--pos",
+                      pair(output.place.x(), ',', output.place.y()), "--scale",
+                      std::to_string(output.scale)});
+    }
+    run(words);
+}
 
-SwaySession::~SwaySession() = default;
+WlrootsSession::~WlrootsSession() = default;
 
-bool SwaySession::followsPointers() {
+bool WlrootsSession::followsPointers(Compositor compositor) {
+    const auto& [name, firstMajor, firstMinor] = traitsOf(compositor);
     const TemporaryFolder folder;
-    ChildProcess({.arguments = {"sway", "--version"},
+    // By a shell, which does not mind when there is none.
+    ChildProcess({.arguments = {"sh", "-c", name + " --version"},
                   .environment = minimalEnvironment(),
                   .output = folder / "version"})
         .wait(10s);
+    const auto version = readFile(folder / "version");
+    const auto digits = version.find_first_of("0123456789");
     int major = 0;
     int minor = 0;
-    const auto version = readFile(folder / "version");
-    // NOLINTNEXTLINE(cert-err34-c): a version that is none counts as an old one.
-    std::sscanf(version.c_str(), "sway version %d.%d", &major, &minor);
-    return major > 1 || minor >= 11;
+    return digits != std::string::npos &&
+           // NOLINTNEXTLINE(cert-err34-c): a version that is none counts as an old one.
+           std::sscanf(version.c_str() + digits, "%d.%d", &major, &minor) == 2 &&
+           std::pair(major, minor) >= std::pair(firstMajor, firstMinor);
 }
 
-ChildProcess SwaySession::start(const std::vector<SwayOutput>& outputs) {
+ChildProcess WlrootsSession::start(Compositor compositor, std::size_t outputs) {
     makeRuntimeFolder(folder());
     auto environment = environmentIn(folder());
     environment["WLR_BACKENDS"] = "headless";
-    environment["WLR_HEADLESS_OUTPUTS"] = std::to_string(outputs.size());
+    environment["WLR_HEADLESS_OUTPUTS"] = std::to_string(outputs);
     environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
     environment["WLR_RENDERER"] = "pixman";
-    ChildProcess process({.arguments = swayCommand(writeConfiguration(folder(), outputs)),
+    ChildProcess process({.arguments = commandOf(compositor, folder()),
                           .environment = environment,
-                          .output = folder() / "sway.out",
-                          .errors = folder() / "sway.err"});
+                          .output = folder() / "compositor.out",
+                          .errors = folder() / "compositor.err"});
     const bool isUp = waitFor(
         [&] {
             std::istringstream names(readFile(folder() / "names"));
             std::string ready;
-            return !process.running() || (names >> display_ >> socket_ >> control_ >> ready);
+            return !process.running() || (names >> display_ >> socket_ >> ready);
         },
         20s);
     if (!isUp || !process.running()) {
-        throw std::runtime_error("sway did not start: " + readFile(folder() / "sway.err"));
+        throw std::runtime_error(traitsOf(compositor).name +
+                                 " did not start: " + readFile(folder() / "compositor.err"));
     }
     return process;
 }
 
-std::string SwaySession::socket() const {
+std::string WlrootsSession::socket() const {
     return folder() / "runtime" / socket_;
 }
 
-Environment SwaySession::environment() const {
+Environment WlrootsSession::environment() const {
     auto environment = environmentIn(folder());
     environment["DISPLAY"] = display_;
     environment["WAYLAND_DISPLAY"] = socket_;
-    environment["SWAYSOCK"] = control_;
     return environment;
 }
 
-void SwaySession::run(std::vector<std::string> arguments) const {
+void WlrootsSession::run(std::vector<std::string> arguments) const {
     const auto name = arguments.front();
     const auto status = ChildProcess({.arguments = std::move(arguments),
                                       .environment = environment(),
@@ -166,28 +204,29 @@ void SwaySession::run(std::vector<std::string> arguments) const {
     }
 }
 
-QImage SwaySession::picture(int output) const {
+QImage WlrootsSession::picture(int output) const {
     const auto file = folder() / "picture.png";
-    run({"grim", "-o", "HEADLESS-" + std::to_string(output), file});
+    run({"grim", "-o", nameOf(output), file});
     return QImage(QString::fromStdString(file)).convertToFormat(QImage::Format_RGB32);
 }
 
-void SwaySession::recordWithPointer(int output) const {
-    run({"grim", "-c", "-o", "HEADLESS-" + std::to_string(output), folder() / "record.png"});
+void WlrootsSession::recordWithPointer(int output) const {
+    run({"grim", "-c", "-o", nameOf(output), folder() / "record.png"});
 }
 
-void SwaySession::command(const std::string& words) const {
-    run({"swaymsg", words});
+void WlrootsSession::setOutput(int output, std::vector<std::string> words) const {
+    words.insert(words.begin(), {"wlr-randr", "--output", nameOf(output)});
+    run(std::move(words));
 }
 
-void SwaySession::moveTo(QPoint place) {
+void WlrootsSession::moveTo(QPoint place) {
     if (!mouse_) {
         mouse_ = std::make_unique<Mouse>(socket());
     }
     mouse_->moveTo(place);
 }
 
-void SwaySession::click(std::uint32_t button) {
+void WlrootsSession::click(std::uint32_t button) {
     mouse_->click(button);
 }
 

@@ -7,31 +7,35 @@
 #include <QPoint>
 #include <QSize>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace vantrel::desktop {
 
-// Of sway, one after the other; its place is in points.
-struct SwayOutput {
+enum class Compositor : std::uint8_t { sway, labwc };
+
+// One after the other; its place is in points.
+struct HeadlessOutput {
     QSize pixels{800, 600};
     double scale = 1;
     QPoint place{0, 0};
 };
 
-// sway as a Wayland session without a screen, with an Xwayland, over a black desktop. It has no
-// pointer before that is first moved.
-class SwaySession {
+// A compositor as a Wayland session without a screen, with an Xwayland, over a black desktop. It
+// has no pointer before that is first moved.
+class WlrootsSession {
 public:
-    // Throws when it does not come up.
-    explicit SwaySession(const std::vector<SwayOutput>& outputs = {{}});
-    ~SwaySession();
-    SwaySession(const SwaySession&) = delete;
-    SwaySession& operator=(const SwaySession&) = delete;
+    // With one output as it comes where none is named, which spares wlr-randr. Throws when it does
+    // not come up.
+    explicit WlrootsSession(Compositor compositor, const std::vector<HeadlessOutput>& outputs = {});
+    ~WlrootsSession();
+    WlrootsSession(const WlrootsSession&) = delete;
+    WlrootsSession& operator=(const WlrootsSession&) = delete;
 
-    // Whether this sway tells programs where the pointer is.
-    [[nodiscard]] static bool followsPointers();
+    // Whether the one that is installed, if any, tells programs where the pointer is.
+    [[nodiscard]] static bool followsPointers(Compositor compositor);
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     // For programs of the session.
@@ -45,27 +49,26 @@ public:
     [[nodiscard]] QImage picture(int output = 1) const;
     // A picture with the pointer in it, as a recorder takes them.
     void recordWithPointer(int output = 1) const;
-    // In the words of its configuration.
-    void command(const std::string& words) const;
+    // In the words of wlr-randr, as "--off".
+    void setOutput(int output, std::vector<std::string> words) const;
 
     // In points, from the corner of the output at 0, 0.
     void moveTo(QPoint place);
     void click(std::uint32_t button); // a code of Linux, as BTN_LEFT
 
     // Ends it before its time.
-    void stop() { compositor_.terminate(); }
+    void stop() { process_.terminate(); }
 
 private:
     class Mouse;
 
     void run(std::vector<std::string> arguments) const;
-    [[nodiscard]] ChildProcess start(const std::vector<SwayOutput>& outputs);
+    [[nodiscard]] ChildProcess start(Compositor compositor, std::size_t outputs);
 
     TemporaryFolder folder_;
     std::string display_;
     std::string socket_; // the name of it
-    std::string control_;
-    ChildProcess compositor_;
+    ChildProcess process_;
     std::unique_ptr<Mouse> mouse_;
 };
 

@@ -7,15 +7,17 @@
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/wayland_with_memory.h"
-#include "testdesk/sway_session.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
+#include "testdesk/wlroots_session.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <linux/input-event-codes.h>
@@ -25,16 +27,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Debian 12 and 13 have a sway that tells no program where the pointer is.
-#define SKIP_WITHOUT_CURSOR_SESSIONS()                                                             \
-    if (!SwaySession::followsPointers()) {                                                         \
-        GTEST_SKIP() << "this sway has no cursor sessions";                                        \
+// Debian 12 and 13 have none that tells programs where the pointer is.
+#define SKIP_WITHOUT_CURSOR_SESSIONS(compositor)                                                   \
+    if (!WlrootsSession::followsPointers(compositor)) {                                            \
+        GTEST_SKIP() << "none that has cursor sessions";                                           \
     }
 
 // The overlays of this process in a session.
 class Overlays {
 public:
-    explicit Overlays(const SwaySession& session)
+    explicit Overlays(const WlrootsSession& session)
         : connection_(wayland::Connection::open(session.socket(), 5s)),
           wayland_(*connection_, clock_),
           manager_(desktopOn(wayland_, clock_, rest_.mainQueue, rest_)) {}
@@ -53,7 +55,7 @@ private:
 };
 
 // Waits until the output shows the effect around that pixel.
-testing::AssertionResult shows(const SwaySession& session, const Effect& effect, QPoint pixel,
+testing::AssertionResult shows(const WlrootsSession& session, const Effect& effect, QPoint pixel,
                                double scale = 1, int output = 1) {
     Differences last;
     const bool shown = runUntil([&] {
@@ -69,13 +71,17 @@ bool isBlack(const QImage& picture) {
     return picture == black;
 }
 
-class SwayLookTest : public testing::TestWithParam<double> {};
+std::string nameOf(Compositor compositor) {
+    return compositor == Compositor::sway ? "sway" : "labwc";
+}
 
-TEST_P(SwayLookTest, ShowsEachEffectOnTheDisplaysPixels) {
-    SKIP_WITHOUT_CURSOR_SESSIONS();
+class WlrootsLookTest : public testing::TestWithParam<std::tuple<Compositor, double>> {};
+
+TEST_P(WlrootsLookTest, ShowsEachEffectOnTheDisplaysPixels) {
+    const auto [compositor, scale] = GetParam();
+    SKIP_WITHOUT_CURSOR_SESSIONS(compositor);
     const CoreApplication application;
-    const double scale = GetParam();
-    SwaySession session({{.pixels = {1200, 900}, .scale = scale}});
+    WlrootsSession session(compositor, {{.pixels = {1200, 900}, .scale = scale}});
     Overlays overlays(session);
     // At an odd point no pixel of a display at one and a half begins.
     for (const QPoint place : {QPoint(200, 100), QPoint(301, 203)}) {
@@ -90,13 +96,26 @@ TEST_P(SwayLookTest, ShowsEachEffectOnTheDisplaysPixels) {
     EXPECT_TRUE(runUntil([&] { return isBlack(session.picture()); }));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, SwayLookTest, testing::Values(1, 1.5, 2));
+constexpr auto compositors = {Compositor::sway, Compositor::labwc};
 
-TEST(SwayTest, CutsTheMarkAtTheBorderOfTwoDisplaysAndFollowsTheirComingAndGoing) {
-    SKIP_WITHOUT_CURSOR_SESSIONS();
+INSTANTIATE_TEST_SUITE_P(In, WlrootsLookTest,
+                         testing::Combine(testing::ValuesIn(compositors),
+                                          testing::Values(1, 1.5, 2)),
+                         [](const auto& test) {
+                             return nameOf(std::get<0>(test.param)) +
+                                    std::to_string(std::lround(100 * std::get<1>(test.param)));
+                         });
+
+class WlrootsTest : public testing::TestWithParam<Compositor> {};
+
+INSTANTIATE_TEST_SUITE_P(In, WlrootsTest, testing::ValuesIn(compositors),
+                         [](const auto& test) { return nameOf(test.param); });
+
+TEST_P(WlrootsTest, CutsTheMarkAtTheBorderOfTwoDisplaysAndFollowsTheirComingAndGoing) {
+    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
     const CoreApplication application;
-    SwaySession session(
-        {{.pixels = {1200, 600}, .scale = 1.5}, {.pixels = {800, 600}, .place = {800, 0}}});
+    WlrootsSession session(GetParam(), {{.pixels = {1200, 600}, .scale = 1.5},
+                                        {.pixels = {800, 600}, .place = {800, 0}}});
     Overlays overlays(session);
     const auto effect = effectOf(CursorMode::highlight, strongly());
     overlays.show(CursorMode::highlight, strongly());
@@ -108,21 +127,21 @@ TEST(SwayTest, CutsTheMarkAtTheBorderOfTwoDisplaysAndFollowsTheirComingAndGoing)
     EXPECT_TRUE(shows(session, effect, {1215, 300}, 1.5, 1));
     EXPECT_TRUE(shows(session, effect, {10, 200}, 1, 2));
 
-    session.command("output HEADLESS-2 disable");
+    session.setOutput(2, {"--off"});
     session.moveTo({400, 200});
     EXPECT_TRUE(shows(session, effect, {600, 300}, 1.5, 1));
     // None is left, and one comes back as another.
-    session.command("output HEADLESS-1 disable");
-    session.command("output HEADLESS-1 enable scale 1 transform 90");
+    session.setOutput(1, {"--off"});
+    session.setOutput(1, {"--on", "--scale", "1", "--transform", "90"});
     session.moveTo({410, 200});
     EXPECT_TRUE(shows(session, effect, {410, 200}));
 }
 
 // The compositor then paints the pointer into the picture itself, and tells nobody where.
-TEST(SwayTest, HidesWhileThePointerIsRecordedAndComesBack) {
-    SKIP_WITHOUT_CURSOR_SESSIONS();
+TEST_P(WlrootsTest, HidesWhileThePointerIsRecordedAndComesBack) {
+    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
     const CoreApplication application;
-    SwaySession session;
+    WlrootsSession session(GetParam());
     Overlays overlays(session);
     const auto effect = effectOf(CursorMode::highlight, strongly());
     overlays.show(CursorMode::highlight, strongly());
@@ -131,14 +150,18 @@ TEST(SwayTest, HidesWhileThePointerIsRecordedAndComesBack) {
     session.recordWithPointer();
     EXPECT_TRUE(runUntil([&] { return !overlays.pointer(); }));
     EXPECT_TRUE(runUntil([&] { return session.picture().pixel(380, 300) == 0xFF000000; }));
-    session.command("seat seat0 xcursor_theme default 48");
+    // With the next look of the pointer, as the recorder may go on before.
+    const ClientWindow window(session.display(),
+                              {.area = {300, 200, 200, 200}, .color = 0xFF000000});
+    session.moveTo({401, 300});
+    session.moveTo({400, 300});
     EXPECT_TRUE(shows(session, effect, {400, 300}));
 }
 
 // The program in a session.
-class SwayProgram : public ProgramOf<SwaySession> {
+class ProgramInSession : public ProgramOf<WlrootsSession> {
 public:
-    explicit SwayProgram(const SwaySession& session) : ProgramOf(session) {
+    explicit ProgramInSession(const WlrootsSession& session) : ProgramOf(session) {
         writePreferences(session.folder() / "config", preferencesShowing("highlight"));
         program_.emplace(start());
     }
@@ -154,11 +177,11 @@ private:
     std::optional<ChildProcess> program_;
 };
 
-TEST(SwayTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks) {
-    SKIP_WITHOUT_CURSOR_SESSIONS();
-    SwaySession session;
+TEST_P(WlrootsTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks) {
+    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
+    WlrootsSession session(GetParam());
     session.moveTo({100, 100});
-    SwayProgram program(session);
+    ProgramInSession program(session);
     ASSERT_TRUE(program.isUp());
     const auto status = program.status();
     EXPECT_EQ(status.at("marks"), "layer-shell");
@@ -177,6 +200,8 @@ TEST(SwayTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks)
         return picture.pixel(100, 100) == blue && picture.pixel(385, 300) != blue;
     };
     EXPECT_TRUE(waitFor(isMarked));
+    // labwc looks what lies below the pointer when that moves.
+    session.moveTo({401, 300});
     session.click(BTN_LEFT);
     EXPECT_TRUE(waitFor([&] { return below.events().size() == 2; }));
 
@@ -188,12 +213,12 @@ TEST(SwayTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks)
     EXPECT_EQ(program.wait(), (ExitStatus{.code = 0})) << program.errors();
 }
 
-TEST(SwayTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer) {
-    if (SwaySession::followsPointers()) {
+TEST(WlrootsProgramTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer) {
+    if (WlrootsSession::followsPointers(Compositor::sway)) {
         GTEST_SKIP() << "this sway has cursor sessions";
     }
-    SwaySession session;
-    const SwayProgram program(session);
+    WlrootsSession session(Compositor::sway);
+    const ProgramInSession program(session);
     ASSERT_TRUE(program.isUp());
     const auto status = program.status();
     for (const auto* means : {"marks", "pointer", "presses", "shortcuts"}) {
