@@ -9,7 +9,8 @@
 namespace vantrel {
 
 FrameTimer::FrameTimer(double rate, std::function<void()> target)
-    : descriptor_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
+    : period_(std::lround(1e9 / rate)),
+      descriptor_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
       notifier_(descriptor_, QSocketNotifier::Read) {
     QObject::connect(&notifier_, &QSocketNotifier::activated,
                      [descriptor = descriptor_, target = std::move(target)] {
@@ -18,16 +19,25 @@ FrameTimer::FrameTimer(double rate, std::function<void()> target)
                              target();
                          }
                      });
-    const auto period = static_cast<long>(std::lround(1e9 / rate));
-    constexpr long second = 1'000'000'000;
-    const timespec interval{period / second, period % second};
-    const itimerspec spec{interval, interval};
-    timerfd_settime(descriptor_, 0, &spec, nullptr);
+    start(period_);
 }
 
 FrameTimer::~FrameTimer() {
     notifier_.setEnabled(false);
     close(descriptor_);
+}
+
+void FrameTimer::putOff() const {
+    start(period_ + period_ / 2);
+}
+
+void FrameTimer::start(Nanoseconds first) const {
+    const auto toTimespec = [](Nanoseconds time) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+        return timespec{seconds.count(), (time - seconds).count()};
+    };
+    const itimerspec spec{toTimespec(period_), toTimespec(first)};
+    timerfd_settime(descriptor_, 0, &spec, nullptr);
 }
 
 } // namespace vantrel

@@ -2,6 +2,7 @@
 
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <functional>
 
 namespace vantrel {
@@ -16,7 +17,15 @@ public:
     FrameTimer(const FrameTimer&) = delete;
     FrameTimer& operator=(const FrameTimer&) = delete;
 
+    // Has the next call come one and a half times as late from now as it would after another.
+    void putOff() const;
+
 private:
+    using Nanoseconds = std::chrono::duration<long, std::nano>;
+
+    void start(Nanoseconds first) const;
+
+    Nanoseconds period_;
     int descriptor_;
     QSocketNotifier notifier_;
 };

@@ -45,6 +45,11 @@ public:
         manager_.apply(mode, preferences);
     }
     [[nodiscard]] std::optional<GlobalPoint> pointer() { return wayland_.pointer.location(); }
+    // In place of the one that the overlays have.
+    [[nodiscard]] std::unique_ptr<DisplayLink> link(float rate, std::function<void()> target) {
+        return wayland_.displayLinks.create(wayland_.screens.list().front(), {rate, rate, rate},
+                                            std::move(target));
+    }
 
 private:
     SystemClock clock_;
@@ -156,6 +161,32 @@ TEST_P(WlrootsTest, HidesWhileThePointerIsRecordedAndComesBack) {
     session.moveTo({401, 300});
     session.moveTo({400, 300});
     EXPECT_TRUE(shows(session, effect, {400, 300}));
+}
+
+TEST_P(WlrootsTest, PacesByTheFramesThatShowSomethingNewAndByTheClockWithout) {
+    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
+    const CoreApplication application;
+    WlrootsSession session(GetParam());
+    Overlays overlays(session);
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    overlays.show(CursorMode::highlight, strongly());
+    session.moveTo({300, 300});
+    EXPECT_TRUE(shows(session, effect, {300, 300}));
+    int calls = 0;
+    auto link = overlays.link(0.001F, [&] { ++calls; });
+    session.moveTo({400, 300});
+    EXPECT_TRUE(shows(session, effect, {400, 300}));
+    EXPECT_TRUE(runUntil([&] { return calls > 0; }));
+    // One may still come.
+    const int most = calls + 1;
+    int pictures = 0;
+    EXPECT_TRUE(runUntil([&] { return !session.picture().isNull() && ++pictures == 5; }));
+    EXPECT_LE(calls, most);
+
+    link.reset();
+    link = overlays.link(20, [&] { ++calls; });
+    session.moveTo({410, 300});
+    EXPECT_TRUE(runUntil([&] { return calls > most + 10; }));
 }
 
 // The program in a session.

@@ -19,14 +19,15 @@ struct WaylandDesktop {
           pointer(connection, screens),
           eventMonitors(connection, pointer),
           overlayWindows(connection, screens, clock),
+          displayLinks(overlayWindows),
           transaction(overlayWindows) {}
 
     EventLoop eventLoop;
     WaylandScreens screens;
     WaylandPointer pointer;
     WaylandEventMonitors eventMonitors;
-    WaylandDisplayLinks displayLinks;
     WaylandOverlayWindows overlayWindows;
+    WaylandDisplayLinks displayLinks;
     WaylandTransaction transaction;
 };
 

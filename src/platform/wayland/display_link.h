@@ -1,15 +1,21 @@
 #pragma once
 
 #include "platform/display.h"
+#include "platform/wayland/overlay_windows.h"
 
 namespace vantrel::wayland {
 
-// At the rate of the display. The compositor's own frame events would have it paint for each of
-// them, and come only while it does; where the pointer goes is told by other events.
+// With each frame of the display that shows something new, as the compositor tells; at its rate
+// while there is none. To hear of other frames one would have to ask for them.
 class WaylandDisplayLinks final : public DisplayLinks {
 public:
+    explicit WaylandDisplayLinks(WaylandOverlayWindows& windows) : windows_(windows) {}
+
     std::unique_ptr<DisplayLink> create(const Screen& screen, FrameRateRange range,
                                         std::function<void()> target) override;
+
+private:
+    WaylandOverlayWindows& windows_;
 };
 
 } // namespace vantrel::wayland

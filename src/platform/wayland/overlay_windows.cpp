@@ -51,6 +51,8 @@ private:
     void makeSurface(wl_output& output);
     void configure(std::uint32_t serial, std::uint32_t width, std::uint32_t height);
     void close();
+    void askForFrame();
+    void noteFrame(std::uint32_t time);
     bool upload(SpriteId sprite, const QImage& picture) override;
     void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
     void place(SpriteId sprite, QPoint topLeft) override;
@@ -66,6 +68,7 @@ private:
     Handle<wl_surface> surface_;
     Handle<wp_viewport> viewport_;
     Handle<zwlr_layer_surface_v1> layerSurface_;
+    Handle<wl_callback> frame_; // while one was asked for
     std::vector<Sprite> sprites_;
     bool changed_ = false;
 };
@@ -119,6 +122,7 @@ void WaylandOverlayWindow::configure(std::uint32_t serial, std::uint32_t width,
 
 void WaylandOverlayWindow::close() {
     sprites_.clear();
+    frame_.reset();
     layerSurface_.reset();
     viewport_.reset();
     surface_.reset();
@@ -134,8 +138,25 @@ void WaylandOverlayWindow::update(double mediaTime) {
         changed = sprite.surface->commit() || changed;
     }
     if (changed) {
+        askForFrame();
         wl_surface_commit(surface_.get());
     }
+}
+
+void WaylandOverlayWindow::askForFrame() {
+    if (frame_ || !owner_.pace_ || owner_.pace_->screen != screen_.id) {
+        return;
+    }
+    static constexpr wl_callback_listener listener{
+        .done = relay<&WaylandOverlayWindow::noteFrame, wl_callback>,
+    };
+    frame_.reset(wl_surface_frame(surface_.get()));
+    wl_callback_add_listener(frame_.get(), &listener, this);
+}
+
+void WaylandOverlayWindow::noteFrame(std::uint32_t /*time*/) {
+    frame_.reset();
+    owner_.frameCame_ = true;
 }
 
 SpriteSurface* WaylandOverlayWindow::surfaceOf(SpriteId sprite) const {
@@ -182,7 +203,8 @@ WaylandOverlayWindows::WaylandOverlayWindows(Connection& connection, const Wayla
     : connection_(connection),
       screens_(screens),
       clock_(clock),
-      clear_(SharedPicture::make(connection.shm(), {1, 1})) {}
+      clear_(SharedPicture::make(connection.shm(), {1, 1})),
+      events_(connection.addHandler(*this)) {}
 
 std::unique_ptr<OverlayWindow> WaylandOverlayWindows::create(const Screen& screen) {
     return std::make_unique<WaylandOverlayWindow>(*this, screen);
@@ -194,6 +216,17 @@ void WaylandOverlayWindows::flush() {
         window->update(mediaTime);
     }
     connection_.flush();
+}
+
+Subscription WaylandOverlayWindows::onFrame(std::uint32_t screen, std::function<void()> callback) {
+    pace_ = Pace{screen, std::move(callback)};
+    return Subscription([this] { pace_.reset(); });
+}
+
+void WaylandOverlayWindows::eventsDrained() {
+    if (std::exchange(frameCame_, false) && pace_) {
+        pace_->callback();
+    }
 }
 
 } // namespace vantrel::wayland

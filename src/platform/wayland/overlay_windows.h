@@ -6,7 +6,10 @@
 #include "platform/wayland/outputs.h"
 #include "platform/wayland/shared_picture.h"
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vantrel::wayland {
@@ -14,7 +17,7 @@ namespace vantrel::wayland {
 class WaylandOverlayWindow;
 
 // A surface on the uppermost layer of each display, with a part of its own for each sprite.
-class WaylandOverlayWindows final : public OverlayWindows {
+class WaylandOverlayWindows final : public OverlayWindows, private BatchHandler {
 public:
     // The connection must have a layer shell.
     WaylandOverlayWindows(Connection& connection, const WaylandScreens& screens,
@@ -23,15 +26,28 @@ public:
     std::unique_ptr<OverlayWindow> create(const Screen& screen) override;
     // Sends what has changed in the layers of every window.
     void flush();
+    // Calls whenever what was sent for that display has come to its screen, which never happens
+    // while it is off. One caller at a time.
+    Subscription onFrame(std::uint32_t screen, std::function<void()> callback);
 
 private:
     friend class WaylandOverlayWindow;
+
+    struct Pace {
+        std::uint32_t screen = 0;
+        std::function<void()> callback;
+    };
+
+    void eventsDrained() override;
 
     Connection& connection_;
     const WaylandScreens& screens_;
     const Clock& clock_;
     std::unique_ptr<SharedPicture> clear_; // one pixel, to lie under the sprites
     std::vector<WaylandOverlayWindow*> windows_;
+    std::optional<Pace> pace_;
+    bool frameCame_ = false;
+    Subscription events_;
 };
 
 class WaylandTransaction final : public Transaction {
