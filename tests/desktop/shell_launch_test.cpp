@@ -56,6 +56,7 @@ TEST_F(LaunchTest, AnotherStartReachesTheRunningProgramWithoutATray) {
     const auto window = shown(settings);
     ASSERT_TRUE(window);
     EXPECT_TRUE(getsFocus(*window));
+    EXPECT_FALSE(watcher.property(window->id, "_NET_WM_ICON").empty());
 
     // A window that was closed comes back where it was left, one that lies behind or is minimised
     // comes to the front.

@@ -1,5 +1,7 @@
 #include "app/shell/window_plan.h"
 
+#include "ui/components/brand_mark.h"
+
 #include <QCursor>
 #include <QGuiApplication>
 #include <QIcon>
@@ -84,8 +86,8 @@ void placeWithFrame(QWidget& window, QSize contentSize) {
 
 void provideWindowIcon() {
     if (QGuiApplication::windowIcon().isNull()) {
-        QGuiApplication::setWindowIcon(
-            QIcon::fromTheme(QStringLiteral("vantrel"), QIcon(QStringLiteral(":/BrandLogo.svg"))));
+        const auto installed = QIcon::fromTheme(QStringLiteral("vantrel"));
+        QGuiApplication::setWindowIcon(installed.isNull() ? brandIcon() : installed);
     }
 }
 

@@ -24,6 +24,14 @@ QPixmap logo(QSize size, double ratio) {
 
 } // namespace
 
+QIcon brandIcon() {
+    QIcon icon;
+    for (const int side : {16, 32, 48, 128}) {
+        icon.addPixmap(logo({side, side}, 1));
+    }
+    return icon;
+}
+
 BrandMark::BrandMark(int size) {
     setFixedSize(size, size);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <QIcon>
 #include <QPixmap>
 #include <QWidget>
 
 namespace vantrel {
+
+// The program's logo, without the toolkit's plugin for such drawings, which not every installation
+// has.
+[[nodiscard]] QIcon brandIcon();
 
 // The program's logo in a square with rounded corners. Screen readers do not see it.
 class BrandMark : public QWidget {
