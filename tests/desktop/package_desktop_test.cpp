@@ -81,6 +81,20 @@ TEST_F(PackageTest, TheMenuEntryStartsTheInstalledProgram) {
     EXPECT_EQ(errors(), "");
 }
 
+TEST_F(PackageTest, ACallOverTheSessionBusStartsTheInstalledProgram) {
+    ChildProcess call(
+        {.arguments = {"dbus-run-session", "--", "gdbus", "call", "--session", "--dest",
+                       "org.vantrel.Vantrel", "--object-path", "/org/vantrel/Vantrel", "--method",
+                       "org.vantrel.Vantrel1.Toggle", "highlight"},
+         .environment = server.environment(),
+         .output = server.folder() / "call.out"});
+    EXPECT_TRUE(shown(overlay));
+    const auto window = shown(welcome);
+    ASSERT_TRUE(window);
+    EXPECT_EQ(executableOf(processOf(*window)), installed);
+    EXPECT_EQ(call.wait(10s), (ExitStatus{.code = 0}));
+}
+
 TEST_F(PackageTest, TheSwitchHasTheInstalledProgramStartedAtLoginAndNoLonger) {
     {
         const auto program = start({.arguments = {"--settings"}});
