@@ -112,6 +112,13 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
         session.expectMark(look.effect(), scale, look.name);
     }
 
+    // Off and on again, while the pointer rests.
+    const auto last = everyLook().back();
+    script.marks.clear();
+    session.expectMark({}, scale, "nothing");
+    script.marks.show(last.effect());
+    session.expectMark(last.effect(), scale, "again");
+
     // A ring is the fainter the larger it has become.
     script.marks.show({.left = slowRing});
     session.expectMark({}, scale, "nothing");

@@ -33,8 +33,6 @@ Window {
     flags: Qt.BypassWindowManagerHint | Qt.FramelessWindowHint | Qt.WindowTransparentForInput
         | Qt.WindowDoesNotAcceptFocus
     color: "transparent"
-    // Also at rest, when presses are still to be heard of.
-    visible: isShown
 
     Image {
         width: mark.side
@@ -75,6 +73,9 @@ Window {
             stopRings();
         rest.stop();
         follow();
+        // In its place already, since KWin may not move it in the moment in which it appears. Also at
+        // rest, when presses are still to be heard of.
+        visible = isShown;
         noteActivity();
     }
 
@@ -273,8 +274,7 @@ Window {
     // The end
 
     function end() {
-        effect = {};
-        stopRings();
+        show("{}");
         for (const call of [unloadEffect, freeHighlight, freeLaser, unloadScript])
             call.call();
     }
