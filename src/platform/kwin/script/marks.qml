@@ -58,6 +58,9 @@ Window {
         enabled: mark.isShown
         function onCursorPosChanged() {
             mark.follow();
+            // By this signal KWin hears of it. Qt sends it a turn of the event loop later, and a frame may
+            // be drawn before that.
+            mark.xChanged(mark.x);
             mark.noteActivity();
         }
     }
