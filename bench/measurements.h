@@ -65,6 +65,12 @@ struct Effort {
 // CPU time of GNOME Shell for 1000 motions a second, compared with motions without a mark; frames
 // of them with the mark elsewhere than the pointer.
 [[nodiscard]] Report measureShell(const Contenders& contenders, const Effort& effort);
+// The same for KWin and the program together, and for KWin and a program that draws the mark by a
+// layer shell and is told where the pointer is; the time of a command until its mark is there.
+[[nodiscard]] Report measureKWin(const Contenders& contenders, const Effort& effort);
+// What KWin holds after loading and unloading its script again and again, and after displays came
+// and went.
+[[nodiscard]] Report measureKWinMemory(const Contenders& contenders, const Effort& effort);
 // A day of use in a few minutes: what the program and the server hold at its end, what is left on
 // the screen, and what was written to standard error.
 [[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);

@@ -177,18 +177,22 @@ void KWinSession::awaitReady() {
     if (!waitFor([&] { return !kwin_->running() || isReady(); }, 30s) || !kwin_->running()) {
         throw std::runtime_error("KWin did not start: " + readFile(folder() / "kwin.err"));
     }
-    input_.emplace(folder() / "runtime/wayland-0");
+    client_.emplace(folder() / "runtime/wayland-0");
     if (screen_) {
         placeOutputs(screen_->display());
     }
 }
 
 void KWinSession::restart() {
-    input_.reset();
+    client_.reset();
     std::filesystem::remove(folder() / "display");
-    kill(static_cast<pid_t>(bus_.interface()->servicePid(kwinService).value()), SIGKILL);
+    kill(pid(), SIGKILL);
     waitFor([&] { return !bus_.interface()->isServiceRegistered(kwinService).value(); });
     awaitReady();
+}
+
+pid_t KWinSession::pid() const {
+    return static_cast<pid_t>(bus_.interface()->servicePid(kwinService).value());
 }
 
 Environment KWinSession::environment() const {
@@ -265,7 +269,7 @@ nlohmann::json KWinSession::evaluate(const std::string& expression) const {
     return nlohmann::json::parse(*listener.told);
 }
 
-QImage KWinSession::picture() const {
+QImage KWinSession::picture(bool withPointer) const {
     if (screen_) {
         const XConnection connection(screen_->display());
         const auto& screen = connection.screen();
@@ -275,12 +279,25 @@ QImage KWinSession::picture() const {
                       QImage::Format_RGB32)
             .copy();
     }
+    return capture("CaptureWorkspace", {}, withPointer);
+}
+
+QRgb KWinSession::pixel(QPoint place) const {
+    if (screen_) {
+        return pixelAt(XConnection(screen_->display()), {place.x(), place.y()});
+    }
+    return capture("CaptureArea", {place.x(), place.y(), 1U, 1U}, false).pixel(0, 0);
+}
+
+QImage KWinSession::capture(const char* method, const QVariantList& area, bool withPointer) const {
     PipeReader reader;
-    const auto answer = call(kwinService, QStringLiteral("/org/kde/KWin/ScreenShot2"),
-                             "org.kde.KWin.ScreenShot2", "CaptureWorkspace",
-                             {QVariantMap{{QStringLiteral("include-cursor"), false},
-                                          {QStringLiteral("native-resolution"), true}},
-                              QVariant::fromValue(QDBusUnixFileDescriptor(reader.descriptor()))});
+    // The descriptor must be closed by the time that the end is waited for.
+    const auto answer = call(
+        kwinService, QStringLiteral("/org/kde/KWin/ScreenShot2"), "org.kde.KWin.ScreenShot2",
+        method,
+        area + QVariantList{QVariantMap{{QStringLiteral("include-cursor"), withPointer},
+                                        {QStringLiteral("native-resolution"), true}},
+                            QVariant::fromValue(QDBusUnixFileDescriptor(reader.descriptor()))});
     const auto results = qdbus_cast<QVariantMap>(answer.arguments().at(0));
     const auto& bytes = reader.finish();
     return QImage(reinterpret_cast<const uchar*>(bytes.data()),
@@ -291,8 +308,8 @@ QImage KWinSession::picture() const {
 }
 
 void KWinSession::click(int button) const {
-    input_->press(button, true);
-    input_->press(button, false);
+    client_->press(button, true);
+    client_->press(button, false);
 }
 
 QDBusMessage KWinSession::call(const QString& service, const QString& path, const char* interface,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "testdesk/kwin_input.h"
+#include "testdesk/kwin_client.h"
 #include "testdesk/native_window.h"
 #include "testdesk/private_bus.h"
 #include "testdesk/private_server.h"
@@ -37,7 +37,8 @@ public:
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
-    [[nodiscard]] const KWinInput& input() const { return *input_; }
+    [[nodiscard]] pid_t pid() const; // of KWin
+    [[nodiscard]] const KWinClient& client() const { return *client_; }
     // For programs of the session.
     [[nodiscard]] Environment environment() const;
     // A native window with the keyboard. Returns once it covers the display.
@@ -49,8 +50,10 @@ public:
 
     // The value of an expression in a script of KWin's.
     [[nodiscard]] nlohmann::json evaluate(const std::string& expression) const;
-    // What all displays show, without the pointer, in their scale.
-    [[nodiscard]] QImage picture() const;
+    // What all displays show, in their scale. KWin on an X server never shows the pointer.
+    [[nodiscard]] QImage picture(bool withPointer = false) const;
+    // One pixel of that, without the pointer, where the scale is 1: sooner.
+    [[nodiscard]] QRgb pixel(QPoint place) const;
     void click(int button) const;
     // Kills KWin, which the session then starts anew.
     void restart();
@@ -60,6 +63,8 @@ public:
                       const char* method, const QVariantList& arguments = {}) const;
 
 private:
+    [[nodiscard]] QImage capture(const char* method, const QVariantList& area,
+                                 bool withPointer) const;
     void start();
     void awaitReady();
 
@@ -71,7 +76,7 @@ private:
     std::optional<PrivateServer> screen_;
     Environment environment_;
     std::optional<ChildProcess> kwin_;
-    std::optional<KWinInput> input_;
+    std::optional<KWinClient> client_;
     QDBusConnection bus_;
 };
 

@@ -27,8 +27,8 @@ gnome_packages=(
 )
 # KWin without the rest of Plasma, and what its scripts need.
 kwin_packages=(
-    gir1.2-gtk-4.0 gjs kwin-wayland libegl1 libgl1-mesa-dri qml-module-qtquick-window2
-    qml6-module-qtquick-window xwayland
+    gir1.2-gtk-4.0 gjs kwin-wayland libegl1 libgl1-mesa-dri plasma-wayland-protocols
+    qml-module-qtquick-window2 qml6-module-qtquick-window xwayland
 )
 test_packages=(
     "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"

@@ -41,8 +41,8 @@ public:
 
     // Another display is entered by the second motion only.
     void moveTo(double x, double y) {
-        input().moveTo(x, y);
-        input().moveTo(x, y);
+        client().moveTo(x, y);
+        client().moveTo(x, y);
         place_ = {x, y};
     }
     [[nodiscard]] bool hasScript() const {
@@ -238,9 +238,9 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     const auto window = session.startFullScreenWindow();
     const auto type = [&](int key) {
         for (const bool down : {true, false}) {
-            session.input().type(KEY_LEFTCTRL, down);
-            session.input().type(KEY_LEFTALT, down);
-            session.input().type(key, down);
+            session.client().type(KEY_LEFTCTRL, down);
+            session.client().type(KEY_LEFTALT, down);
+            session.client().type(key, down);
         }
     };
     const auto keys = [&](int key) { return window.count("key-" + std::to_string(key)); };
