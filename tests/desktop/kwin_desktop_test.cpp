@@ -11,12 +11,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <linux/input-event-codes.h>
@@ -182,6 +184,43 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
     EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
     session.moveTo(1000, 300);
     EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+}
+
+TEST(KWinTest, IsAtThePointerInEveryFrame) {
+    const CoreApplication application;
+    Session session;
+    if (session.version() > 5) {
+        GTEST_SKIP() << "shown on an X server, Plasma 6 does not show its pointer";
+    }
+    Script script(session);
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    script.marks.show(effect);
+    session.expectMark(effect, 1, "at rest");
+    const auto distance = [&] {
+        const auto picture = session.picture(true);
+        int mark = 0;
+        int pointer = 0;
+        while (mark < picture.width() && qRed(picture.pixel(mark, 300)) < 100) {
+            ++mark;
+        }
+        while (pointer < picture.width() && qBlue(picture.pixel(pointer, 306)) < 200) {
+            ++pointer;
+        }
+        return pointer - mark;
+    };
+    const int wanted = distance();
+    std::atomic<bool> ends = false;
+    std::thread motion([&] {
+        for (int step = 0; !ends; ++step) {
+            session.client().sendTo(300 + std::abs(step % 1200 - 600), 300);
+            std::this_thread::sleep_for(200us);
+        }
+    });
+    for (int frame = 0; frame < 30; ++frame) {
+        EXPECT_EQ(distance(), wanted);
+    }
+    ends = true;
+    motion.join();
 }
 
 TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
