@@ -5,12 +5,17 @@
 #include "platform/gnome/shell_report.h"
 #include "testdesk/gnome_session.h"
 #include "testdesk/usage.h"
+#include "testdesk/vantrel_program.h"
+#include "testdesk/wait.h"
 
 #include <array>
 #include <cmath>
 #include <numbers>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
+
+#include <linux/input-event-codes.h>
 
 namespace vantrel::bench {
 namespace {
@@ -48,33 +53,111 @@ public:
         move(seconds);
         return {Milliseconds(desktop::cpuTime(pid()) - before).count() / seconds};
     }
-    // Of frames of motion, those that were painted with the mark more than one motion away from
-    // where the pointer was by then.
+    // Of frames of motion, those that were painted with the mark elsewhere than where the shell had
+    // the pointer as it began with the frame. It moves on in the meantime.
     [[nodiscard]] Check misplacedFrames(double seconds) const {
-        evaluate(R"(
-            const mark = Main.layoutManager.uiGroup.get_children()
-                .find(({name}) => name === 'vantrel').get_first_child();
+        const std::string watch = R"(
             const tracker = global.backend.get_cursor_tracker?.() ??
                 imports.gi.Meta.CursorTracker.get_for_display(global.display);
-            const found = global.vantrelFrames = {all: 0, apart: 0};
-            global.vantrelWatch = global.stage.connect('paint-view', () => {
-                const [{x, y}] = tracker.get_pointer();
+            const found = global.vantrelFrames ??= {all: 0, apart: 0, signals: []};
+            const on = (signal, handler) => found.signals.push(global.stage.connect(signal, handler));
+            const note = when => on('prepare-frame', () => [found[when]] = tracker.get_pointer());
+        )";
+        // Before the extension has its turn, and after it.
+        evaluate(watch + "note('before'); 1");
+        show(effectOf(CursorMode::laser, {}));
+        evaluate(watch + R"(
+            note('after');
+            const mark = Main.layoutManager.uiGroup.get_children()
+                .find(({name}) => name === 'vantrel').get_first_child();
+            on('paint-view', () => {
+                const {before, after} = found;
+                const x = mark.translation_x + mark.width / 2;
+                const y = mark.translation_y + mark.height / 2;
+                const way = Math.hypot(after.x - before.x, after.y - before.y);
+                const detour = Math.hypot(x - before.x, y - before.y) +
+                    Math.hypot(x - after.x, y - after.y) - way;
                 found.all++;
-                if (Math.hypot(mark.translation_x + mark.width / 2 - x,
-                        mark.translation_y + mark.height / 2 - y) >= 2)
-                    found.apart++;
+                found.apart += detour > 2 ? 1 : 0; // and not for being on whole pixels
             });
             1)");
         move(seconds);
         const auto found =
-            evaluate("global.stage.disconnect(global.vantrelWatch); global.vantrelFrames");
+            evaluate("global.vantrelFrames.signals.forEach(id => global.stage.disconnect(id));"
+                     "global.vantrelFrames");
         const int all = found.at("all");
         const int apart = found.at("apart");
-        std::ostringstream text;
-        text << apart << " of " << all;
         return {.name = "frames in GNOME with the mark behind",
                 .met = all > 0 && apart == 0,
-                .found = text.str()};
+                .found = textOf(apart, " of ", all)};
+    }
+    // What the shell holds after many changes and clicks, beyond what it held after some.
+    [[nodiscard]] Check growth(int changes, int clicks) const {
+        const auto use = [&](int times) {
+            AppPreferences preferences;
+            for (int change = 0; change < changes / times; ++change) {
+                preferences.highlight.diameter = 40 + change % 100;
+                show(effectOf(CursorMode::highlight, preferences));
+            }
+            for (int press = 0; press < clicks / times; ++press) {
+                click(BTN_LEFT);
+            }
+            evaluate("imports.system.gc(); 1");
+            return static_cast<double>(desktop::proportionalBytes(pid())) / (1 << 20);
+        };
+        const double before = use(2);
+        const double after = use(1);
+        constexpr double most = 2; // of a hundred and more, and each picture a tenth of it
+        return {.name = "GNOME, memory after changes and clicks",
+                .met = after - before < most,
+                .found = textOf(after - before, " MB more than ", before)};
+    }
+    // From the start of the command to the frame with the mark.
+    [[nodiscard]] Check commandToMark(const std::string& program, int times) const {
+        desktop::writePreferences(folder() / "config", desktop::preferencesShowing("off"));
+        const auto start = [&, environment = environment()](std::vector<std::string> words) {
+            words.insert(words.begin(), program);
+            return desktop::ChildProcess({.arguments = words, .environment = environment});
+        };
+        evaluate(R"(
+            const found = global.vantrelMark = {has: false, at: 0};
+            found.signal = global.stage.connect('paint-view', () => {
+                const has = Main.layoutManager.uiGroup.get_children()
+                    .some(({name}) => name === 'vantrel');
+                if (has && !found.has)
+                    found.at = imports.gi.GLib.get_monotonic_time();
+                found.has = has;
+            });
+            1)");
+        const auto comesTo = [&](const char* mode, bool isMarked) {
+            start({mode}).wait(std::chrono::seconds(10));
+            if (!desktop::waitFor([&] { return evaluate("global.vantrelMark.has") == isMarked; })) {
+                throw std::runtime_error("the shell shows no mark, or still does");
+            }
+        };
+        const auto running = start({});
+        comesTo("laser", true); // once the program and the shell have found each other
+        Samples samples;
+        for (int time = 0; time < times; ++time) {
+            comesTo("off", false);
+            const auto begin = Clock::now().time_since_epoch();
+            comesTo("laser", true);
+            const std::chrono::microseconds at(
+                evaluate("global.vantrelMark.at").get<std::int64_t>());
+            samples.push_back(Milliseconds(at - begin).count());
+        }
+        evaluate("global.stage.disconnect(global.vantrelMark.signal); 1");
+        constexpr double most = 100;
+        return {.name = "GNOME, from the command to the mark",
+                .met = median(samples) < most,
+                .found = textOf(median(samples), " ms, at most ", quantile(samples, 1))};
+    }
+
+private:
+    [[nodiscard]] static std::string textOf(const auto&... parts) {
+        std::ostringstream text;
+        (text << ... << parts);
+        return text.str();
     }
 };
 
@@ -86,6 +169,8 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
     }
     const std::filesystem::path program = contenders.program.command.front();
     const ShellBench shell(program.parent_path().parent_path() / "share");
+    // Before the shell serves this one.
+    const auto latency = shell.commandToMark(program, effort.motionsInTurn);
     AppPreferences preferences;
     preferences.laser.glow = GlowStrength::high;
     const std::array modes{CursorMode::highlight, CursorMode::laser};
@@ -103,7 +188,8 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
                                median, 1.3),
                      summarize("GNOME, 1000 motions/s, laser / no mark", "ms/s", comparisons[1],
                                median, 1.3)},
-            .checks = {shell.misplacedFrames(effort.secondsInTurn)}};
+            .checks = {latency, shell.misplacedFrames(effort.secondsInTurn),
+                       shell.growth(effort.turns * 160, effort.turns * 25)}};
 }
 
 } // namespace vantrel::bench

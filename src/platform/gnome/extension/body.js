@@ -275,7 +275,6 @@ class Overlay {
         this._visible = false;
         this._signals = [
             [this._tracker, 'position-invalidated', () => this._motion()],
-            // Where the pointer is may be known better by now than when it moved.
             [global.stage, 'prepare-frame', () => this._frame()],
             [theme(), 'notify::scale-factor', () => this._draw()],
             // Where a display's pixels lie is known once the mark has come to it.
@@ -337,9 +336,9 @@ class Overlay {
         this._active();
     }
 
+    // The pointer may be elsewhere by now than when the shell heard of its motion, or have moved without
+    // that the shell has heard of it.
     _frame() {
-        if (!this._waiting)
-            return;
         this._waiting = false;
         this._place();
     }
