@@ -9,6 +9,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <linux/input-event-codes.h>
+
 namespace vantrel::desktop {
 namespace {
 
@@ -39,6 +41,7 @@ void writeSettings(const std::filesystem::path& folder, int scale, bool inPoints
                                            "color-shading-type='solid'\n"
                                            "[org/gnome/desktop/interface]\n"
                                            "enable-animations=false\n"
+                                           "enable-hot-corners=false\n"
                                            "scaling-factor=uint32 "
                                         << scale
                                         << "\n"
@@ -175,6 +178,32 @@ bool GnomeSession::switchExtension(const QString& extension, bool on) const {
         .toBool();
 }
 
+std::uint32_t GnomeSession::castScreen() const {
+    // In the shell, whose own call of itself must not be waited for.
+    evaluate(R"(
+        const {Gio, GLib} = imports.gi;
+        const name = 'org.gnome.Mutter.ScreenCast';
+        const bus = Gio.DBus.session;
+        const call = (path, part, method, values, then) => bus.call(name, path, name + part, method,
+            values, null, 0, -1, null, (_, answer) => then(...bus.call_finish(answer).recursiveUnpack()));
+        call('/org/gnome/Mutter/ScreenCast', '', 'CreateSession', new GLib.Variant('(a{sv})', [{}]),
+            session => {
+                const withoutPointer = {'cursor-mode': new GLib.Variant('u', 0)};
+                call(session, '.Session', 'RecordMonitor',
+                    new GLib.Variant('(sa{sv})', ['Meta-0', withoutPointer]), stream => {
+                        bus.signal_subscribe(name, `${name}.Stream`, 'PipeWireStreamAdded', stream, null, 0,
+                            (...signal) => [global.vantrelStream] = signal[5].recursiveUnpack());
+                        call(session, '.Session', 'Start', null, () => {});
+                    });
+            });
+        1)");
+    nlohmann::json stream;
+    if (!waitFor([&] { return !(stream = evaluate("global.vantrelStream ?? null")).is_null(); })) {
+        throw std::runtime_error("no screen cast");
+    }
+    return stream;
+}
+
 void GnomeSession::setScales(const std::vector<double>& scales) const {
     const auto wanted = nlohmann::json(scales).dump();
     // In the shell, whose own call of itself must not be waited for.
@@ -213,6 +242,9 @@ void GnomeSession::startInput() {
                         .value<QDBusObjectPath>()
                         .path();
     inputCall("Start");
+    // The keyboard comes with its first key, of which programs that are there by then get nothing.
+    type(KEY_LEFTSHIFT, true);
+    type(KEY_LEFTSHIFT, false);
 }
 
 QPointF GnomeSession::pointer() const {

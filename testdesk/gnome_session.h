@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -54,12 +55,14 @@ public:
     nlohmann::json evaluate(const std::string& script) const;
     // What all displays show, in the largest scale of any, with or without the pointer.
     [[nodiscard]] QImage picture(bool withPointer = false) const;
+    // Begins a screen cast of the only display, without the pointer, for which there must be a
+    // PipeWire. The number of its stream.
+    [[nodiscard]] std::uint32_t castScreen() const;
     // On or off. Whether the shell knows it.
     bool switchExtension(const QString& extension, bool on) const;
 
     [[nodiscard]] QPointF pointer() const;
-    // In points of the desktop, as the shell counts them. Not into the corner that opens the
-    // overview.
+    // In points of the desktop, as the shell counts them.
     void moveTo(double x, double y) const;
     // Without waiting.
     void moveBy(double x, double y) const;

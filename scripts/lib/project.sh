@@ -25,6 +25,10 @@ desktop_packages=(
 gnome_packages=(
     adwaita-icon-theme gir1.2-gtk-4.0 gjs gnome-shell libegl1 libgl1-mesa-dri xwayland
 )
+# What takes the pictures of a screen cast.
+cast_packages=(
+    gstreamer1.0-pipewire gstreamer1.0-plugins-base gstreamer1.0-tools pipewire wireplumber
+)
 # KWin without the rest of Plasma, and what its scripts need.
 kwin_packages=(
     gir1.2-gtk-4.0 gjs kwin-wayland libegl1 libgl1-mesa-dri plasma-wayland-protocols
@@ -32,6 +36,7 @@ kwin_packages=(
 )
 test_packages=(
     "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"
+    "${cast_packages[@]}"
     dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
     grim libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy zsh
@@ -43,7 +48,7 @@ demo_packages=(
     dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
 )
 screenshot_packages=(
-    "${desktop_packages[@]}"
+    "${desktop_packages[@]}" "${gnome_packages[@]}"
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
 )
 check_packages=(

@@ -1,5 +1,6 @@
 #include "support/gnome_fixture.h"
 #include "testdesk/core_application.h"
+#include "testdesk/screen_cast.h"
 
 #include <cmath>
 #include <limits>
@@ -32,13 +33,16 @@ TEST_P(GnomeLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     }
 
     // A ring is the fainter the larger it has become.
-    session.show({.left = slowRing});
-    session.click(BTN_LEFT);
-    EXPECT_TRUE(waitFor([&] {
-        const auto picture = session.picture();
-        const auto center = (session.pointer() * picture.width() / session.width()).toPoint();
-        return showsPartOf(slowRing, picture, center, session.scale());
-    }));
+    for (const auto& ring : {slowRing, slowPulse}) {
+        session.show({.left = ring});
+        session.click(BTN_LEFT);
+        EXPECT_TRUE(waitFor([&] {
+            const auto picture = session.picture();
+            const auto center = (session.pointer() * picture.width() / session.width()).toPoint();
+            return showsPartOf(ring, picture, center, session.scale());
+        })) << ring.lineWidth;
+        session.show({});
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -103,6 +107,29 @@ TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
     EXPECT_TRUE(waitFor([&] {
         return session.evaluate("Main.layoutManager.uiGroup.get_last_child().name") == "vantrel";
     }));
+}
+
+TEST(GnomeTest, IsInAScreenCastAtThePointer) {
+    if (!PipeWire::isInstalled()) {
+        GTEST_SKIP() << "PipeWire, WirePlumber or GStreamer is missing";
+    }
+    const CoreApplication application;
+    constexpr QSize size(640, 480);
+    const MarkingSession session({.monitors = {"640x480"}});
+    const auto effect = effectOf(CursorMode::laser, {});
+    session.show(effect);
+    const PipeWire pipeWire(session.environment(), session.folder());
+    const ScreenCast cast(session.environment(), session.folder(), session.castScreen(), size);
+    for (const QPoint place : {QPoint(200, 200), QPoint(330, 210), QPoint(250, 390)}) {
+        session.moveTo(place.x(), place.y());
+        Differences last;
+        EXPECT_TRUE(waitFor([&] {
+            const auto picture = cast.picture();
+            last = picture.isNull() ? Differences{255, 255}
+                                    : differences(picture, session.pointer().toPoint(), effect, 1);
+            return last.areSlight();
+        })) << last;
+    }
 }
 
 TEST(GnomeTest, ServesOneProgramAndForgetsItWhenItIsGone) {

@@ -98,7 +98,14 @@ inline const ClickRing slowRing{.duration = 6,
                                 .startOpacity = 0.8,
                                 .color = Qt::red};
 
-// Whether a red ring around that pixel, over black, has grown for a while, and has faded as far.
+inline const ClickRing slowPulse{.duration = 6,
+                                 .lineWidth = 6,
+                                 .startDiameter = 64,
+                                 .endDiameter = 64 * 1.18,
+                                 .startOpacity = 0.8,
+                                 .color = Qt::red};
+
+// Whether a red ring around that pixel, over black, has faded for a while, and has grown as far.
 inline bool showsPartOf(const ClickRing& ring, const QImage& picture, QPoint center, double scale) {
     int first = 0;
     int last = 0;
@@ -108,10 +115,10 @@ inline bool showsPartOf(const ClickRing& ring, const QImage& picture, QPoint cen
             last = x;
         }
     }
-    const double progress =
-        ((first + last + 1) / scale - ring.startDiameter) / (ring.endDiameter - ring.startDiameter);
     const int red = qRed(picture.pixel(center + QPoint((first + last) / 2, 0)));
-    return progress > 0.3 && progress < 0.9 && std::abs(red - 255 * ring.opacityAt(progress)) < 8;
+    const double progress = 1 - red / (255 * ring.startOpacity);
+    const double wanted = ring.startDiameter + (ring.endDiameter - ring.startDiameter) * progress;
+    return progress > 0.3 && progress < 0.9 && std::abs((first + last + 1) / scale - wanted) < 1.5;
 }
 
 } // namespace vantrel::desktop
