@@ -20,7 +20,7 @@ inline constexpr std::string_view registration = "registration"; // the desktop 
 // the mode that it asks for.
 class HotkeyManager {
 public:
-    // The hot keys must outlive the manager, which is the only one to use them.
+    // The hot keys must outlive the manager, the only one to register any.
     explicit HotkeyManager(HotKeys& hotKeys);
     ~HotkeyManager();
     HotkeyManager(const HotkeyManager&) = delete;

@@ -27,8 +27,8 @@ bool isEnter(const QKeyEvent& event) {
 
 } // namespace
 
-ShortcutButton::ShortcutButton(const Keyboard& keyboard, AlertSound& alertSound)
-    : keyboard_(keyboard), alertSound_(alertSound) {
+ShortcutButton::ShortcutButton(const Keyboard& keyboard, HotKeys& hotKeys, AlertSound& alertSound)
+    : keyboard_(keyboard), hotKeys_(hotKeys), alertSound_(alertSound) {
     setAutoDefault(false);
     connect(this, &QAbstractButton::clicked, this, &ShortcutButton::record);
 }
@@ -54,7 +54,7 @@ void ShortcutButton::updateTitle() {
 // Without the focus nothing would tell that the user has turned to something else.
 void ShortcutButton::grabKeyboardIfFocused() {
     if (recording_ && hasFocus() && !grab_) {
-        grab_.emplace(*this);
+        grab_.emplace(*this, hotKeys_);
     }
 }
 

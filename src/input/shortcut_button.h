@@ -13,17 +13,23 @@
 namespace vantrel {
 
 // Gives a widget every key that is pressed, other programs' shortcuts included, until this is
-// destroyed. Where the desktop refuses that, the keys of the widget's window. The widget must
-// outlive it.
+// destroyed. Where the desktop refuses that, the keys of the widget's window. Both must outlive it.
 class KeyboardGrab {
 public:
-    explicit KeyboardGrab(QWidget& widget) : widget_(widget) { widget_.grabKeyboard(); }
-    ~KeyboardGrab() { widget_.releaseKeyboard(); }
+    KeyboardGrab(QWidget& widget, HotKeys& hotKeys) : widget_(widget), hotKeys_(hotKeys) {
+        widget_.grabKeyboard();
+        hotKeys_.leaveKeys(true);
+    }
+    ~KeyboardGrab() {
+        hotKeys_.leaveKeys(false);
+        widget_.releaseKeyboard();
+    }
     KeyboardGrab(const KeyboardGrab&) = delete;
     KeyboardGrab& operator=(const KeyboardGrab&) = delete;
 
 private:
     QWidget& widget_;
+    HotKeys& hotKeys_;
 };
 
 // Shows a shortcut. Once it is clicked, the next combination of keys with Control, Option or
@@ -34,8 +40,8 @@ private:
 // Once Escape or a shortcut has ended the recording, nothing has the focus; Tab goes on from here.
 class ShortcutButton : public QPushButton {
 public:
-    // Both must outlive the button.
-    ShortcutButton(const Keyboard& keyboard, AlertSound& alertSound);
+    // All must outlive the button.
+    ShortcutButton(const Keyboard& keyboard, HotKeys& hotKeys, AlertSound& alertSound);
 
     // Receives the recorded shortcut, or nothing when the user clears it.
     std::function<void(const std::optional<Shortcut>&)> onShortcut;
@@ -70,6 +76,7 @@ private:
     void giveFocusUp();
 
     const Keyboard& keyboard_;
+    HotKeys& hotKeys_;
     AlertSound& alertSound_;
     bool recording_ = false;
     std::optional<KeyboardGrab> grab_; // only while recording

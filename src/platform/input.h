@@ -145,6 +145,9 @@ public:
     [[nodiscard]] virtual std::optional<Ref> register_(std::uint32_t keyCode,
                                                        std::uint32_t modifiers, HotKeyId id) = 0;
     virtual void unregister(Ref ref) = 0;
+    // Whether the keys of all combinations, whoever takes them otherwise, go to the window that has
+    // the keyboard; as far as the desktop can do that.
+    virtual void leaveKeys(bool left) = 0;
 };
 
 } // namespace vantrel

@@ -31,6 +31,7 @@ public:
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
+    void leaveKeys(bool left) override { keysAreLeft = left; }
 
     // As if another program had taken it.
     void lose(const Combination& combination);
@@ -41,6 +42,7 @@ public:
     [[nodiscard]] std::vector<Combination> registered() const;
 
     std::vector<Combination> heldByOthers;
+    bool keysAreLeft = false;
 
 private:
     struct Registration {

@@ -42,13 +42,7 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
 
     // A window gets the keys of other combinations only.
     const auto window = session.startFullScreenWindow();
-    const auto type = [&](int key) {
-        for (const bool down : {true, false}) {
-            session.type(KEY_LEFTCTRL, down);
-            session.type(KEY_LEFTALT, down);
-            session.type(key, down);
-        }
-    };
+    const auto type = [&](int key) { session.typeChord({KEY_LEFTCTRL, KEY_LEFTALT, key}); };
     type(KEY_L);
     EXPECT_TRUE(tells("mode", "laser"));
     type(KEY_K);
@@ -81,6 +75,66 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_H);
     EXPECT_TRUE(tells("mode", "off"));
     EXPECT_TRUE(session.comesToShow(0));
+}
+
+TEST(GnomeTest, RecordsCombinationsThatTheShellTakesOtherwise) {
+    const CoreApplication application;
+    const MarkingSession session;
+    writePreferences(session.folder() / "config", preferencesShowing("off"));
+    const ProgramOf vantrel(session);
+    const auto program = vantrel.start({"--settings"});
+    EXPECT_TRUE(vantrel.tells("marks", "gnome-shell"));
+    const auto comesToBe = [&](const std::string& what) {
+        return waitFor([&] { return session.evaluate(what) == true; });
+    };
+    const auto hasKeyboard = [&] {
+        return comesToBe("global.display.focus_window?.title === 'Vantrel'");
+    };
+    ASSERT_TRUE(hasKeyboard());
+    session.evaluate("const manager = global.window_manager;"
+                     "const {connect} = manager;"
+                     "manager.connect = (...handler) => {"
+                     "    global.vantrelLeft = true;"
+                     "    return connect.apply(manager, handler);"
+                     "}; 1");
+    // On the page with the shortcuts, the first of them. A program that has just come to the screen
+    // may miss a click.
+    const auto record = [&] {
+        session.evaluate("global.vantrelLeft = false; 1");
+        return waitFor([&] {
+            // Below the frame, that is from the bottom.
+            const auto corner = session.evaluate("const {x, y, height} ="
+                                                 "    global.display.focus_window.get_frame_rect();"
+                                                 "[x, y + height - 640]");
+            for (const QPoint place : {QPoint(279, 180), QPoint(409, 374)}) {
+                session.moveTo(corner[0].get<int>() + place.x(), corner[1].get<int>() + place.y());
+                session.click(BTN_LEFT);
+            }
+            return waitFor([&] { return session.evaluate("global.vantrelLeft") == true; }, 1s);
+        });
+    };
+    const std::vector<int> applications{KEY_LEFTMETA, KEY_A}; // which opens the overview
+    const auto opensOverview = [&] {
+        session.typeChord(applications);
+        const bool opens = comesToBe("Main.overview.visible");
+        session.evaluate("Main.overview.hide(); 1");
+        return opens && comesToBe("!Main.overview.visible");
+    };
+    EXPECT_TRUE(record());
+    session.typeChord(applications);
+    EXPECT_TRUE(vantrel.tells("hotkeyError", "registration"));
+    EXPECT_EQ(session.evaluate("Main.overview.visible"), false);
+    EXPECT_TRUE(opensOverview());
+    // The program's own are recorded too, and not carried out.
+    ASSERT_TRUE(hasKeyboard());
+    EXPECT_TRUE(record());
+    session.typeChord({KEY_LEFTCTRL, KEY_LEFTALT, KEY_L});
+    EXPECT_TRUE(vantrel.tells("hotkeyError", "duplicate"));
+    EXPECT_EQ(vantrel.status().at("mode"), "off");
+    // Other windows leave them to the shell as ever.
+    EXPECT_TRUE(record());
+    const auto window = session.startFullScreenWindow();
+    EXPECT_TRUE(opensOverview());
 }
 
 TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {

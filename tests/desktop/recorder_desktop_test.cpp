@@ -46,7 +46,7 @@ protected:
 
     void open() {
         window = std::make_unique<QWidget>();
-        button = new ShortcutButton(x11->keyboard, alert);
+        button = new ShortcutButton(x11->keyboard, x11->hotKeys, alert);
         button->onShortcut = [this](const auto& shortcut) { recorded.push_back(shortcut); };
         edit = new QLineEdit;
         auto* layout = new QVBoxLayout(window.get());

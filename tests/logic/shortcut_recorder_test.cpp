@@ -49,11 +49,13 @@ protected:
     void expectIdle(const std::string& idleTitle) {
         EXPECT_FALSE(recorder->recording());
         EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
+        EXPECT_FALSE(desktop.hotKeys.keysAreLeft);
         EXPECT_EQ(title(), idleTitle);
     }
     void expectRecording() {
         EXPECT_TRUE(recorder->recording());
         EXPECT_EQ(QWidget::keyboardGrabber(), recorder);
+        EXPECT_TRUE(desktop.hotKeys.keysAreLeft);
         EXPECT_EQ(title(), "Record shortcut");
     }
 

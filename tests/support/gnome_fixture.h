@@ -14,6 +14,7 @@
 #include <chrono>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vantrel::desktop {
 
@@ -38,6 +39,14 @@ public:
     }
     void show(const Effect& effect) const {
         EXPECT_EQ(errorOf(bus(), "Show", {messageOf(effect)}), "");
+    }
+    void typeChord(const std::vector<int>& keys) const {
+        for (const int key : keys) {
+            type(key, true);
+        }
+        for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+            type(*key, false);
+        }
     }
     // The pictures that can be seen, of the mark and of rings.
     [[nodiscard]] int countPictures() const {

@@ -32,6 +32,8 @@ public:
     [[nodiscard]] virtual Subscription onKeysChange(std::function<void()> callback) = 0;
     // All of them, in place of earlier ones.
     virtual void grab(const std::vector<KeyGrab>& grabs) = 0;
+    // As of hot keys.
+    virtual void leaveKeys(bool left) = 0;
 
     // Those that cannot be had.
     std::function<void(const std::vector<std::uint32_t>& numbers)> onRefused;

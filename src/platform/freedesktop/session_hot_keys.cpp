@@ -64,6 +64,11 @@ void SessionHotKeys::unregister(Ref ref) {
     registrations_.erase(found);
 }
 
+void SessionHotKeys::leaveKeys(bool left) {
+    grabber_.leaveKeys(left);
+    others_.leaveKeys(left);
+}
+
 // In one go, after all that were registered in this one.
 void SessionHotKeys::grab() {
     refused_ = std::exchange(wanted_, {});

@@ -25,6 +25,7 @@ public:
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
+    void leaveKeys(bool left) override;
 
 private:
     struct Registration {

@@ -261,6 +261,14 @@ void ShellExtension::tellShortcuts() {
          });
 }
 
+// Not told again when the extension comes back: the window has lost the keyboard in between.
+void ShellExtension::leaveKeys(bool left) {
+    if (report_.version == extensionVersion) {
+        call(callOf(agent_, agentPath, agentService, QStringLiteral("LeaveKeys"), {left}),
+             [](const QDBusMessage& /*answer*/) {});
+    }
+}
+
 void ShellExtension::setItem(const std::optional<ShellItem>& item) {
     if (item != item_) {
         item_ = item;

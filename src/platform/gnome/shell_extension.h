@@ -73,6 +73,7 @@ public:
         return onChange(std::move(callback));
     }
     void grab(const std::vector<KeyGrab>& grabs) override;
+    void leaveKeys(bool left) override;
 
     void setItem(const std::optional<ShellItem>& item);
     std::function<void(const QRect& place)> onItemClicked; // on the desktop

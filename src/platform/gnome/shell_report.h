@@ -10,7 +10,7 @@
 namespace vantrel {
 
 // The version of the extension that this program was made with.
-inline constexpr std::uint32_t extensionVersion = 1;
+inline constexpr std::uint32_t extensionVersion = 2;
 
 // What the shell calls the state of an extension.
 enum class ExtensionState : std::uint8_t {

@@ -36,6 +36,8 @@ public:
         return script_.onChange(std::move(callback));
     }
     void grab(const std::vector<KeyGrab>& grabs) override;
+    // KWin would not take it back from a program that is gone.
+    void leaveKeys(bool /*left*/) override {}
     // The keyboard has other layouts.
     void grabAgain();
 

@@ -28,6 +28,8 @@ public:
     std::optional<Ref> register_(std::uint32_t keyCode, std::uint32_t modifiers,
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
+    // A window does that itself, by a grab of the keyboard.
+    void leaveKeys(bool /*left*/) override {}
 
 private:
     struct Registration {

@@ -13,7 +13,7 @@ constexpr QSize recorderSize(160, 28);
 ShortcutRecorder::ShortcutRecorder(ViewContext& view,
                                    const Binding<std::optional<Shortcut>>& shortcut,
                                    const Wording& recordingTitle)
-    : ShortcutButton(view.desktop().keyboard, view.desktop().alertSound) {
+    : ShortcutButton(view.desktop().keyboard, view.desktop().hotKeys, view.desktop().alertSound) {
     setFont(bodyText.font());
     setFixedSize(recorderSize * textScale());
     onShortcut = shortcut.set;

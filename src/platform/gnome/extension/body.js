@@ -2,7 +2,7 @@
 const Name = 'org.vantrel.Marks1';
 const Path = '/org/vantrel/Marks1';
 // Raised with every change that a program must know of.
-const Version = 1;
+const Version = 2;
 
 const Interface = `
 <node>
@@ -22,6 +22,9 @@ const Interface = `
       <arg name="accelerators" type="a(us)" direction="in"/>
       <arg name="refused" type="au" direction="out"/>
     </method>
+    <!-- Whether the window that has the keyboard now gets every key combination, as long as it has the
+         keyboard, and nobody else any. -->
+    <method name="LeaveKeys"><arg name="left" type="b" direction="in"/></method>
     <!-- Sent to the caller of Grab alone. -->
     <signal name="Pressed"><arg name="number" type="u"/></signal>
     <!-- An item in the top bar: its picture as a PNG, what screen readers say of it, and the entries of
@@ -423,7 +426,19 @@ class Shortcuts {
 
     destroy() {
         this.grab([]);
+        this.leave(false);
         global.display.disconnect(this._signal);
+    }
+
+    // The shell asks of each combination whether it is to be carried out.
+    leave(left) {
+        if (this._filter)
+            global.window_manager.disconnect(this._filter);
+        this._filter = 0;
+        const window = global.display.focus_window;
+        if (left && window)
+            this._filter = global.window_manager.connect('filter-keybinding',
+                () => global.display.focus_window === window);
     }
 
     // Returns the numbers of those that were refused.
@@ -556,6 +571,13 @@ class Service {
             new GLib.Variant('(au)', [this._shortcuts.grab(accelerators)]));
     }
 
+    LeaveKeysAsync([left], invocation) {
+        this._serve(invocation, true, () => {
+            this._shortcuts.leave(left);
+            return null;
+        });
+    }
+
     SetItemAsync([picture, description, entries], invocation) {
         this._serve(invocation, isItem(picture, description, entries), () => {
             if (picture.length === 0) {
@@ -602,6 +624,7 @@ class Service {
         this._clear();
         this._removeItem();
         this._shortcuts.grab([]);
+        this._shortcuts.leave(false);
         if (this._client)
             Gio.bus_unwatch_name(this._watch);
         this._client = null;
