@@ -180,6 +180,10 @@ void KWinSession::awaitReady() {
     client_.emplace(folder() / "runtime/wayland-0");
     if (screen_) {
         placeOutputs(screen_->display());
+        // On an X server Plasma 6 does not take the scale that it is started with.
+        for (int output = 0; options_.scale != 1 && output < options_.outputs; ++output) {
+            client_->scaleOutput(static_cast<std::size_t>(output), options_.scale);
+        }
     }
 }
 

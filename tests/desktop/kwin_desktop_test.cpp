@@ -13,12 +13,14 @@
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <linux/input-event-codes.h>
@@ -39,7 +41,7 @@ bool comes(const std::function<bool()>& condition) {
 class Session : public KWinSession {
 public:
     explicit Session(Options options = {}) : KWinSession(withData(options)) { moveTo(300, 300); }
-    ~Session() { EXPECT_EQ(complaints(), ""); }
+    ~Session() { EXPECT_EQ(complaints(), expectedComplaints_); }
 
     // Another display is entered by the second motion only.
     void moveTo(double x, double y) {
@@ -54,6 +56,11 @@ public:
         return isLoaded("/Effects", "org.kde.kwin.Effects", "isEffectLoaded", "vantrel-presses");
     }
     [[nodiscard]] bool hasNothing() const { return !hasScript() && !hearsPresses(); }
+    // Waits for one more.
+    void expectComplaint(const std::string& why) {
+        EXPECT_TRUE(comes([&] { return complaints().size() > expectedComplaints_.size(); })) << why;
+        expectedComplaints_ = complaints();
+    }
     // The pixel of the pointer.
     [[nodiscard]] QPoint center(double scale = 1) const { return (place_ * scale).toPoint(); }
     // By what covers all around the pointer.
@@ -87,6 +94,7 @@ private:
     }
 
     QPointF place_;
+    std::string expectedComplaints_;
 };
 
 // What the program does there.
@@ -105,9 +113,6 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
     const CoreApplication application;
     const double scale = GetParam();
     Session session({.scale = scale});
-    if (scale != 1 && session.version() > 5) {
-        GTEST_SKIP() << "shown on an X server, Plasma 6 keeps to a scale of 1";
-    }
     Script script(session);
     for (const auto& look : everyLook()) {
         script.marks.show(look.effect());
@@ -176,6 +181,14 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
     script.marks.show(effect);
     session.moveTo(1270, 300);
     session.expectMark(effect, 1, "border");
+    for (int round = 0; round < 3; ++round) {
+        session.client().enableOutput(1, false);
+        session.moveTo(300, 300);
+        session.expectMark(effect, 1, "the display that is left");
+        session.client().enableOutput(1, true);
+        session.moveTo(1270, 300);
+        session.expectMark(effect, 1, "border again");
+    }
     effect.hideAfter = 0.3;
     script.marks.show(effect);
     EXPECT_TRUE(comes([&] { return !session.isMarked() && session.hearsPresses(); }));
@@ -221,6 +234,29 @@ TEST(KWinTest, IsAtThePointerInEveryFrame) {
     }
     ends = true;
     motion.join();
+}
+
+TEST(KWinTest, ShowsNothingThatIsOutOfBounds) {
+    const CoreApplication application;
+    Session session;
+    Script script(session);
+    const auto good = effectOf(CursorMode::highlight, strongly());
+    script.marks.show(good);
+    session.expectMark(good, 1, "good");
+    const std::vector<std::pair<const char*, void (*)(Effect&)>> faults{
+        {"size", [](Effect& effect) { effect.discs.front().diameter = 4100; }},
+        {"rest", [](Effect& effect) { effect.hideAfter = 1e9; }},
+        {"duration", [](Effect& effect) { effect.left->duration = 100; }},
+        {"opacity", [](Effect& effect) { effect.left->startOpacity = 2; }},
+        {"width", [](Effect& effect) { effect.right->lineWidth = std::nan(""); }},
+    };
+    for (const auto& [name, spoil] : faults) {
+        Effect bad = good;
+        spoil(bad);
+        script.marks.show(bad);
+        session.expectComplaint(name);
+    }
+    session.expectMark(good, 1, "what was there before");
 }
 
 TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
