@@ -231,6 +231,12 @@ TEST_F(ShellTest, SleepsAndWakesWithTheDesktopAndTakesOverWhatHasChanged) {
     delegate.applicationDidBecomeActive();
     EXPECT_TRUE(delegate.state().preferences().get().launchAtLogin);
     EXPECT_EQ(delegate.state().hotkeyError().get(), std::nullopt);
+    desktop.eventMonitors.refusesGlobal = true;
+    delegate.state().setMode(CursorMode::highlight);
+    desktop.eventMonitors.refusesGlobal = false;
+    EXPECT_FALSE(delegate.state().clickAvailable().get());
+    delegate.applicationDidBecomeActive();
+    EXPECT_TRUE(delegate.state().clickAvailable().get());
 }
 
 TEST(WindowPlacement, IsInTheMiddleWithTheFrameAndNeverLargerThanTheScreen) {

@@ -32,15 +32,17 @@ TEST(PixelMapTest, KeepsScaledDisplaysTouching) {
     const PixelMap alike({{QRect(0, 0, 3840, 2160), 2}, {QRect(3840, 0, 3840, 2160), 2}});
     EXPECT_EQ(alike.frame(1), (GlobalRect{1920, 0, 1920, 1080}));
     EXPECT_EQ(alike.toGlobal(QPoint(7679, 2159)), (GlobalPoint{3839.5, 0.5}));
-    // A scaled laptop with plain displays right of it, above it, and left of that one.
+    // A scaled laptop with plain displays right of it, above it, left of that one, and below it.
     const PixelMap map({{QRect(1920, 1080, 3840, 2160), 2},
                         {QRect(5760, 1580, 1920, 1080), 1},
                         {QRect(1920, 0, 1920, 1080), 1},
-                        {QRect(0, 0, 1920, 1080), 1.5}});
+                        {QRect(0, 0, 1920, 1080), 1.5},
+                        {QRect(1920, 3240, 1920, 1080), 1}});
     EXPECT_EQ(map.frame(0), (GlobalRect{0, 0, 1920, 1080}));
     EXPECT_EQ(map.frame(1), (GlobalRect{1920, -250, 1920, 1080}));
     EXPECT_EQ(map.frame(2), (GlobalRect{0, 1080, 1920, 1080}));
     EXPECT_EQ(map.frame(3), (GlobalRect{-1280, 1440, 1280, 720}));
+    EXPECT_EQ(map.frame(4), (GlobalRect{0, -1080, 1920, 1080}));
     // On both sides of the border the same point.
     EXPECT_EQ(map.toGlobal(QPoint(5759, 1580)).x + 0.5, map.toGlobal(QPoint(5760, 1580)).x);
     EXPECT_EQ(map.toGlobal(QPoint(5759, 1580)).y, map.toGlobal(QPoint(5760, 1580)).y);
@@ -50,6 +52,7 @@ TEST(PixelMapTest, AnswersBesideAndWithoutDisplays) {
     const PixelMap apart({{QRect(0, 0, 100, 100), 2}, {QRect(500, 0, 100, 100), 1}});
     EXPECT_EQ(apart.frame(1).x, 250);
     EXPECT_EQ(apart.toGlobal(QPoint(120, 0)), (GlobalPoint{60, 50}));
+    EXPECT_EQ(apart.toGlobal(QPoint(480, 0)), (GlobalPoint{230, 50}));
     EXPECT_EQ(PixelMap().toGlobal(QPoint(3, 4)), (GlobalPoint{3, -4}));
 }
 
@@ -309,6 +312,7 @@ TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
     }
     EXPECT_EQ(keycodeOf(53), 9);                   // Escape
     EXPECT_EQ(keycodeOf(51), 22);                  // Backspace
+    EXPECT_EQ(keycodeOf(22), 15);                  // the digit six
     EXPECT_EQ(virtualKeyCodeOf(50), std::nullopt); // left Shift
     EXPECT_EQ(virtualKeyCodeOf(0), std::nullopt);
 }
