@@ -1,4 +1,5 @@
 #include "demo/interruption.h"
+#include "gnome_shot.h"
 #include "shots.h"
 
 #include <cstdio>
@@ -25,6 +26,8 @@ void takeAll(const std::filesystem::path& program, const std::filesystem::path& 
         std::fflush(stdout);
         shot.take(desk);
     }
+    std::puts("Starting GNOME Shell");
+    takeGnomePicture(program, folder);
     std::printf("Pictures: %s\n", (folder / "*.png").c_str());
 }
 
