@@ -17,7 +17,7 @@ SessionMeans meansOf(const SessionOffer& offer) {
         return {.drawing = Means::layerShell,
                 .pointer = Means::cursorSession,
                 .presses = Means::none,
-                .shortcuts = Means::xwayland};
+                .shortcuts = offer.portal ? Means::portal : Means::xwayland};
     }
     return all(Means::xwayland);
 }

@@ -12,13 +12,22 @@ struct SessionOffer {
     bool xwayland = false;       // the X server shows its windows through a Wayland compositor
     bool layerShell = false;     // that lets programs draw above all windows,
     bool cursorSessions = false; // and tells them where the pointer is
+    bool portal = false;         // takes shortcuts for programs
     bool marks = false;          // the desktop itself draws marks
     bool markedPresses = false;  // and rings at presses
 
     bool operator==(const SessionOffer&) const = default;
 };
 
-enum class Means : std::uint8_t { none, x11, xwayland, layerShell, cursorSession, desktop };
+enum class Means : std::uint8_t {
+    none,
+    x11,
+    xwayland,
+    layerShell,
+    cursorSession,
+    portal,
+    desktop,
+};
 
 struct SessionMeans {
     Means drawing = Means::none; // above all windows, or in Xwayland above those of X programs

@@ -41,8 +41,11 @@ TEST(SessionMeansTest, TakesTheBestThatTheSessionOffers) {
              Case{"sway",
                   {.xwayland = true, .layerShell = true, .cursorSessions = true},
                   {layerShell, cursorSession, none, xwayland}},
+             Case{"Hyprland",
+                  {.xwayland = true, .layerShell = true, .cursorSessions = true, .portal = true},
+                  {layerShell, cursorSession, none, Means::portal}},
              Case{"a compositor with all of it",
-                  {true, true, true, true, true},
+                  {true, true, true, true, true, true},
                   {desktop, desktop, desktop, desktop}},
          }) {
         EXPECT_EQ(meansOf(offer), means) << session;

@@ -88,6 +88,12 @@ Desktop VantrelApp::desktop() {
             .application = *this};
 }
 
+SessionOffer VantrelApp::offer() const {
+    auto offer = offer_;
+    offer.portal = portalShortcuts_ && portalShortcuts_->takesKeys();
+    return offer;
+}
+
 void VantrelApp::joinCompositor() {
     constexpr std::chrono::milliseconds limit(1000);
     offer_.xwayland = true;
@@ -110,19 +116,28 @@ void VantrelApp::joinWaylandSession() {
     shell_.emplace(bus, defaults_, bundle_.dataFolder());
     shellStatusItem_.emplace(*shell_, statusItem_);
     kwin_.emplace(bus, bundle_.dataFolder(), EffectDrawing::picture);
+    const auto nameOf = [this](auto number) {
+        const auto mode = HotkeyManager::modeOf(number);
+        return QString::fromStdString(delegate_.state().shortcutTitle(mode));
+    };
     kwinShortcuts_.emplace(
         bus, *kwin_,
         DesktopShortcuts::Means{
             .keyOf = [this](auto keycode, auto layout) { return keyOf(keycode, layout); },
-            .nameOf =
-                [this](auto number) {
-                    const auto mode = HotkeyManager::modeOf(number);
-                    return QString::fromStdString(delegate_.state().shortcutTitle(mode));
-                },
+            .nameOf = nameOf,
         });
     keyboardChanges_ = x11_.keyboard.changes.add([this] { kwinShortcuts_->grabAgain(); });
     sessionMarks_.emplace(*shell_, *kwin_);
-    kwinHotKeys_.emplace(*kwinShortcuts_, x11_.hotKeys, x11::keycodeOf);
+    if (wayland_) {
+        portalShortcuts_.emplace(
+            bus, PortalShortcuts::Means{
+                     .symbolOf = [this](auto keycode) { return x11_.keyboard.symbolOf(keycode); },
+                     .nameOf = nameOf,
+                 });
+        portalHotKeys_.emplace(*portalShortcuts_, x11_.hotKeys, x11::keycodeOf);
+    }
+    auto& others = portalHotKeys_ ? static_cast<HotKeys&>(*portalHotKeys_) : x11_.hotKeys;
+    kwinHotKeys_.emplace(*kwinShortcuts_, others, x11::keycodeOf);
     sessionHotKeys_.emplace(*shell_, *kwinHotKeys_, x11::keycodeOf);
 }
 

@@ -9,6 +9,7 @@
 #include "platform/freedesktop/environment_locale.h"
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/installed_bundle.h"
+#include "platform/freedesktop/portal_shortcuts.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/session_hot_keys.h"
 #include "platform/freedesktop/tray_status_item.h"
@@ -54,7 +55,7 @@ private:
     void terminate() override;
     void activate(WId window) override;
     [[nodiscard]] std::string compositor() const override;
-    [[nodiscard]] SessionOffer offer() const override { return offer_; }
+    [[nodiscard]] SessionOffer offer() const override;
     [[nodiscard]] Desktop desktop();
     void joinCompositor();
     void joinWaylandSession();
@@ -82,8 +83,10 @@ private:
     std::optional<ShellExtension> shell_; // in a Wayland session
     std::optional<KWinScript> kwin_;
     std::optional<DesktopShortcuts> kwinShortcuts_;
+    std::optional<PortalShortcuts> portalShortcuts_;
     Subscription keyboardChanges_;
-    std::optional<EitherMarks> sessionMarks_; // of both
+    std::optional<EitherMarks> sessionMarks_;     // of both
+    std::optional<SessionHotKeys> portalHotKeys_; // where the compositor lets us draw
     std::optional<SessionHotKeys> kwinHotKeys_;
     std::optional<SessionHotKeys> sessionHotKeys_;
     TrayStatusItem statusItem_{x11_.systemTray};

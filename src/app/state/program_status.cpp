@@ -19,6 +19,8 @@ std::optional<std::string> wordFor(Means means, const Marks& marks) {
         return "layer-shell";
     case Means::cursorSession:
         return "cursor-session";
+    case Means::portal:
+        return "portal";
     case Means::desktop:
         return std::string(marks.drawer());
     }

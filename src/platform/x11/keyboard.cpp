@@ -64,6 +64,12 @@ bool isSeen(std::uint32_t character) {
     return QChar::isPrint(character) && !QChar::isSpace(character);
 }
 
+std::string textOf(xkb_keysym_t symbol) {
+    std::array<char, 64> text{};
+    xkb_keysym_get_name(symbol, text.data(), text.size());
+    return text.data();
+}
+
 // A key is called by what is written on it, not by what it was on the first terminals.
 std::string nameOfSymbol(xkb_keysym_t symbol) {
     if (symbol == XKB_KEY_NoSymbol) {
@@ -72,10 +78,9 @@ std::string nameOfSymbol(xkb_keysym_t symbol) {
     if (symbol == XKB_KEY_Page_Up || symbol == XKB_KEY_Page_Down) {
         return symbol == XKB_KEY_Page_Up ? "Page_Up" : "Page_Down";
     }
-    std::array<char, 64> text{};
-    xkb_keysym_get_name(symbol, text.data(), text.size());
+    auto text = textOf(symbol);
     text.front() = static_cast<char>(std::toupper(text.front()));
-    return text.data();
+    return text;
 }
 
 // Also of keys that change the layout.
@@ -97,7 +102,7 @@ public:
     [[nodiscard]] std::uint32_t flagsOf(std::uint32_t state) const;
     [[nodiscard]] std::optional<std::string> charactersOf(std::uint32_t key,
                                                           std::uint32_t state) const;
-    [[nodiscard]] std::string nameOf(std::uint32_t key, std::uint32_t state) const;
+    [[nodiscard]] xkb_keysym_t symbolOf(std::uint32_t key, std::uint32_t state) const;
     [[nodiscard]] bool isModifier(std::uint32_t key) const;
 
 private:
@@ -156,9 +161,9 @@ std::optional<std::string> X11Keyboard::Layout::charactersOf(std::uint32_t key,
 }
 
 // Without Shift, with which Tab would be something else.
-std::string X11Keyboard::Layout::nameOf(std::uint32_t key, std::uint32_t state) const {
+xkb_keysym_t X11Keyboard::Layout::symbolOf(std::uint32_t key, std::uint32_t state) const {
     const auto keys = stateWith(0, groupOf(state));
-    return keys ? nameOfSymbol(xkb_state_key_get_one_sym(keys.get(), key)) : std::string();
+    return keys ? xkb_state_key_get_one_sym(keys.get(), key) : XKB_KEY_NoSymbol;
 }
 
 bool X11Keyboard::Layout::isModifier(std::uint32_t key) const {
@@ -189,7 +194,12 @@ std::optional<KeyPress> X11Keyboard::press(std::uint32_t key, std::uint32_t stat
         return std::nullopt;
     }
     return KeyPress{*keyCode, layout().flagsOf(state), layout().charactersOf(key, state),
-                    layout().nameOf(key, state)};
+                    nameOfSymbol(layout().symbolOf(key, state))};
+}
+
+std::string X11Keyboard::symbolOf(std::uint32_t key) const {
+    const auto symbol = layout().symbolOf(key, 0);
+    return symbol == XKB_KEY_NoSymbol ? std::string() : textOf(symbol);
 }
 
 bool X11Keyboard::isModifier(std::uint32_t key) const {

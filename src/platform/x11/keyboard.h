@@ -4,6 +4,7 @@
 #include "platform/x11/connection.h"
 
 #include <memory>
+#include <string>
 
 namespace vantrel::x11 {
 
@@ -27,6 +28,9 @@ public:
     [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key,
                                                 std::uint32_t state) const override;
     [[nodiscard]] bool isModifier(std::uint32_t key) const override;
+
+    // What the key produces without modifiers, as keymaps call it; empty where it produces nothing.
+    [[nodiscard]] std::string symbolOf(std::uint32_t key) const;
 
     // Called when keys have got another meaning.
     Observers<> changes;

@@ -1,0 +1,146 @@
+#include "platform/freedesktop/portal_shortcuts.h"
+#include "platform/input.h"
+#include "support/event_loop.h"
+#include "support/freedesktop_support.h"
+#include "testdesk/core_application.h"
+#include "testdesk/private_bus.h"
+
+#include <gtest/gtest.h>
+
+#include <QSet>
+
+namespace vantrel {
+namespace {
+
+const auto desktopPath = QStringLiteral("/org/freedesktop/portal/desktop");
+
+// The desktop's side, on a connection of its own.
+class FakePortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.GlobalShortcuts")
+    Q_PROPERTY(uint version MEMBER version)
+
+public:
+    explicit FakePortal(QDBusConnection connection) : bus(std::move(connection)) {
+        bus.registerObject(desktopPath, this,
+                           QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties);
+        appear();
+    }
+    void appear() { bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")); }
+    void vanish() { bus.unregisterService(QStringLiteral("org.freedesktop.portal.Desktop")); }
+
+    Q_SLOT QDBusObjectPath CreateSession(const QVariantMap& options, const QDBusMessage& call) {
+        session = pathFor("session", call, options.value(QStringLiteral("session_handle_token")));
+        return respond(call, options, {});
+    }
+    Q_SLOT QDBusObjectPath BindShortcuts(const QDBusObjectPath& handle,
+                                         const QList<vantrel::PortalShortcut>& shortcuts,
+                                         const QString& /*window*/, const QVariantMap& options,
+                                         const QDBusMessage& call) {
+        EXPECT_EQ(handle.path(), session);
+        proposals.clear();
+        QList<PortalShortcut> granted;
+        for (const auto& [id, properties] : shortcuts) {
+            const auto said = [&](const char* key) {
+                return properties.value(QLatin1String(key)).toString();
+            };
+            proposals << said("description") + QLatin1Char(' ') + said("preferred_trigger");
+            if (!refused.contains(id)) {
+                granted.push_back({id, {{QStringLiteral("trigger_description"), trigger}}});
+            }
+        }
+        return respond(call, options,
+                       {{QStringLiteral("shortcuts"), QVariant::fromValue(granted)}});
+    }
+    void press(const QDBusConnection& from, const QString& id) const {
+        auto signal = QDBusMessage::createSignal(
+            desktopPath, QStringLiteral("org.freedesktop.portal.GlobalShortcuts"),
+            QStringLiteral("Activated"));
+        signal << QVariant::fromValue(QDBusObjectPath(session)) << id << qulonglong{7}
+               << QVariantMap();
+        from.send(signal);
+    }
+
+    QDBusConnection bus;
+    uint version = 2;
+    uint answer = 0;
+    QString trigger = QStringLiteral("some keys");
+    QSet<QString> refused;
+    QStringList proposals; // as they were last asked for
+    QString session;
+
+private:
+    static QString pathFor(const char* kind, const QDBusMessage& call, const QVariant& token) {
+        auto caller = call.service().mid(1);
+        return QStringLiteral("%1/%2/%3/%4")
+            .arg(desktopPath, QLatin1String(kind), caller.replace(u'.', u'_'), token.toString());
+    }
+    // After the call was answered.
+    QDBusObjectPath respond(const QDBusMessage& call, const QVariantMap& options,
+                            const QVariantMap& results) {
+        const auto path = pathFor("request", call, options.value(QStringLiteral("handle_token")));
+        auto signal = QDBusMessage::createSignal(
+            path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+        signal << answer << results;
+        QMetaObject::invokeMethod(
+            this, [this, signal] { bus.send(signal); }, Qt::QueuedConnection);
+        return QDBusObjectPath(path);
+    }
+};
+
+TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
+    const desktop::CoreApplication application;
+    const TemporaryFolder folder;
+    const desktop::PrivateBus bus(folder / "bus");
+    const auto connect = [&](const char* name) {
+        return QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                             QLatin1String(name));
+    };
+    const auto other = connect("other");
+    FakePortal portal(connect("portal"));
+    PortalShortcuts shortcuts(
+        connect("program"),
+        {.symbolOf = [](auto keycode) { return keycode == 43 ? "h" : "F5"; },
+         .nameOf = [](auto number) { return QStringLiteral("Name %1").arg(number); }});
+    std::vector<std::uint32_t> pressed;
+    std::vector<std::uint32_t> refused;
+    shortcuts.onPressed = [&](auto number) { pressed.push_back(number); };
+    shortcuts.onRefused = [&](const auto& numbers) { refused = numbers; };
+    ASSERT_TRUE(runUntil([&] { return shortcuts.takesKeys(); }));
+
+    const KeyGrab first{1, {43, modifier::control | modifier::option}};
+    shortcuts.grab({first, {2, {71, modifier::shift | modifier::command}}});
+    const QStringList wanted{QStringLiteral("Name 1 CTRL+ALT+h"),
+                             QStringLiteral("Name 2 SHIFT+LOGO+F5")};
+    EXPECT_TRUE(runUntil([&] { return portal.proposals == wanted; }));
+    // One that another program makes up comes first, and does not count.
+    portal.press(other, QStringLiteral("shortcut-1"));
+    ASSERT_TRUE(runUntil([&] {
+        portal.press(portal.bus, QStringLiteral("shortcut-2"));
+        return !pressed.empty();
+    }));
+    EXPECT_EQ(pressed.front(), 2U);
+
+    portal.refused = {QStringLiteral("shortcut-2")};
+    shortcuts.grab({first, {2, {43, modifier::control}}});
+    EXPECT_TRUE(runUntil([&] { return refused == std::vector{2U}; }));
+    portal.answer = 1; // the user has said no
+    shortcuts.grab({first});
+    EXPECT_TRUE(runUntil([&] { return refused == std::vector{1U}; }));
+
+    portal.answer = 0;
+    portal.trigger.clear(); // all keys are left to the configuration
+    shortcuts.grab({{2, first.keys}, first});
+    EXPECT_TRUE(runUntil([&] { return !shortcuts.takesKeys(); }));
+    portal.vanish();
+    portal.appear();
+    EXPECT_TRUE(runUntil([&] { return shortcuts.takesKeys(); }));
+    for (const auto* name : {"other", "portal", "program"}) {
+        QDBusConnection::disconnectFromBus(QLatin1String(name));
+    }
+}
+
+} // namespace
+} // namespace vantrel
+
+#include "freedesktop_portal_test.moc"
