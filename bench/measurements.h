@@ -63,8 +63,8 @@ struct Effort {
 // again and again.
 [[nodiscard]] Report measureReopening(const Contenders& contenders, const Effort& effort);
 // CPU time of GNOME Shell for 1000 motions a second, compared with motions without a mark; frames
-// of them with the mark elsewhere than the pointer. From a command to the mark. What the shell holds
-// after many changes and clicks.
+// of them with the mark elsewhere than the pointer. From a command to the mark. What the shell
+// holds after many changes and clicks.
 [[nodiscard]] Report measureShell(const Contenders& contenders, const Effort& effort);
 // The same for KWin and the program together, and for KWin and a program that draws the mark by a
 // layer shell and is told where the pointer is; the time of a command until its mark is there.

@@ -219,13 +219,14 @@ void WaylandOverlayWindows::flush() {
 }
 
 Subscription WaylandOverlayWindows::onFrame(std::uint32_t screen, std::function<void()> callback) {
-    pace_ = Pace{screen, std::move(callback)};
+    pace_ = Pace{screen, std::make_shared<const std::function<void()>>(std::move(callback))};
     return Subscription([this] { pace_.reset(); });
 }
 
 void WaylandOverlayWindows::eventsDrained() {
     if (std::exchange(frameCame_, false) && pace_) {
-        pace_->callback();
+        const auto callback = pace_->callback;
+        (*callback)();
     }
 }
 

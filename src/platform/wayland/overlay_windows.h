@@ -35,7 +35,7 @@ private:
 
     struct Pace {
         std::uint32_t screen = 0;
-        std::function<void()> callback;
+        std::shared_ptr<const std::function<void()>> callback; // outlives a call that ends it
     };
 
     void eventsDrained() override;

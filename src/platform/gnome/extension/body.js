@@ -178,10 +178,16 @@ class Picture {
 function drawDisc(context, [diameter, width, stops]) {
     if (diameter <= width)
         return;
-    const gradient = new Cairo.RadialGradient(0, 0, 0, 0, 0, diameter / 2);
-    for (const stop of stops)
-        gradient.addColorStopRGBA(...stop);
-    context.setSource(gradient);
+    // A ring is drawn in every frame, and a gradient is freed late.
+    if (stops.length === 1) {
+        const [, ...color] = stops[0];
+        context.setSourceRGBA(...color);
+    } else {
+        const gradient = new Cairo.RadialGradient(0, 0, 0, 0, 0, diameter / 2);
+        for (const stop of stops)
+            gradient.addColorStopRGBA(...stop);
+        context.setSource(gradient);
+    }
     context.newPath();
     context.arc(0, 0, (diameter - width) / 2, 0, 2 * Math.PI);
     if (width > 0) {
