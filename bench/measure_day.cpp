@@ -90,7 +90,8 @@ public:
             move(100);
         }
         setDisplays(1);
-        atPace(modeChangesPerSecond, modeChanges / parts / modeChangesPerSecond, [&](int step) {
+        const int changes = modeChanges / parts;
+        atPace(modeChangesPerSecond, changes / modeChangesPerSecond, [&](int step) {
             move(1);
             toggle(step % 2 == 0 ? 'l' : 'h');
         });
@@ -119,11 +120,12 @@ private:
             desktop_.bench.input.click(buttons[static_cast<std::size_t>(step % 2)]);
         });
     }
+    // One or two, side by side.
     void setDisplays(int count) const {
         const int width = 1920 / count;
-        std::vector<desktop::PixelRect> monitors;
-        for (int i = 0; i < count; ++i) {
-            monitors.push_back({i * width, 0, width, 1080});
+        std::vector<desktop::PixelRect> monitors{{0, 0, width, 1080}};
+        if (count == 2) {
+            monitors.push_back({width, 0, width, 1080});
         }
         desktop::setMonitors(desktop_.bench.connection, monitors);
     }
