@@ -98,11 +98,7 @@ void Connection::read() {
             return;
         }
     }
-    if (becomesReadable(descriptor(), {})) {
-        wl_display_read_events(display_);
-    } else {
-        wl_display_cancel_read(display_);
-    }
+    wl_display_read_events(display_); // which does not wait
     wl_display_dispatch_pending(display_);
 }
 
