@@ -25,17 +25,27 @@ struct Part {
     bool onlyByName = false; // it takes minutes
 };
 
-constexpr std::array parts{
-    Part{"latency", measureLatency},   Part{"motion", measureMotion},
-    Part{"rest", measureRest},         Part{"clicks", measureClicks},
-    Part{"shortcut", measureShortcut}, Part{"switch", measureSwitch},
-    Part{"change", measureChange},     Part{"slider", measureSlider},
-    Part{"save", measureSave},         Part{"memory", measureMemory},
-    Part{"start", measureStart},       Part{"command", measureCommand},
-    Part{"popup", measurePopup},       Part{"settings", measureSettings},
-    Part{"drag", measureDrag},         Part{"reopening", measureReopening},
-    Part{"shell", measureShell},       Part{"kwin", measureKWin},
-    Part{"day", measureDay, true},     Part{"kwin-memory", measureKWinMemory}};
+constexpr std::array parts{Part{"latency", measureLatency},
+                           Part{"motion", measureMotion},
+                           Part{"rest", measureRest},
+                           Part{"clicks", measureClicks},
+                           Part{"shortcut", measureShortcut},
+                           Part{"switch", measureSwitch},
+                           Part{"change", measureChange},
+                           Part{"slider", measureSlider},
+                           Part{"save", measureSave},
+                           Part{"memory", measureMemory},
+                           Part{"start", measureStart},
+                           Part{"command", measureCommand},
+                           Part{"popup", measurePopup},
+                           Part{"settings", measureSettings},
+                           Part{"drag", measureDrag},
+                           Part{"reopening", measureReopening},
+                           Part{"shell", measureShell},
+                           Part{"kwin", measureKWin},
+                           Part{"sway", measureSway},
+                           Part{"day", measureDay, true},
+                           Part{"kwin-memory", measureKWinMemory}};
 
 QString namesOfParts() {
     QStringList names;

@@ -1,7 +1,8 @@
 // The least that a follower of the pointer can do in a compositor with a layer shell: one clear
 // surface over a display, with one disc in it that is moved once for each frame. The argument is
 // the number of the descriptor from which it reads where the pointer is, in pairs of 32-bit
-// numbers: points of the display.
+// numbers: points of the display. Without one the compositor tells it, by a cursor session on its
+// only display, of scale 1.
 
 #include <array>
 #include <cmath>
@@ -14,6 +15,7 @@
 #include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <wayland-image-copy-capture.h>
 #include <wayland-layer-shell.h>
 #include <wayland-viewporter.h>
 
@@ -32,6 +34,10 @@ struct Follower {
     wl_shm* shm = nullptr;
     wp_viewporter* viewporter = nullptr;
     zwlr_layer_shell_v1* shell = nullptr;
+    wl_seat* seat = nullptr;
+    wl_output* output = nullptr;
+    ext_image_copy_capture_manager_v1* captures = nullptr;
+    ext_output_image_capture_source_manager_v1* sources = nullptr;
     wl_buffer* disc = nullptr;
     wl_surface* surface = nullptr;
     wp_viewport* view = nullptr;
@@ -54,6 +60,10 @@ void bind(void* data, wl_registry* registry, std::uint32_t name, const char* int
     take(follower.shm, wl_shm_interface, 1);
     take(follower.viewporter, wp_viewporter_interface, 1);
     take(follower.shell, zwlr_layer_shell_v1_interface, 1);
+    take(follower.seat, wl_seat_interface, 1);
+    take(follower.output, wl_output_interface, 1);
+    take(follower.captures, ext_image_copy_capture_manager_v1_interface, 1);
+    take(follower.sources, ext_output_image_capture_source_manager_v1_interface, 1);
 }
 
 // 0xFACC15 at 0.35, premultiplied, with a soft edge of one pixel; the pixels of its corners are
@@ -137,6 +147,22 @@ void makeSurfaces(Follower& follower) {
     wl_surface_commit(follower.surface);
 }
 
+void listen(Follower& follower) {
+    static const ext_image_copy_capture_cursor_session_v1_listener events{
+        [](void*, auto*) {}, [](void*, auto*) {},
+        [](void* data, auto*, std::int32_t x, std::int32_t y) {
+            static_cast<Follower*>(data)->place = Place{x, y};
+        },
+        [](void*, auto*, std::int32_t, std::int32_t) {}};
+    ext_image_copy_capture_cursor_session_v1_add_listener(
+        ext_image_copy_capture_manager_v1_create_pointer_cursor_session(
+            follower.captures,
+            ext_output_image_capture_source_manager_v1_create_source(follower.sources,
+                                                                     follower.output),
+            wl_seat_get_pointer(follower.seat)),
+        &events, &follower);
+}
+
 // Takes the last one that has come. False when no more will.
 bool readPlaces(int descriptor, std::optional<Place>& place) {
     std::array<Place, 512> places{};
@@ -151,10 +177,10 @@ bool readPlaces(int descriptor, std::optional<Place>& place) {
 
 int main(int argc, char** argv) {
     auto* display = wl_display_connect(nullptr);
-    if (argc < 2 || display == nullptr) {
+    if (display == nullptr) {
         return 1;
     }
-    const int places = std::atoi(argv[1]);
+    const int places = argc > 1 ? std::atoi(argv[1]) : -1;
     Follower follower;
     const wl_registry_listener globals{bind, [](void*, wl_registry*, std::uint32_t) {}};
     wl_registry_add_listener(wl_display_get_registry(display), &globals, &follower);
@@ -164,6 +190,9 @@ int main(int argc, char** argv) {
     }
     follower.disc = makeDisc(follower.shm);
     makeSurfaces(follower);
+    if (places < 0) {
+        listen(follower);
+    }
     std::array<pollfd, 2> ready{{{wl_display_get_fd(display), POLLIN, 0}, {places, POLLIN, 0}}};
     while (wl_display_flush(display) >= 0 && poll(ready.data(), ready.size(), -1) > 0) {
         if (ready[0].revents != 0 && wl_display_dispatch(display) < 0) {

@@ -72,6 +72,9 @@ struct Effort {
 // What KWin holds after loading and unloading its script again and again, and after displays came
 // and went.
 [[nodiscard]] Report measureKWinMemory(const Contenders& contenders, const Effort& effort);
+// In sway, beside the smallest follower that a layer shell lets there be: from injected motion to
+// the painted mark, and CPU time for 1000 motions a second.
+[[nodiscard]] Report measureSway(const Contenders& contenders, const Effort& effort);
 // A day of use in a few minutes: what the program and the server hold at its end, what is left on
 // the screen, and what was written to standard error.
 [[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);

@@ -92,11 +92,14 @@ public:
     // By way of the corner, as the place in which it is now is not known.
     void moveTo(QPoint place) {
         constexpr int far = 10000;
-        zwlr_virtual_pointer_v1_motion(pointer_, ++time_, wl_fixed_from_int(-far),
-                                       wl_fixed_from_int(-far));
-        zwlr_virtual_pointer_v1_motion(pointer_, ++time_, wl_fixed_from_int(place.x()),
-                                       wl_fixed_from_int(place.y()));
+        move({-far, -far});
+        move(place);
         finish();
+    }
+    void moveBy(QPoint way) {
+        move(way);
+        zwlr_virtual_pointer_v1_frame(pointer_);
+        wl_display_flush(display_);
     }
     void click(std::uint32_t button) {
         for (const auto state :
@@ -107,6 +110,10 @@ public:
     }
 
 private:
+    void move(QPoint way) {
+        zwlr_virtual_pointer_v1_motion(pointer_, ++time_, wl_fixed_from_int(way.x()),
+                                       wl_fixed_from_int(way.y()));
+    }
     void finish() {
         zwlr_virtual_pointer_v1_frame(pointer_);
         wl_display_roundtrip(display_);
@@ -224,6 +231,10 @@ void WlrootsSession::moveTo(QPoint place) {
         mouse_ = std::make_unique<Mouse>(socket());
     }
     mouse_->moveTo(place);
+}
+
+void WlrootsSession::moveBy(QPoint way) {
+    mouse_->moveBy(way);
 }
 
 void WlrootsSession::click(std::uint32_t button) {

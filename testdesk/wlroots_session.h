@@ -54,7 +54,11 @@ public:
 
     // In points, from the corner of the output at 0, 0.
     void moveTo(QPoint place);
+    // From where it is, without waiting.
+    void moveBy(QPoint way);
     void click(std::uint32_t button); // a code of Linux, as BTN_LEFT
+
+    [[nodiscard]] pid_t pid() const { return process_.pid(); }
 
     // Ends it before its time.
     void stop() { process_.terminate(); }
