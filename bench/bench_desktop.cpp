@@ -4,7 +4,9 @@
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 #include <stdexcept>
 #include <thread>
 
@@ -126,6 +128,11 @@ void atPace(double stepsPerSecond, double seconds, const std::function<void(int)
                                           std::chrono::duration<double>(i / stepsPerSecond)));
         step(i);
     }
+}
+
+CirclePlace onCircle(int step, double radius) {
+    const double angle = step * 2 * std::numbers::pi / 1000;
+    return {radius * std::cos(angle), radius * std::sin(angle)};
 }
 
 } // namespace vantrel::bench

@@ -5,7 +5,9 @@
 #include "testdesk/private_server.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/synthetic_input.h"
+#include "testdesk/usage.h"
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -68,5 +70,31 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 // Calls the step at an even pace; it gets its number.
 void atPace(double stepsPerSecond, double seconds, const std::function<void(int)>& step);
+
+// A place on a circle around the origin, of which 1000 steps are one turn.
+struct CirclePlace {
+    double x = 0;
+    double y = 0;
+};
+[[nodiscard]] CirclePlace onCircle(int step, double radius);
+
+// What processes cost while the pointer is moved 1000 times a second: milliseconds of CPU time for
+// each second, of each of them.
+template <std::size_t count>
+[[nodiscard]] std::array<double, count> motionCosts(const std::array<pid_t, count>& processes,
+                                                    double seconds,
+                                                    const std::function<void(int)>& move) {
+    atPace(1000, 0.3, move); // warms up
+    std::array<double, count> costs{};
+    for (std::size_t i = 0; i < count; ++i) {
+        costs.at(i) = -Milliseconds(desktop::cpuTime(processes.at(i))).count();
+    }
+    atPace(1000, seconds, move);
+    for (std::size_t i = 0; i < count; ++i) {
+        costs.at(i) += Milliseconds(desktop::cpuTime(processes.at(i))).count();
+        costs.at(i) /= seconds;
+    }
+    return costs;
+}
 
 } // namespace vantrel::bench

@@ -9,10 +9,8 @@
 #include "testdesk/wait.h"
 
 #include <array>
-#include <cmath>
 #include <fstream>
 #include <iterator>
-#include <numbers>
 #include <sstream>
 #include <thread>
 
@@ -105,9 +103,8 @@ public:
 private:
     void move(int count) {
         atPace(motionsPerSecond, count / motionsPerSecond, [&](int) {
-            const double angle = step_++ * 2 * std::numbers::pi / 1000;
-            desktop_.bench.input.moveTo({static_cast<int>(960 + 400 * std::cos(angle)),
-                                         static_cast<int>(500 + 400 * std::sin(angle))},
+            const auto [x, y] = onCircle(step_++, 400);
+            desktop_.bench.input.moveTo({static_cast<int>(960 + x), static_cast<int>(500 + y)},
                                         desktop::SyntheticInput::Wait::no);
         });
     }
@@ -156,16 +153,13 @@ Report measureDay(const Contenders& contenders, const Effort& effort) {
     const LoginManager login(systemBus);
     desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
     const auto program = rehearse(desktop, contenders.programAsApplication, true);
-    // Without the tray.
-    const auto screen = [&] {
-        return captureScreen(desktop.bench.connection, {0, 0, 1920, program.icon.y - 10});
-    };
     const auto process = startInTray(desktop, program);
     desktop.bench.input.typeChord({XK_Control_L, XK_Alt_L, 'h'});
     Day day(desktop, program, login);
     day.live(parts);
     const auto isBlank = [&] {
-        const auto picture = screen();
+        const desktop::PixelRect withoutTray{0, 0, 1920, program.icon.y - 10};
+        const auto picture = captureScreen(desktop.bench.connection, withoutTray);
         return std::ranges::count(picture.pixels, desktop.bench.background) ==
                std::ssize(picture.pixels);
     };

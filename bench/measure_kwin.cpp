@@ -11,10 +11,8 @@
 #include <QCoreApplication>
 
 #include <array>
-#include <cmath>
 #include <fstream>
 #include <iomanip>
-#include <numbers>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -46,8 +44,8 @@ std::filesystem::path dataFolderOf(const Contenders& contenders) {
 // The places of a circle, 1000 times a second.
 void circle(double seconds, const std::function<void(QPoint)>& moveTo) {
     atPace(1000, seconds, [&](int step) {
-        const double angle = step * 2 * std::numbers::pi / 1000;
-        moveTo(QPoint(640, 360) + (160 * QPointF(std::cos(angle), std::sin(angle))).toPoint());
+        const auto [x, y] = onCircle(step, 160);
+        moveTo(QPoint(640, 360) + QPointF(x, y).toPoint());
     });
 }
 

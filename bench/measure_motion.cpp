@@ -2,11 +2,7 @@
 
 #include "motion_latencies.h"
 
-#include "testdesk/usage.h"
-
 #include <array>
-#include <cmath>
-#include <numbers>
 
 namespace vantrel::bench {
 namespace {
@@ -17,34 +13,23 @@ Samples latencies(BenchDesktop& desktop, const Contender& contender, int count) 
     return motionLatencies(desktop, count);
 }
 
-desktop::PixelPoint onCircle(int step) {
-    const double angle = step * 2 * std::numbers::pi / 1000;
-    return {static_cast<int>(960 + 400 * std::cos(angle)),
-            static_cast<int>(540 + 400 * std::sin(angle))};
+desktop::PixelPoint placeAt(int step) {
+    const auto [x, y] = onCircle(step, 400);
+    return {static_cast<int>(960 + x), static_cast<int>(540 + y)};
 }
 
 // Milliseconds of CPU time for each second: the program's, the server's, the compositing manager's.
 using Costs = std::array<double, 3>;
 
-Costs motionCosts(BenchDesktop& desktop, const Contender& contender, double seconds) {
-    desktop.input.moveTo(onCircle(0));
+Costs costsOf(BenchDesktop& desktop, const Contender& contender, double seconds) {
+    desktop.input.moveTo(placeAt(0));
     const auto process = startAndAwait(desktop, contender);
     const std::array<pid_t, 3> processes{process.pid(), desktop.server.pid(),
                                          desktop.compositingManager.pid()};
-    const auto move = [&](int step) {
-        desktop.input.moveTo(onCircle(step), desktop::SyntheticInput::Wait::no);
-    };
-    atPace(1000, 0.3, move); // warms up
-    Costs costs{};
-    for (std::size_t i = 0; i < costs.size(); ++i) {
-        costs[i] = -Milliseconds(desktop::cpuTime(processes[i])).count();
-    }
-    atPace(1000, seconds, move);
-    for (std::size_t i = 0; i < costs.size(); ++i) {
-        costs[i] += Milliseconds(desktop::cpuTime(processes[i])).count();
-        costs[i] /= seconds;
-    }
-    desktop.input.moveTo(onCircle(0));
+    const Costs costs = motionCosts(processes, seconds, [&](int step) {
+        desktop.input.moveTo(placeAt(step), desktop::SyntheticInput::Wait::no);
+    });
+    desktop.input.moveTo(placeAt(0));
     return costs;
 }
 
@@ -67,8 +52,8 @@ Report measureMotion(const Contenders& contenders, const Effort& effort) {
     BenchDesktop desktop;
     std::array<Comparison, 3> comparisons;
     for (int turn = 0; turn < effort.turns; ++turn) {
-        const Costs program = motionCosts(desktop, contenders.program, effort.secondsInTurn);
-        const Costs floor = motionCosts(desktop, contenders.floor, effort.secondsInTurn);
+        const Costs program = costsOf(desktop, contenders.program, effort.secondsInTurn);
+        const Costs floor = costsOf(desktop, contenders.floor, effort.secondsInTurn);
         for (std::size_t i = 0; i < comparisons.size(); ++i) {
             comparisons[i].program.push_back({program[i]});
             comparisons[i].floor.push_back({floor[i]});

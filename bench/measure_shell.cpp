@@ -9,8 +9,6 @@
 #include "testdesk/wait.h"
 
 #include <array>
-#include <cmath>
-#include <numbers>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -39,19 +37,19 @@ public:
             call(agent, path, agent, "Clear");
         }
     }
+    void moveAlong(int step) const {
+        const auto [x, y] = onCircle(step, 1);
+        moveBy(x, y);
+    }
     // On a circle, 1000 times a second.
     void move(double seconds) const {
-        atPace(1000, seconds, [&](int step) {
-            const double angle = step * 2 * std::numbers::pi / 1000;
-            moveBy(std::cos(angle), std::sin(angle));
-        });
+        atPace(1000, seconds, [&](int step) { moveAlong(step); });
     }
     // Milliseconds of CPU time of the shell for each second of motion.
     [[nodiscard]] Samples motionCost(double seconds) const {
-        move(0.3); // warms up
-        const auto before = desktop::cpuTime(pid());
-        move(seconds);
-        return {Milliseconds(desktop::cpuTime(pid()) - before).count() / seconds};
+        const auto costs =
+            motionCosts(std::array{pid()}, seconds, [&](int step) { moveAlong(step); });
+        return {costs.front()};
     }
     // Of frames of motion, those that were painted with the mark elsewhere than where the shell had
     // the pointer as it began with the frame. It moves on in the meantime.

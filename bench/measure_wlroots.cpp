@@ -3,13 +3,10 @@
 #include "motion_latencies.h"
 
 #include "testdesk/pixel_watch.h"
-#include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wlroots_session.h"
 
 #include <array>
-#include <cmath>
-#include <numbers>
 #include <random>
 #include <stdexcept>
 
@@ -78,23 +75,12 @@ public:
     [[nodiscard]] std::array<double, 2> costs(pid_t process, double seconds) {
         const std::array<pid_t, 2> processes{process, session_.pid()};
         QPoint last = center;
-        const auto move = [&](int step) {
-            const double angle = step * 2 * std::numbers::pi / 1000;
-            const QPoint next =
-                center + (200 * QPointF(std::cos(angle), std::sin(angle))).toPoint();
+        const auto costs = motionCosts(processes, seconds, [&](int step) {
+            const auto [x, y] = onCircle(step, 200);
+            const QPoint next = center + QPointF(x, y).toPoint();
             session_.moveBy(next - last);
             last = next;
-        };
-        atPace(1000, 0.3, move); // warms up
-        std::array<double, 2> costs{};
-        for (std::size_t i = 0; i < costs.size(); ++i) {
-            costs.at(i) = -Milliseconds(desktop::cpuTime(processes.at(i))).count();
-        }
-        atPace(1000, seconds, move);
-        for (std::size_t i = 0; i < costs.size(); ++i) {
-            costs.at(i) += Milliseconds(desktop::cpuTime(processes.at(i))).count();
-            costs.at(i) /= seconds;
-        }
+        });
         session_.moveBy(center - last);
         return costs;
     }
