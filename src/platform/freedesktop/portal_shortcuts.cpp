@@ -45,7 +45,8 @@ PortalShortcuts::PortalShortcuts(QDBusConnection bus, Means means)
     bus_.connect({}, path, interface, QStringLiteral("Activated"), this,
                  SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap, QDBusMessage)));
     // Nobody else may have started it in this session yet.
-    ask();
+    callAsync(bus_, busCall(QStringLiteral("StartServiceByName"), {service, 0U}), this,
+              [](const QDBusMessage&) {});
     followOwner(bus_, service, this, [this](const QString& owner) {
         if (owner == owner_) {
             return;
@@ -60,12 +61,10 @@ PortalShortcuts::PortalShortcuts(QDBusConnection bus, Means means)
 }
 
 void PortalShortcuts::ask() {
-    auto question = callOf(service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-                           QStringLiteral("Get"), {interface, QStringLiteral("version")});
-    question.setAutoStartService(true);
-    callAsync(bus_, question, this, [this](const QDBusMessage& answer) {
-        if (answer.type() != QDBusMessage::ErrorMessage) {
-            owner_ = answer.service();
+    const auto question = callOf(owner_, path, QStringLiteral("org.freedesktop.DBus.Properties"),
+                                 QStringLiteral("Get"), {interface, QStringLiteral("version")});
+    callAsync(bus_, question, this, [this, asked = owner_](const QDBusMessage& answer) {
+        if (answer.type() != QDBusMessage::ErrorMessage && asked == owner_) {
             note(true);
         }
     });
