@@ -156,6 +156,13 @@ TEST_F(ControlTest, CommandsTakeNothingFromTheirCallerForGranted) {
     EXPECT_TRUE(says({"status"}, "laser"));
 }
 
+TEST_F(ControlTest, CommandsDoWithoutTheToolkit) {
+    environment["LD_TRACE_LOADED_OBJECTS"] = "1";
+    const auto libraries = command({"status"}).output;
+    EXPECT_THAT(libraries, HasSubstr("libxcb.so"));
+    EXPECT_THAT(libraries, testing::Not(HasSubstr("libQt")));
+}
+
 TEST_F(ControlTest, TheCommandLineSpeaksTheLanguageOfTheWindows) {
     environment["LC_ALL"] = "zh_CN.UTF-8";
     EXPECT_EQ(command({"status"}).errors, "vantrel: 未在此显示器上运行\n");

@@ -1,7 +1,6 @@
 #include "platform/freedesktop/file_user_defaults.h"
 
 #include "platform/freedesktop/files.h"
-#include "platform/freedesktop/xdg_directories.h"
 
 #include <chrono>
 #include <csignal>
@@ -33,10 +32,6 @@ std::jthread startWithoutSignals(Body body) {
 }
 
 } // namespace
-
-std::filesystem::path FileUserDefaults::userFolder() {
-    return configDirectories().front() / "vantrel";
-}
 
 FileUserDefaults::FileUserDefaults(std::filesystem::path folder) : folder_(std::move(folder)) {
     writer_ = startWithoutSignals([this](const std::stop_token& stop) { writeUntil(stop); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/freedesktop/xdg_directories.h"
 #include "platform/session.h"
 
 #include <condition_variable>
@@ -27,7 +28,7 @@ namespace vantrel {
 class FileUserDefaults final : public UserDefaults {
 public:
     // "vantrel" below $XDG_CONFIG_HOME or ~/.config.
-    static std::filesystem::path userFolder();
+    static std::filesystem::path userFolder() { return configDirectories().front() / "vantrel"; }
 
     // The folder need not exist; it is made when a value is written.
     explicit FileUserDefaults(std::filesystem::path folder = userFolder());
