@@ -1,3 +1,4 @@
+#include "bus_traffic.h"
 #include "measurements.h"
 
 #include "overlay/effect.h"
@@ -204,6 +205,10 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
                      summarize("GNOME, 1000 motions/s, laser / no mark", "ms/s", comparisons[1],
                                median, 1.3)},
             .checks = {latency, shell.misplacedFrames(effort.secondsInTurn),
+                       BusTraffic(shell.environment(), shell.folder())
+                           .goesForChangesAlone(
+                               "GNOME", [&] { shell.show(effectOf(CursorMode::laser, {})); },
+                               [&](double seconds) { shell.move(seconds); }, effort.secondsInTurn),
                        shell.growth(effort.turns * 160, effort.turns * 25)}};
 }
 

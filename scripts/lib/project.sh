@@ -37,7 +37,7 @@ kwin_packages=(
 test_packages=(
     "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"
     "${cast_packages[@]}"
-    dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
+    dbus-bin dbus-daemon dmz-cursor-theme fish fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-core
     grim libgmock-dev libgtest-dev locales qt6-translations-l10n sway trayer x11-xkb-utils
     x11-xserver-utils xcompmgr xserver-xorg-core xserver-xorg-video-dummy zsh
 )
