@@ -118,7 +118,7 @@ inline bool showsPartOf(const ClickRing& ring, const QImage& picture, QPoint cen
     const int red = qRed(picture.pixel(center + QPoint((first + last) / 2, 0)));
     const double progress = 1 - red / (255 * ring.startOpacity);
     const double wanted = ring.startDiameter + (ring.endDiameter - ring.startDiameter) * progress;
-    return progress > 0.3 && progress < 0.9 && std::abs((first + last + 1) / scale - wanted) < 1.5;
+    return progress > 0.3 && progress < 0.7 && std::abs((first + last + 1) / scale - wanted) < 1.5;
 }
 
 } // namespace vantrel::desktop
