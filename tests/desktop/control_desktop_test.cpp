@@ -135,6 +135,33 @@ TEST_F(ControlTest, WhatCannotBeDoneIsSaid) {
     }
 }
 
+// A session is known by where its compositor listens, and its X server is not asked.
+TEST_F(ControlTest, TheInstanceOfAWaylandSessionIsFoundWithoutItsXServer) {
+    const SilentBus compositor(server.folder() / "runtime" / "wayland-0");
+    const SilentBus another(server.folder() / "runtime" / "wayland-1");
+    environment["WAYLAND_DISPLAY"] = "wayland-0";
+    const auto program = startProgram();
+    EXPECT_TRUE(says({"laser"}));
+    const auto shownTo = [&](const std::string& compositorName, const std::string& serverName) {
+        environment["WAYLAND_DISPLAY"] = compositorName;
+        environment["DISPLAY"] = serverName;
+        const auto outcome = command({"status"});
+        return outcome.output + outcome.errors;
+    };
+    const auto& display = server.display();
+    const auto path = server.folder() / "runtime" / "." / "wayland-0";
+    EXPECT_EQ(shownTo("wayland-0", ":987654"), "laser\n");
+    EXPECT_EQ(shownTo(path, ""), "laser\n");
+    EXPECT_EQ(shownTo("", display), "laser\n");
+    EXPECT_EQ(shownTo("wayland-2", display), "laser\n");
+    EXPECT_EQ(shownTo("wayland-1", display), "vantrel: not running on this display\n");
+    EXPECT_THAT(shownTo("wayland-2", ""), HasSubstr("compositor \"wayland-2\""));
+    environment = {{"WAYLAND_DISPLAY", "wayland-0"}, {"DISPLAY", display}};
+    EXPECT_TRUE(says({"off"}));
+    environment["DISPLAY"] = "";
+    EXPECT_TRUE(says({})) << "another one was started";
+}
+
 // Of a caller that has closed these descriptors, has more of them open, or listens to none.
 TEST_F(ControlTest, CommandsTakeNothingFromTheirCallerForGranted) {
     const auto shell = [this](const std::string& script) {

@@ -3,6 +3,7 @@
 #include "platform/freedesktop/command_packets.h"
 #include "platform/freedesktop/command_socket.h"
 #include "platform/freedesktop/local_socket_address.h"
+#include "platform/freedesktop/session_address.h"
 
 #include <gmock/gmock.h>
 
@@ -102,6 +103,17 @@ TEST_F(CommandSocketTest, TellsAProgramThatIsSilentFromOneThatHasGone) {
     for (const auto& nobody : {address, std::string(), std::string(1000, 'x')}) {
         EXPECT_EQ(std::get<Failure>(CommandCall::open(nobody)), Failure::gone);
     }
+}
+
+TEST_F(CommandSocketTest, LetsOneProgramHaveAnAddress) {
+    const std::string address = "vantrel-test-" + std::to_string(getpid());
+    EXPECT_FALSE(isTaken(address));
+    socket.emplace(address);
+    EXPECT_EQ(socket->address(), address);
+    EXPECT_TRUE(isTaken(address));
+    EXPECT_EQ(CommandSocket(address).address(), "");
+    socket.reset();
+    EXPECT_EQ(CommandSocket(address).address(), address);
 }
 
 // How a process of another user ends that runs this.

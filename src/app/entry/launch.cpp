@@ -4,6 +4,7 @@
 #include "app/entry/vantrel_app.h"
 #include "platform/freedesktop/bus_probe.h"
 #include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/session_address.h"
 #include "platform/freedesktop/termination_signals.h"
 #include "platform/x11/instance.h"
 #include "ui/components/plain_style.h"
@@ -164,24 +165,40 @@ int runAsInstance(x11::Connection& connection, CommandSocket& commands, const St
     return status;
 }
 
-int runProgram(const Start& start) {
+// The exit status, when there is an instance that took the command.
+std::optional<int> passOn(const Start& start, const FindInstance& instance) {
+    const auto answer = askRunningInstance(instance, start.words, start.command);
+    if (answer && answer->status == CommandAnswer::Status::done) {
+        start.launched();
+    }
+    return answer ? std::optional(report(*answer)) : std::nullopt;
+}
+
+// The instance of a Wayland session takes commands at an address that no other program can have.
+// Who knows its X server alone finds it there.
+std::optional<int> runAt(const std::optional<std::string>& session, const Start& start) {
+    CommandSocket commands(session.value_or(std::string()));
+    if (session && commands.address().empty()) {
+        return passOn(start, instanceAt(*session));
+    }
     std::optional<ServerTimeout> serverTimeout(std::in_place);
     x11::ConnectionError error;
     const auto connection = x11::Connection::open({}, error);
     if (!connection) {
-        return report(failure(said(error.english, error.chinese)));
+        return report(unreachable(error));
     }
+    if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
+        serverTimeout.reset();
+        return runAsInstance(*connection, commands, start);
+    }
+    return passOn(start, instanceOn(*connection));
+}
+
+int runProgram(const Start& start) {
+    const auto session = sessionAddress();
     while (true) {
-        CommandSocket commands;
-        if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
-            serverTimeout.reset();
-            return runAsInstance(*connection, commands, start);
-        }
-        if (const auto answer = askRunningInstance(*connection, start.words, start.command)) {
-            if (answer->status == CommandAnswer::Status::done) {
-                start.launched();
-            }
-            return report(*answer);
+        if (const auto status = runAt(session, start)) {
+            return *status;
         }
     }
 }

@@ -3,6 +3,7 @@
 #include "app/entry/running_instance.h"
 #include "app/entry/start.h"
 #include "platform/freedesktop/installed_bundle.h"
+#include "platform/freedesktop/session_address.h"
 #include "platform/x11/connection.h"
 
 #include <algorithm>
@@ -104,11 +105,14 @@ int runProgram(const Start& start) {
 
 // Nothing when no instance runs.
 std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
+    if (const auto session = sessionAddress()) {
+        return askRunningInstance(instanceAt(*session), words, command);
+    }
     const ServerTimeout serverTimeout;
     x11::ConnectionError error;
     const auto connection = x11::Connection::open({}, error);
-    return connection ? askRunningInstance(*connection, words, command)
-                      : failure(said(error.english, error.chinese));
+    return connection ? askRunningInstance(instanceOn(*connection), words, command)
+                      : unreachable(error);
 }
 
 int runCommand(const Start& start) {

@@ -2,6 +2,7 @@
 
 #include "app/entry/command_language.h"
 
+#include "platform/freedesktop/session_address.h"
 #include "platform/x11/instance.h"
 
 #include <cerrno>
@@ -60,10 +61,20 @@ ServerTimeout::~ServerTimeout() {
     std::signal(SIGALRM, SIG_DFL);
 }
 
-std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,
-                                                const CommandWords& words, const Command& command) {
+FindInstance instanceAt(const std::string& sessionAddress) {
+    return [sessionAddress] {
+        return isTaken(sessionAddress) ? std::optional(sessionAddress) : std::nullopt;
+    };
+}
+
+FindInstance instanceOn(const x11::Connection& connection) {
+    return [&connection] { return x11::Instance::find(connection); };
+}
+
+std::optional<CommandAnswer> askRunningInstance(const FindInstance& find, const CommandWords& words,
+                                                const Command& command) {
     const auto deadline = std::chrono::steady_clock::now() + answerTimeout;
-    while (const auto address = x11::Instance::find(connection)) {
+    while (const auto address = find()) {
         const auto outcome = askAt(*address, words, command, deadline);
         if (const auto* answer = std::get_if<CommandAnswer>(&outcome)) {
             return *answer;
@@ -85,6 +96,17 @@ std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connectio
 
 CommandAnswer failure(std::string text) {
     return {.status = Status::failed, .text = std::move(text)};
+}
+
+CommandAnswer unreachable(const x11::ConnectionError& error) {
+    const char* compositor = std::getenv("WAYLAND_DISPLAY");
+    const char* server = std::getenv("DISPLAY");
+    if (compositor == nullptr || server != nullptr) {
+        return failure(said(error.english, error.chinese));
+    }
+    const auto name = " \"" + std::string(compositor) + "\"";
+    return failure(
+        said("cannot connect to the Wayland compositor" + name, "无法连接 Wayland 合成器" + name));
 }
 
 int report(const CommandAnswer& answer) {

@@ -4,6 +4,7 @@
 #include "platform/freedesktop/command_call.h"
 #include "platform/x11/connection.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,14 +20,21 @@ public:
     ServerTimeout& operator=(const ServerTimeout&) = delete;
 };
 
-// Gives a command to the instance that runs on this display. Nothing when none runs, or when it was
-// ending. A command to quit is answered when the instance has gone.
-[[nodiscard]] std::optional<CommandAnswer> askRunningInstance(const x11::Connection& connection,
-                                                              const CommandWords& words,
-                                                              const Command& command);
+// Where the running instance takes commands; it may be ending by now. Nothing when none runs.
+using FindInstance = std::function<std::optional<std::string>()>;
+[[nodiscard]] FindInstance instanceAt(const std::string& sessionAddress);
+// The connection must outlive it.
+[[nodiscard]] FindInstance instanceOn(const x11::Connection& connection);
+
+// Gives a command to the instance that is found. Nothing when none runs, or when it was ending. A
+// command to quit is answered when the instance has gone.
+[[nodiscard]] std::optional<CommandAnswer>
+askRunningInstance(const FindInstance& find, const CommandWords& words, const Command& command);
 
 // An answer without an instance.
 [[nodiscard]] CommandAnswer failure(std::string text);
+// The same where there is neither a compositor nor, as the error says, an X server.
+[[nodiscard]] CommandAnswer unreachable(const x11::ConnectionError& error);
 
 // Tells the caller of this process, and returns its exit status.
 int report(const CommandAnswer& answer);

@@ -16,10 +16,12 @@ namespace {
 
 constexpr int waitingCallers = 64;
 
-// The system chooses a name that is free.
-std::string listenSomewhere(int socket) {
-    LocalSocketAddress address;
-    const bool listens = bind(socket, address.data(), sizeof(sa_family_t)) == 0 &&
+// The system chooses a name that is free where none is wanted.
+std::string listenAt(int socket, const std::string& wanted) {
+    auto address = LocalSocketAddress::ofName(wanted).value_or(LocalSocketAddress());
+    const auto size = wanted.empty() ? socklen_t{sizeof(sa_family_t)} : address.size;
+    address.size = sizeof address.address;
+    const bool listens = bind(socket, address.data(), size) == 0 &&
                          listen(socket, waitingCallers) == 0 &&
                          getsockname(socket, address.data(), &address.size) == 0;
     return listens ? std::string(address.name()) : std::string();
@@ -32,9 +34,10 @@ bool hasGone(int caller) {
 
 } // namespace
 
-CommandSocket::CommandSocket() : listening_(socket(AF_UNIX, commandSocketKind, 0)) {
+CommandSocket::CommandSocket(const std::string& address)
+    : listening_(socket(AF_UNIX, commandSocketKind, 0)) {
     if (listening_) {
-        address_ = listenSomewhere(listening_.get());
+        address_ = listenAt(listening_.get(), address);
     }
 }
 

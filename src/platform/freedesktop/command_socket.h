@@ -15,15 +15,15 @@ class QSocketNotifier;
 namespace vantrel {
 
 // Where the running program takes commands: a local socket that has no file, whose address whoever
-// looks for the program must be told. The kernel says who is at either end, and only the same user
+// looks for the program knows or must be told. The kernel says who is at either end, and only the same user
 // is heard. One packet is a command, and one the answer.
 class CommandSocket final : public QObject {
 public:
     using Handler = std::function<CommandAnswer(const CommandWords&)>;
 
-    // What is sent from now on waits for the handler. Without an address when the system gives no
-    // socket.
-    CommandSocket();
+    // What is sent from now on waits for the handler. The address is one that is free if none is
+    // given. There is none when another socket has it, or when the system gives no socket.
+    explicit CommandSocket(const std::string& address = {});
     ~CommandSocket() override;
     Q_DISABLE_COPY_MOVE(CommandSocket)
 
