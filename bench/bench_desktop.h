@@ -44,6 +44,11 @@ struct Contenders {
     Contender floorAtShortcut; // shows and hides its mark by the shortcut of Highlight
     Contender emptyTray;
     bool reacts = true; // to clicks and modes; the floor in the program's place does not
+
+    // What was built or installed beside the program.
+    [[nodiscard]] std::filesystem::path dataFolder() const {
+        return std::filesystem::path(program.command.front()).parent_path().parent_path() / "share";
+    }
 };
 
 // The floor and the empty tray application lie beside this executable. Without a program the floor

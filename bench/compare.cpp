@@ -45,6 +45,8 @@ constexpr std::array parts{Part{"latency", measureLatency},
                            Part{"kwin", measureKWin},
                            Part{"sway", measureSway},
                            Part{"day", measureDay, true},
+                           Part{"shell-day", measureShellDay, true},
+                           Part{"kwin-day", measureKWinDay, true},
                            Part{"kwin-memory", measureKWinMemory}};
 
 QString namesOfParts() {

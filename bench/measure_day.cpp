@@ -1,3 +1,4 @@
+#include "day.h"
 #include "measurements.h"
 
 #include "tray_desktop.h"
@@ -14,8 +15,6 @@
 #include <sstream>
 #include <thread>
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <X11/keysym.h>
 
 namespace vantrel::bench {
@@ -23,77 +22,43 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What somebody does in ten hours of lessons, and how fast it is done here.
-constexpr int motions = 100'000;
-constexpr int clicks = 5'000;
-constexpr int modeChanges = 500;
-constexpr int panelOpenings = 200;
-constexpr int displayChanges = 50;
-constexpr int locks = 20;
-constexpr int sleeps = 20;
 constexpr desktop::PixelRect wholeScreen{0, 0, 1920, 1080};
-constexpr double motionsPerSecond = 2000;
-constexpr double clicksPerSecond = 100;
-constexpr double modeChangesPerSecond = 20;
-
-// Tells of sleep, and holds nothing up.
-class LoginManager {
-public:
-    explicit LoginManager(const desktop::PrivateBus& bus)
-        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
-                                             QStringLiteral("login"))) {
-        bus_.registerService(QStringLiteral("org.freedesktop.login1"));
-    }
-    ~LoginManager() { QDBusConnection::disconnectFromBus(QStringLiteral("login")); }
-    LoginManager(const LoginManager&) = delete;
-    LoginManager& operator=(const LoginManager&) = delete;
-
-    void announceSleep(bool going) const {
-        auto signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
-                                                 QStringLiteral("org.freedesktop.login1.Manager"),
-                                                 QStringLiteral("PrepareForSleep"));
-        signal << going;
-        bus_.send(signal);
-    }
-
-private:
-    QDBusConnection bus_;
-};
 
 // A day on a desktop, which begins and ends with the program Off.
 class Day {
 public:
-    Day(TrayDesktop& desktop, const TrayProgram& program, const LoginManager& login)
+    Day(TrayDesktop& desktop, const TrayProgram& program, const day::LoginManager& login)
         : desktop_(desktop), program_(program), login_(login) {}
 
-    // One of so many equal parts.
-    void live(int parts) {
+    // One of its parts.
+    void live() {
+        using day::parts;
         toggle('h');
         setDisplays(1);
-        move(motions / parts);
-        clickAround(clicks / parts);
-        for (int i = 0; i < sleeps / parts; ++i) {
+        move(day::motions / parts);
+        clickAround(day::clicks / parts);
+        for (int i = 0; i < day::sleeps / parts; ++i) {
             login_.announceSleep(true);
             move(50);
             login_.announceSleep(false);
             move(50);
         }
-        for (int i = 0; i < locks / parts; ++i) {
+        for (int i = 0; i < day::locks / parts; ++i) {
             const desktop::ClientWindow locker(desktop_.bench.server.display(),
                                                {.area = wholeScreen, .color = 0});
             move(50);
         }
-        for (int i = 0; i < displayChanges / parts; ++i) {
+        for (int i = 0; i < day::displayChanges / parts; ++i) {
             setDisplays(i % 2 == 0 ? 2 : 1);
             move(100);
         }
         setDisplays(1);
-        const int changes = modeChanges / parts;
-        atPace(modeChangesPerSecond, changes / modeChangesPerSecond, [&](int step) {
+        const int changes = day::modeChanges / parts;
+        atPace(day::modeChangesPerSecond, changes / day::modeChangesPerSecond, [&](int step) {
             move(1);
             toggle(step % 2 == 0 ? 'l' : 'h');
         });
-        for (int i = 0; i < panelOpenings / parts; ++i) {
+        for (int i = 0; i < day::openings / parts; ++i) {
             openPopup(desktop_, program_);
             closePopup(desktop_, program_);
         }
@@ -102,7 +67,7 @@ public:
 
 private:
     void move(int count) {
-        atPace(motionsPerSecond, count / motionsPerSecond, [&](int) {
+        atPace(day::motionsPerSecond, count / day::motionsPerSecond, [&](int) {
             const auto [x, y] = onCircle(step_++, 400);
             desktop_.bench.input.moveTo({static_cast<int>(960 + x), static_cast<int>(500 + y)},
                                         desktop::SyntheticInput::Wait::no);
@@ -112,7 +77,7 @@ private:
     void clickAround(int count) {
         constexpr std::array buttons{desktop::Button::left, desktop::Button::right};
         const desktop::ClientWindow window(desktop_.bench.server.display(), {.area = wholeScreen});
-        atPace(clicksPerSecond, count / clicksPerSecond, [&](int step) {
+        atPace(day::clicksPerSecond, count / day::clicksPerSecond, [&](int step) {
             move(1);
             desktop_.bench.input.click(buttons[static_cast<std::size_t>(step % 2)]);
         });
@@ -132,7 +97,7 @@ private:
 
     TrayDesktop& desktop_;
     const TrayProgram& program_;
-    const LoginManager& login_;
+    const day::LoginManager& login_;
     int step_ = 0;
 };
 
@@ -147,16 +112,15 @@ Report measureDay(const Contenders& contenders, const Effort& effort) {
     if (!contenders.reacts) {
         return {};
     }
-    constexpr int parts = 10;
     TrayDesktop desktop;
     const desktop::PrivateBus systemBus(desktop.bench.server.folder() / "system-bus");
-    const LoginManager login(systemBus);
+    const day::LoginManager login(systemBus.address());
     desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
     const auto program = rehearse(desktop, contenders.programAsApplication, true);
     const auto process = startInTray(desktop, program);
     desktop.bench.input.typeChord({XK_Control_L, XK_Alt_L, 'h'});
-    Day day(desktop, program, login);
-    day.live(parts);
+    Day life(desktop, program, login);
+    life.live();
     const auto isBlank = [&] {
         const desktop::PixelRect withoutTray{0, 0, 1920, program.icon.y - 10};
         const auto picture = captureScreen(desktop.bench.connection, withoutTray);
@@ -166,7 +130,7 @@ Report measureDay(const Contenders& contenders, const Effort& effort) {
     bool blank = desktop::waitFor(isBlank);
     const Usage before = usageOf(desktop, process);
     for (int part = 1; part < effort.partsOfDay; ++part) {
-        day.live(parts);
+        life.live();
         blank = desktop::waitFor(isBlank) && blank;
     }
     const Usage after = usageOf(desktop, process);

@@ -37,11 +37,6 @@ void await(const std::function<bool()>& condition, const char* what) {
     }
 }
 
-std::filesystem::path dataFolderOf(const Contenders& contenders) {
-    const std::filesystem::path program = contenders.program.command.front();
-    return program.parent_path().parent_path() / "share";
-}
-
 // The places of a circle, 1000 times a second.
 void circle(double seconds, const std::function<void(QPoint)>& moveTo) {
     atPace(1000, seconds, [&](int step) {
@@ -53,7 +48,7 @@ void circle(double seconds, const std::function<void(QPoint)>& moveTo) {
 class KWinBench : public desktop::KWinSession {
 public:
     explicit KWinBench(const Contenders& contenders)
-        : KWinSession({.xwayland = true, .dataFolder = dataFolderOf(contenders)}),
+        : KWinSession({.xwayland = true, .dataFolder = contenders.dataFolder()}),
           program_(contenders.program.command.front()) {
         auto preferences = desktop::preferencesShowing("off");
         preferences["highlight"]["opacity"] = 0.9;
@@ -177,7 +172,8 @@ Check misplacedFrames(const KWinBench& kwin, double seconds) {
 
 Check withinMilliseconds(std::string name, const Samples& samples, double most) {
     std::ostringstream text;
-    text << median(samples) << " ms, at most " << quantile(samples, 1) << " ms";
+    text << std::setprecision(3) << median(samples) << " ms, at most " << quantile(samples, 1)
+         << " ms";
     return {.name = std::move(name), .met = median(samples) <= most, .found = text.str()};
 }
 
@@ -313,17 +309,17 @@ Report measureKWinMemory(const Contenders& contenders, const Effort& effort) {
         return {};
     }
     const int rounds = effort.turns > 1 ? 200 : 3;
-    const desktop::KWinSession kwin({.outputs = 2, .dataFolder = dataFolderOf(contenders)});
+    const desktop::KWinSession kwin({.outputs = 2, .dataFolder = contenders.dataFolder()});
     // KWin 5 loses a quarter of a mebibyte each time that the last window of scripts goes.
     startWindow(kwin);
     const auto effect = effectOf(CursorMode::highlight, {});
     const auto load = [&] {
-        KWinScript script(kwin.bus(), dataFolderOf(contenders), EffectDrawing::picture);
+        KWinScript script(kwin.bus(), contenders.dataFolder(), EffectDrawing::picture);
         await([&] { return script.state() == MarksState::available; }, "the script is not there");
         script.show(effect);
     };
     const auto loads = growth(kwin, "loads of the script", rounds, load);
-    KWinScript script(kwin.bus(), dataFolderOf(contenders), EffectDrawing::picture);
+    KWinScript script(kwin.bus(), contenders.dataFolder(), EffectDrawing::picture);
     script.show(effect);
     const auto plugs = growth(kwin, "plugs of a display", rounds / 2, [&] {
         kwin.client().enableOutput(1, false);

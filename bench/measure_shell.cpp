@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iomanip>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -172,6 +173,7 @@ public:
 private:
     [[nodiscard]] static std::string textOf(const auto&... parts) {
         std::ostringstream text;
+        text << std::setprecision(3);
         (text << ... << parts);
         return text.str();
     }
@@ -184,7 +186,7 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
         return {};
     }
     const std::filesystem::path program = contenders.program.command.front();
-    const ShellBench shell(program.parent_path().parent_path() / "share");
+    const ShellBench shell(contenders.dataFolder());
     // Before the shell serves this one.
     const auto latency = shell.commandToMark(program, effort.motionsInTurn);
     AppPreferences preferences;

@@ -78,5 +78,9 @@ struct Effort {
 // A day of use in a few minutes: what the program and the server hold at its end, what is left on
 // the screen, and what was written to standard error.
 [[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);
+// The same where the compositor draws the marks, and of what that holds too. The settings are
+// opened instead of the panel. Displays come and go in KWin, and GNOME is locked.
+[[nodiscard]] Report measureShellDay(const Contenders& contenders, const Effort& effort);
+[[nodiscard]] Report measureKWinDay(const Contenders& contenders, const Effort& effort);
 
 } // namespace vantrel::bench
