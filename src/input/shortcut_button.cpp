@@ -148,7 +148,9 @@ void ShortcutButton::handleKey(const QKeyEvent& event) {
     if (event.isAutoRepeat()) {
         return;
     }
-    if (const auto press = keyboard_.press(event.nativeScanCode(), event.nativeModifiers())) {
+    if (const auto press = keyboard_.press({.key = event.nativeScanCode(),
+                                            .state = event.nativeModifiers(),
+                                            .symbol = event.nativeVirtualKey()})) {
         handlePress(*press);
     } else if (!keyboard_.isModifier(event.nativeScanCode())) {
         refuse();

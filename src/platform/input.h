@@ -98,15 +98,20 @@ struct KeyPress {
     bool operator==(const KeyPress&) const = default;
 };
 
+// A key press as the desktop numbers it.
+struct KeyEvent {
+    std::uint32_t key = 0;
+    std::uint32_t state = 0;  // of modifiers, and of the layout where the desktop has it there
+    std::uint32_t symbol = 0; // what it produces in that state
+};
+
 // What the keys of the keyboard stand for.
 class Keyboard {
 public:
     virtual ~Keyboard() = default;
 
-    // Of a press as the desktop numbers it: the key, and the state of modifiers and layout. Nothing
-    // for keys that no shortcut can be made of.
-    [[nodiscard]] virtual std::optional<KeyPress> press(std::uint32_t key,
-                                                        std::uint32_t state) const = 0;
+    // Nothing for keys that no shortcut can be made of.
+    [[nodiscard]] virtual std::optional<KeyPress> press(const KeyEvent& event) const = 0;
     // Whether the key is held for the sake of others, such as Shift and Caps Lock.
     [[nodiscard]] virtual bool isModifier(std::uint32_t key) const = 0;
 };

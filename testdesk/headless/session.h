@@ -124,11 +124,10 @@ public:
 
 class Keyboard final : public vantrel::Keyboard {
 public:
-    [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key,
-                                                std::uint32_t state) const override {
-        const auto found = keys.find(key);
+    [[nodiscard]] std::optional<KeyPress> press(const KeyEvent& event) const override {
+        const auto found = keys.find(event.key);
         return found == keys.end() ? std::nullopt
-                                   : std::optional(KeyPress{found->second.keyCode, state,
+                                   : std::optional(KeyPress{found->second.keyCode, event.state,
                                                             found->second.characters});
     }
 

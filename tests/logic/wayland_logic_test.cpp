@@ -1,3 +1,4 @@
+#include "platform/keys/key_layout.h"
 #include "platform/session_means.h"
 #include "platform/wayland/outputs.h"
 #include "platform/wayland/pointer_track.h"
@@ -7,6 +8,9 @@
 
 #include <cmath>
 #include <optional>
+#include <utility>
+
+#include <linux/input-event-codes.h>
 
 namespace vantrel::wayland {
 namespace {
@@ -53,6 +57,40 @@ TEST(SessionMeansTest, TakesTheBestThatTheSessionOffers) {
     const SessionOffer sway{.xwayland = true, .layerShell = true, .cursorSessions = true};
     EXPECT_EQ(meansOf(heldTo("xwayland", sway)), throughXwayland);
     EXPECT_EQ(heldTo("", sway), sway);
+}
+
+TEST(KeyLayoutTest, FindsTheLayoutAndTheModifiersOfAPress) {
+    const KeyContext context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    constexpr xkb_rule_names names{
+        .rules = nullptr, .model = nullptr, .layout = "de,us", .variant = "", .options = ""};
+    Keymap keymap(xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    ASSERT_TRUE(keymap);
+    const auto modifiers = ModifierBits::of(*keymap);
+    constexpr std::uint32_t alt = 1U << 3U;
+    constexpr std::uint32_t numLock = 1U << 4U;
+    constexpr std::uint32_t super = 1U << 6U;
+    constexpr std::uint32_t altGr = 1U << 7U;
+    EXPECT_EQ(modifiers.option, alt);
+    EXPECT_EQ(modifiers.command, super);
+    EXPECT_EQ(modifiers.locks & numLock, numLock);
+    const KeyLayout layout(std::move(keymap), modifiers);
+    constexpr std::uint32_t keyY = KEY_Y + 8;
+    EXPECT_EQ(layout.layoutWith(XKB_KEY_z, keyY, 0), 0U);
+    EXPECT_EQ(layout.layoutWith(XKB_KEY_y, keyY, alt | numLock), 1U);
+    EXPECT_EQ(layout.layoutWith(XKB_KEY_Y, keyY, 1), 1U);
+    EXPECT_EQ(layout.layoutWith(XKB_KEY_F1, keyY, 0), 0U);
+    struct Case {
+        std::uint32_t modifiers;
+        std::uint32_t flags;
+    };
+    for (const auto& [held, flags] :
+         {Case{alt | numLock, keyflag::option}, Case{super | 1, keyflag::command | keyflag::shift},
+          Case{altGr | super, 0}}) {
+        EXPECT_EQ(layout.press(keyY, held, 0)->modifierFlags, flags) << held;
+    }
+    EXPECT_EQ(layout.press(keyY, alt, 1)->charactersIgnoringModifiers, "y");
+    EXPECT_EQ(layout.press(keyY, alt, 0)->charactersIgnoringModifiers, "z");
+    EXPECT_EQ(layout.symbolOf(keyY), "z");
 }
 
 // Where a picture's column shows, of compositors that begin a point at the nearest pixel.

@@ -1,8 +1,8 @@
 #include "app/entry/vantrel_app.h"
 
 #include "overlay/effect_drawing.h"
+#include "platform/keys/key_table.h"
 #include "platform/x11/activation.h"
-#include "platform/x11/key_table.h"
 
 #include <QApplication>
 #include <QKeySequence>
@@ -134,16 +134,16 @@ void VantrelApp::joinWaylandSession() {
                      .symbolOf = [this](auto keycode) { return x11_.keyboard.symbolOf(keycode); },
                      .nameOf = nameOf,
                  });
-        portalHotKeys_.emplace(*portalShortcuts_, x11_.hotKeys, x11::keycodeOf);
+        portalHotKeys_.emplace(*portalShortcuts_, x11_.hotKeys, keycodeOf);
     }
     auto& others = portalHotKeys_ ? static_cast<HotKeys&>(*portalHotKeys_) : x11_.hotKeys;
-    kwinHotKeys_.emplace(*kwinShortcuts_, others, x11::keycodeOf);
-    sessionHotKeys_.emplace(*shell_, *kwinHotKeys_, x11::keycodeOf);
+    kwinHotKeys_.emplace(*kwinShortcuts_, others, keycodeOf);
+    sessionHotKeys_.emplace(*shell_, *kwinHotKeys_, keycodeOf);
 }
 
 // As the toolkit has the key, by what it produces.
 int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) const {
-    const auto press = x11_.keyboard.press(keycode, x11::stateOfLayout(layout));
+    const auto press = x11_.keyboard.pressIn(layout, keycode);
     if (!press) {
         return 0;
     }

@@ -1,6 +1,6 @@
 #include "platform/x11/hot_keys.h"
 
-#include "platform/x11/key_table.h"
+#include "platform/keys/key_table.h"
 
 #include <QGuiApplication>
 

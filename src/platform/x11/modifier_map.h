@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/keys/key_layout.h"
 #include "platform/x11/connection.h"
 
 #include <cstdint>
@@ -7,13 +8,7 @@
 
 namespace vantrel::x11 {
 
-// Which bits of a key event's state stand for the modifiers of shortcuts. Shift, Control and Caps
-// Lock are fixed; the keyboard mapping decides over the others.
-struct ModifierMap {
-    std::uint32_t option = XCB_MOD_MASK_1;   // Alt
-    std::uint32_t command = XCB_MOD_MASK_4;  // Super
-    std::uint32_t locks = XCB_MOD_MASK_LOCK; // Caps, Num and Scroll Lock; none of the modifiers
-
+struct ModifierMap : ModifierBits {
     bool operator==(const ModifierMap&) const = default;
 
     // As it is now, in one round trip. A modifier that no key has keeps its usual bit.

@@ -1,11 +1,11 @@
-#include "platform/x11/key_table.h"
+#include "platform/keys/key_table.h"
 
 #include <algorithm>
 #include <array>
 
 #include <linux/input-event-codes.h>
 
-namespace vantrel::x11 {
+namespace vantrel {
 
 namespace {
 
@@ -47,7 +47,7 @@ constexpr std::array places = std::to_array<KeyPlace>({
     {0x7D, KEY_DOWN},     {0x7E, KEY_UP},
 });
 
-// The server's keycodes begin at 8.
+// Keycodes begin at 8.
 constexpr std::uint16_t keycodeOffset = 8;
 
 } // namespace
@@ -65,4 +65,4 @@ std::optional<std::uint16_t> virtualKeyCodeOf(std::uint32_t keycode) {
     return place == places.end() ? std::nullopt : std::optional(place->virtualKeyCode);
 }
 
-} // namespace vantrel::x11
+} // namespace vantrel
