@@ -6,7 +6,7 @@ project=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
 
 build_packages=(
     cmake g++ ninja-build pkgconf
-    qt6-base-dev qt6-svg-dev
+    qt6-base-dev qt6-svg-dev qt6-wayland
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
     libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libwayland-dev libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev wayland-protocols

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/input.h"
+#include "platform/native_windows.h"
 #include "platform/shell.h"
 #include "preferences/shortcut.h"
 
@@ -17,12 +18,16 @@ namespace vantrel {
 class KeyboardGrab {
 public:
     KeyboardGrab(QWidget& widget, HotKeys& hotKeys) : widget_(widget), hotKeys_(hotKeys) {
-        widget_.grabKeyboard();
+        if (!hasNativeWindows()) {
+            widget_.grabKeyboard();
+        }
         hotKeys_.leaveKeys(true);
     }
     ~KeyboardGrab() {
         hotKeys_.leaveKeys(false);
-        widget_.releaseKeyboard();
+        if (!hasNativeWindows()) {
+            widget_.releaseKeyboard();
+        }
     }
     KeyboardGrab(const KeyboardGrab&) = delete;
     KeyboardGrab& operator=(const KeyboardGrab&) = delete;

@@ -28,8 +28,8 @@ struct CommandAnswer {
 // How the program stands, as other programs are told.
 struct ProgramStatus {
     std::string mode; // off, highlight or laser
-    // Who draws them: x11, xwayland, layer-shell, gnome-shell or kwin.
-    std::string marks{};
+    // Who draws them: x11, xwayland, layer-shell, gnome-shell or kwin; absent: nobody.
+    std::optional<std::string> marks{};
     std::optional<std::string> marksMissing{}; // why the desktop does not
     // By what the pointer is followed, presses are seen and shortcuts taken; absent: by nothing.
     std::optional<std::string> pointer{};

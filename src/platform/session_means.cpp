@@ -9,17 +9,18 @@ SessionMeans meansOf(const SessionOffer& offer) {
         means.presses = offer.markedPresses ? Means::desktop : Means::none;
         return means;
     }
-    if (!offer.xwayland) {
+    if (!offer.wayland) {
         return all(Means::x11);
     }
+    const auto byServer = offer.xwayland ? Means::xwayland : Means::none;
     // The one is of no use without the other.
     if (offer.layerShell && offer.cursorSessions) {
         return {.drawing = Means::layerShell,
                 .pointer = Means::cursorSession,
                 .presses = Means::none,
-                .shortcuts = offer.portal ? Means::portal : Means::xwayland};
+                .shortcuts = offer.portal ? Means::portal : byServer};
     }
-    return all(Means::xwayland);
+    return all(byServer);
 }
 
 SessionOffer heldTo(std::string_view means, SessionOffer offer) {

@@ -9,8 +9,9 @@ namespace vantrel {
 
 // What there is to choose from.
 struct SessionOffer {
-    bool xwayland = false;       // the X server shows its windows through a Wayland compositor
-    bool layerShell = false;     // that lets programs draw above all windows,
+    bool wayland = false;        // it is the session of a compositor,
+    bool xwayland = false;       // of which an X server is in use that shows its windows there
+    bool layerShell = false;     // lets programs draw above all windows,
     bool cursorSessions = false; // and tells them where the pointer is
     bool portal = false;         // takes shortcuts for programs
     bool marks = false;          // the desktop itself draws marks

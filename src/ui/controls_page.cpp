@@ -87,8 +87,21 @@ QWidget* shortcutsCard(ViewContext& view) {
 
 // Where the compositor has the keys to itself: what it can be told to do at them.
 bool bindsKeysItself(const ViewContext& view) {
-    return view.state().means().shortcuts == Means::xwayland &&
+    const auto shortcuts = view.state().means().shortcuts;
+    return (shortcuts == Means::xwayland || shortcuts == Means::none) &&
            view.state().marks().get() == MarksState::none;
+}
+
+Text keysText(Means shortcuts) {
+    if (shortcuts == Means::none) {
+        return {"This compositor has no shortcuts for programs, so those above do not work. Put "
+                "these lines into its configuration:",
+                "此合成器不提供程序快捷键，因此上面的快捷键无效。请将以下内容加入其配置："};
+    }
+    return {"This compositor has no shortcuts for programs, so those above work only while an X "
+            "program has the keyboard. Put these lines into its configuration:",
+            "此合成器不提供程序快捷键，因此上面的快捷键仅在 X "
+            "程序接收键盘输入时有效。请将以下内容加入其配置："};
 }
 
 QWidget* bindingRow(ViewContext& view, const ShortcutSlot& slot, const char* command) {
@@ -106,17 +119,14 @@ QWidget* bindingRow(ViewContext& view, const ShortcutSlot& slot, const char* com
 
 QWidget* bindingsCard(ViewContext& view) {
     return view.showWhile(
-        new SectionCard(
-            view, Text{"Shortcuts of the Compositor", "合成器的快捷键"},
-            column(12, {symbolLabel(
-                            view, "info.circle", Tone::primary,
-                            Text{"This compositor has no shortcuts for programs, so those above "
-                                 "work only while an X program has the keyboard. Put these "
-                                 "lines into its configuration:",
-                                 "此合成器不提供程序快捷键，因此上面的快捷键仅在 X "
-                                 "程序接收键盘输入时有效。请将以下内容加入其配置："}),
-                        bindingRow(view, highlightSlot, "vantrel toggle highlight"),
-                        bindingRow(view, laserSlot, "vantrel toggle laser")})),
+        new SectionCard(view, Text{"Shortcuts of the Compositor", "合成器的快捷键"},
+                        column(12, {symbolLabel(view, "info.circle", Tone::primary,
+                                                [&view](bool english) {
+                                                    return keysText(view.state().means().shortcuts)(
+                                                        english);
+                                                }),
+                                    bindingRow(view, highlightSlot, "vantrel toggle highlight"),
+                                    bindingRow(view, laserSlot, "vantrel toggle laser")})),
         [&view] { return bindsKeysItself(view); });
 }
 

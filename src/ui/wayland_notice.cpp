@@ -8,8 +8,16 @@ namespace vantrel {
 
 namespace {
 
-// What there is to say of a Wayland session in which the desktop does not draw the marks.
-Text waylandText(MarksState marks, bool inPlasma) {
+// What there is to say of a Wayland session in which the desktop does not draw the marks, and what
+// it says of X programs does not hold where no X server is in use.
+Text waylandText(MarksState marks, bool inPlasma, bool overXPrograms) {
+    const bool isHopeless = marks == MarksState::none || marks == MarksState::unsupported ||
+                            marks == MarksState::failed;
+    if (isHopeless && !overXPrograms) {
+        return {"Nothing in this session can draw the marks or take the shortcuts. Commands and "
+                "settings work.",
+                "此会话中无法绘制标记，也无法接收快捷键。命令和设置仍可使用。"};
+    }
     switch (marks) {
     case MarksState::none:
     case MarksState::available:
@@ -60,13 +68,17 @@ std::string_view dismissedKey(MarksState marks) {
     return marks == MarksState::none ? waylandNoticeDismissedKey : marksNoticeDismissedKey;
 }
 
+bool needsDesktop(const SessionMeans& means) {
+    return means.drawing == Means::xwayland || means.drawing == Means::none;
+}
+
 // Whatever the desktop itself comes to draw.
-bool mayDrawByXwayland(const ViewContext& view) {
-    return meansOf(view.desktop().application.offer()).drawing == Means::xwayland;
+bool mayNeedDesktop(const ViewContext& view) {
+    return needsDesktop(meansOf(view.desktop().application.offer()));
 }
 
 QWidget* notice(ViewContext& view, const QMargins& around, const std::function<bool()>& isShown) {
-    if (!mayDrawByXwayland(view)) {
+    if (!mayNeedDesktop(view)) {
         return nullptr;
     }
     const auto marks = [&view] { return view.state().marks().get(); };
@@ -74,7 +86,8 @@ QWidget* notice(ViewContext& view, const QMargins& around, const std::function<b
         view, "info.circle", Tone::secondary,
         [&view, marks](bool english) {
             const bool inPlasma = view.desktop().marks.drawer() == "kwin";
-            return waylandText(marks(), inPlasma)(english);
+            const bool overXPrograms = view.state().means().drawing == Means::xwayland;
+            return waylandText(marks(), inPlasma, overXPrograms)(english);
         },
         captionText.toned(Tone::secondary));
     auto* dismiss =
@@ -95,7 +108,7 @@ QWidget* notice(ViewContext& view, const QMargins& around, const std::function<b
 } // namespace
 
 bool hasWaylandNotice(const ViewContext& view) {
-    return view.state().means().drawing == Means::xwayland &&
+    return needsDesktop(view.state().means()) &&
            !view.desktop().userDefaults.boolean(dismissedKey(view.state().marks().get()));
 }
 

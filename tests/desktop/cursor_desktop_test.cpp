@@ -32,7 +32,7 @@ protected:
         x11::ConnectionError error;
         connection = x11::Connection::open(server.display(), error);
         ASSERT_TRUE(connection) << error.english;
-        cursors.emplace(*connection, drawn);
+        cursors.emplace(connection.get(), drawn);
     }
     void TearDown() override { std::filesystem::remove(themes); }
 

@@ -295,7 +295,7 @@ TEST(KWinTest, SaysThatItDoesNotHearOfPresses) {
 
 TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     const CoreApplication application;
-    Session session({.xwayland = true});
+    Session session;
     auto stored = preferencesShowing("highlight");
     stored["highlight"]["opacity"] = 0.9;
     const ProgramOf vantrel(session);
@@ -350,7 +350,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     EXPECT_TRUE(waitFor([&] {
         const auto panels = session.evaluate(
             "(workspace.windowList ? workspace.windowList() : workspace.clientList())"
-            ".filter(window => window.utility).map(window => window.frameGeometry)");
+            ".filter(window => !window.resizeable).map(window => window.frameGeometry)");
         return panels.size() == 1 && panels[0]["y"] == 108 && panels[0]["x"] > 400 &&
                panels[0]["x"] < 600;
     }));

@@ -51,7 +51,7 @@ protected:
 };
 
 TEST_F(WaylandTest, MarksThePointerWhereXwaylandKnowsIt) {
-    EXPECT_NE(errors().find("In a Wayland session"), std::string::npos);
+    EXPECT_NE(errors().find("In this Wayland session"), std::string::npos);
     constexpr PixelPoint outside{600, 300};
     for (const PixelPoint place : {PixelPoint{100, 200}, PixelPoint{300, 500}}) {
         input.moveTo(place);

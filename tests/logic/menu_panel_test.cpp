@@ -119,6 +119,17 @@ TEST_F(WaylandPanelTest, TellsWhatWorksUntilThatIsDismissedForGood) {
     EXPECT_FALSE(says(chineseNotice));
 }
 
+TEST_F(WaylandPanelTest, PromisesNothingWithoutAnXServer) {
+    desktop.application.session.xwayland = false;
+    open<MenuPanel>();
+    EXPECT_TRUE(says("Nothing in this session can draw the marks or take the shortcuts. Commands "
+                     "and settings work."));
+    desktop.marks.set(MarksState::off);
+    update();
+    click("Switch On");
+    EXPECT_EQ(desktop.marks.enables, 1);
+}
+
 TEST_F(WaylandPanelTest, OffersMarksThatTheDesktopCouldDraw) {
     constexpr auto offer = "GNOME can draw the marks over every window, and take the shortcuts "
                            "everywhere. The extension that does so is switched off.";

@@ -149,7 +149,7 @@ TEST_F(SettingsViewTest, TellsWhatACompositorKeepsToItself) {
     EXPECT_FALSE(says(line));
     EXPECT_TRUE(says("Click monitoring could not start. Highlight still works. Retry or reopen "
                      "the app."));
-    desktop.application.session = {.xwayland = true, .layerShell = true, .cursorSessions = true};
+    desktop.application.session = {.wayland = true, .layerShell = true, .cursorSessions = true};
     setMode(CursorMode::off);
     setMode(CursorMode::highlight);
     EXPECT_TRUE(says(line));

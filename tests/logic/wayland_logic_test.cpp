@@ -28,33 +28,42 @@ TEST(SessionMeansTest, TakesTheBestThatTheSessionOffers) {
              Case{"X beside a compositor",
                   {.layerShell = true, .cursorSessions = true},
                   {x11, x11, x11, x11}},
-             Case{"GNOME without the extension", {.xwayland = true}, throughXwayland},
+             Case{"GNOME without the extension",
+                  {.wayland = true, .xwayland = true},
+                  throughXwayland},
+             Case{"GNOME whose extension has gone", {.wayland = true}, {none, none, none, none}},
              Case{"GNOME",
-                  {.xwayland = true, .marks = true, .markedPresses = true},
+                  {.wayland = true, .marks = true, .markedPresses = true},
                   {desktop, desktop, desktop, desktop}},
              Case{"KWin that tells of no presses",
-                  {.xwayland = true, .layerShell = true, .marks = true},
+                  {.wayland = true, .layerShell = true, .marks = true},
                   {desktop, desktop, none, desktop}},
              Case{"KWin that draws nothing",
-                  {.xwayland = true, .layerShell = true},
+                  {.wayland = true, .xwayland = true, .layerShell = true},
                   throughXwayland},
-             Case{"an older sway", {.xwayland = true, .layerShell = true}, throughXwayland},
+             Case{"an older sway",
+                  {.wayland = true, .xwayland = true, .layerShell = true},
+                  throughXwayland},
              Case{"cursor sessions alone",
-                  {.xwayland = true, .cursorSessions = true},
+                  {.wayland = true, .xwayland = true, .cursorSessions = true},
                   throughXwayland},
              Case{"sway",
-                  {.xwayland = true, .layerShell = true, .cursorSessions = true},
+                  {.wayland = true, .layerShell = true, .cursorSessions = true},
+                  {layerShell, cursorSession, none, none}},
+             Case{"sway with X windows",
+                  {.wayland = true, .xwayland = true, .layerShell = true, .cursorSessions = true},
                   {layerShell, cursorSession, none, xwayland}},
              Case{"Hyprland",
-                  {.xwayland = true, .layerShell = true, .cursorSessions = true, .portal = true},
+                  {.wayland = true, .layerShell = true, .cursorSessions = true, .portal = true},
                   {layerShell, cursorSession, none, Means::portal}},
              Case{"a compositor with all of it",
-                  {true, true, true, true, true, true},
+                  {true, true, true, true, true, true, true},
                   {desktop, desktop, desktop, desktop}},
          }) {
         EXPECT_EQ(meansOf(offer), means) << session;
     }
-    const SessionOffer sway{.xwayland = true, .layerShell = true, .cursorSessions = true};
+    const SessionOffer sway{
+        .wayland = true, .xwayland = true, .layerShell = true, .cursorSessions = true};
     EXPECT_EQ(meansOf(heldTo("xwayland", sway)), throughXwayland);
     EXPECT_EQ(heldTo("", sway), sway);
 }

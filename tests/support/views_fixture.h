@@ -30,7 +30,7 @@ namespace vantrel {
 class ViewsTest : public HeadlessTest {
 protected:
     explicit ViewsTest(bool inWaylandSession = false) {
-        desktop.application.session.xwayland = inWaylandSession;
+        desktop.application.session = {.wayland = inWaylandSession, .xwayland = inWaylandSession};
     }
 
     void SetUp() override {

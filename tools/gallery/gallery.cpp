@@ -311,7 +311,8 @@ int run(const QApplication& application) {
         QApplication::setPalette(darkPalette());
     }
     headless::Desktop desktop;
-    desktop.application.session.xwayland = options.isSet(text("wayland"));
+    const bool inWaylandSession = options.isSet(text("wayland"));
+    desktop.application.session = {.wayland = inWaylandSession, .xwayland = inWaylandSession};
     SettingsStore store(desktop.userDefaults, "gallery");
     AppState state(store, desktop);
     ViewContext view(state, desktop);

@@ -12,6 +12,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -19,6 +20,7 @@
 #include <optional>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include <unistd.h>
 
@@ -26,7 +28,7 @@ namespace vantrel {
 namespace {
 
 constexpr std::string_view englishWaylandRemark =
-    "vantrel: In a Wayland session, Vantrel runs through Xwayland, with the X programs.\n"
+    "vantrel: In this Wayland session, Vantrel draws through Xwayland, with the X programs.\n"
     "vantrel: Highlight, laser and click effects appear over the windows of X programs, while one "
     "of these has the keyboard. Elsewhere, and when the pointer rests for 3 seconds, they are "
     "hidden, as Xwayland does not tell where the pointer is.\n"
@@ -36,7 +38,7 @@ constexpr std::string_view englishWaylandRemark =
     "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
     "time.\n";
 constexpr std::string_view chineseWaylandRemark =
-    "vantrel: 在 Wayland 会话中，Vantrel 与 X 程序一样通过 Xwayland 运行。\n"
+    "vantrel: 在此 Wayland 会话中，Vantrel 与 X 程序一样通过 Xwayland 绘制。\n"
     "vantrel: 高亮、激光和点击效果只在某个 X 程序拥有键盘焦点时显示在 X 程序的窗口上。"
     "在其他位置，或指针静止 3 秒后，效果会隐藏，因为 Xwayland 不会告知指针的位置。\n"
     "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
@@ -46,20 +48,31 @@ constexpr std::string_view chineseWaylandRemark =
 
 constexpr std::string_view englishLayerShellRemark =
     "vantrel: This compositor tells no program of clicks, so these have no effect.\n"
-    "vantrel: The shortcuts work while an X program has the keyboard. Bind keys in the "
-    "compositor's configuration to vantrel toggle highlight and vantrel toggle laser.\n";
+    "vantrel: Where it has no shortcuts for programs either, bind keys in its configuration to "
+    "vantrel toggle highlight and vantrel toggle laser.\n";
 constexpr std::string_view chineseLayerShellRemark =
     "vantrel: 此合成器不会告知程序鼠标点击，因此没有点击效果。\n"
-    "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。请在合成器的配置中为 vantrel toggle highlight "
+    "vantrel: 如果合成器也不提供程序快捷键，请在其配置中为 vantrel toggle highlight "
     "和 vantrel toggle laser 绑定按键。\n";
 
 constexpr std::chrono::seconds busTimeout(1);
 
-// For whoever starts Xwayland to take connections again; where the session goes on, they wait there
-// already.
+// For whoever starts the compositor or Xwayland to take connections again; where the session goes
+// on, they wait there already.
 constexpr std::chrono::seconds returnTimeout(2);
+// For a compositor to answer at its start, and at any other time.
+constexpr std::chrono::seconds compositorReturn(10);
+constexpr std::chrono::seconds compositorTimeout(1);
+// In which all connections of a compositor that ends are closed.
+constexpr std::chrono::seconds closingTime(1);
 
-void prepareToolkit() {
+// The toolkit's platforms, by which its windows come to the screen. Each one needs a plugin.
+const char* platformIn(bool isWaylandSession) {
+    return isWaylandSession ? qEnvironmentVariableIsEmpty("DISPLAY") ? "wayland" : "wayland;xcb"
+                            : "xcb";
+}
+
+void prepareToolkit(const char* platform) {
     // The toolkit would wait for a bus that says nothing, each time that it wants something of it.
     if (sessionBusIsSilent(busTimeout)) {
         const auto remark = said("vantrel: the session bus does not answer; going on without it\n",
@@ -67,8 +80,8 @@ void prepareToolkit() {
         std::fputs(remark.c_str(), stderr);
         qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     }
-    // The overlays are on the X server, and so is everything else, whatever the session prefers.
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    // Whatever the session prefers.
+    qputenv("QT_QPA_PLATFORM", platform);
     QApplication::setApplicationName(QStringLiteral("vantrel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
@@ -76,28 +89,45 @@ void prepareToolkit() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-bool isServerThere() {
+// A compositor that starts anew has its socket before it answers.
+bool isSessionThere(bool isNative) {
     x11::ConnectionError error;
-    return x11::Connection::open({}, error) != nullptr;
+    return isNative ? wayland::Connection::open({}, compositorReturn) != nullptr
+                    : x11::Connection::open({}, error) != nullptr;
 }
 
-// When the X server goes away, the toolkit ends the process at once, as a failure, and with all
-// that it has on its stack. The end of a session is none. But a compositor that starts anew takes
-// its Xwayland with it and leaves the session: then the program starts anew as well.
-class ServerLoss {
+// When the X server or the compositor goes away, the toolkit ends the process at once, as a
+// failure, and with all that it has on its stack. The end of a session is none. But a compositor
+// that starts anew takes its programs with it and leaves the session: then the program starts anew
+// as well.
+class SessionLoss {
 public:
-    explicit ServerLoss(bool isXwayland) : mayReturn_(isXwayland) {
+    // Whether it is the session of a compositor, and whether that is the one to be seen again.
+    SessionLoss(bool mayReturn, bool isNative) : mayReturn_(mayReturn), isNative_(isNative) {
         current_ = this;
         std::atexit([] {
             if (current_ != nullptr) {
-                current_->endProgram();
-                current_->leave();
+                current_->endAndLeave();
             }
         });
+        // Nothing is called when the toolkit ends the process for want of a compositor, but it
+        // complains first, in whatever thread it is that finds out.
+        static QtMessageHandler usual = nullptr;
+        usual = qInstallMessageHandler(
+            [](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+                if (message.startsWith(QLatin1String("The Wayland connection")) &&
+                    current_ != nullptr && current_->isCompositorGone()) {
+                    current_->awaitEnd();
+                }
+                usual(type, context, message);
+            });
     }
-    ~ServerLoss() { current_ = nullptr; }
-    ServerLoss(const ServerLoss&) = delete;
-    ServerLoss& operator=(const ServerLoss&) = delete;
+    ~SessionLoss() {
+        qInstallMessageHandler(nullptr);
+        current_ = nullptr;
+    }
+    SessionLoss(const SessionLoss&) = delete;
+    SessionLoss& operator=(const SessionLoss&) = delete;
 
     void setProgram(VantrelApp* program) { program_ = program; }
     // With nothing left to save.
@@ -109,7 +139,7 @@ public:
             pthread_sigmask(SIG_SETMASK, &none, nullptr);
             const auto end = Clock::now() + returnTimeout;
             while (Clock::now() < end) {
-                if (isServerThere()) {
+                if (isSessionThere(isNative_)) {
                     execl("/proc/self/exe", "vantrel", nullptr);
                 }
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -119,15 +149,29 @@ public:
     }
 
 private:
-    void endProgram() {
-        if (program_ != nullptr) {
-            program_->end();
+    [[noreturn]] void endAndLeave() {
+        if (VantrelApp* program = program_) {
+            program->end();
         }
+        leave();
+    }
+    [[nodiscard]] bool isCompositorGone() const {
+        const VantrelApp* program = program_;
+        return program != nullptr && program->seesCompositorGo(closingTime);
+    }
+    // The main thread finds out too, by the program's own connection.
+    void awaitEnd() {
+        if (std::this_thread::get_id() == thread_) {
+            endAndLeave();
+        }
+        std::this_thread::sleep_for(compositorReturn);
     }
 
-    static inline ServerLoss* current_ = nullptr;
+    static inline SessionLoss* current_ = nullptr;
+    const std::thread::id thread_ = std::this_thread::get_id();
     const bool mayReturn_;
-    VantrelApp* program_ = nullptr;
+    const bool isNative_;
+    std::atomic<VantrelApp*> program_ = nullptr;
 };
 
 void remarkOn(const SessionMeans& means) {
@@ -138,28 +182,30 @@ void remarkOn(const SessionMeans& means) {
     }
 }
 
-int runAsInstance(x11::Connection& connection, CommandSocket& commands, const Start& start) {
+int runAsInstance(VantrelApp::Connections connections, CommandSocket& commands,
+                  const Start& start) {
     // A word to a terminal that has gone must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
     TerminationSignals signals;
-    ServerLoss serverLoss(connection.isXwayland());
-    prepareToolkit();
+    const bool isNative = connections.compositor != nullptr;
+    SessionLoss sessionLoss(isNative || connections.server->isXwayland(), isNative);
+    prepareToolkit(platformIn(isNative));
     // The arguments are the program's; the toolkit would take some of its own out of them.
     int toolkitArgc = std::min(start.argc, 1);
     const QApplication application(toolkitArgc, start.argv);
     vantrel::installPlainStyle();
-    VantrelApp program(connection, commands, start.command, start.launched);
-    serverLoss.setProgram(&program);
+    VantrelApp program(std::move(connections), commands, start.command, start.launched);
+    sessionLoss.setProgram(&program);
     remarkOn(program.means());
     signals.deliverTo([] { QCoreApplication::exit(); });
     const int status = QApplication::exec();
     program.end();
-    serverLoss.setProgram(nullptr);
-    if (connection.isLost()) {
-        serverLoss.leave();
+    if (program.hasLostSession()) {
+        sessionLoss.leave();
     }
-    if (program.hasLostSession() || !program.isSaved()) {
-        // The toolkit has nobody left to take leave of, or the disk does not answer.
+    sessionLoss.setProgram(nullptr);
+    if (!program.isSaved()) {
+        // The disk does not answer.
         std::_Exit(EXIT_SUCCESS);
     }
     return status;
@@ -174,22 +220,27 @@ std::optional<int> passOn(const Start& start, const FindInstance& instance) {
     return answer ? std::optional(report(*answer)) : std::nullopt;
 }
 
-// The instance of a Wayland session takes commands at an address that no other program can have.
-// Who knows its X server alone finds it there.
+// The instance of a Wayland session takes commands at an address that no other program can have,
+// that of an X server owns a selection there.
 std::optional<int> runAt(const std::optional<std::string>& session, const Start& start) {
     CommandSocket commands(session.value_or(std::string()));
     if (session && commands.address().empty()) {
         return passOn(start, instanceAt(*session));
     }
+    // One that takes connections may say nothing.
+    if (auto compositor = session ? wayland::Connection::open({}, compositorTimeout) : nullptr) {
+        return runAsInstance({.compositor = std::move(compositor)}, commands, start);
+    }
     std::optional<ServerTimeout> serverTimeout(std::in_place);
     x11::ConnectionError error;
-    const auto connection = x11::Connection::open({}, error);
+    auto connection = x11::Connection::open({}, error);
     if (!connection) {
         return report(unreachable(error));
     }
-    if (const auto instance = x11::Instance::claim(*connection, commands.address())) {
+    if (auto instance = x11::Instance::claim(*connection, commands.address())) {
         serverTimeout.reset();
-        return runAsInstance(*connection, commands, start);
+        return runAsInstance({.server = std::move(connection), .instance = std::move(instance)},
+                             commands, start);
     }
     return passOn(start, instanceOn(*connection));
 }

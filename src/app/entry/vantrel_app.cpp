@@ -1,13 +1,18 @@
 #include "app/entry/vantrel_app.h"
 
+#include "app/entry/running_instance.h"
 #include "overlay/effect_drawing.h"
+#include "platform/freedesktop/bus_call.h"
 #include "platform/keys/key_table.h"
+#include "platform/native_windows.h"
 #include "platform/x11/activation.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QKeySequence>
 #include <QPointer>
 #include <QSessionManager>
+#include <QTimer>
 
 #include <chrono>
 #include <utility>
@@ -37,11 +42,12 @@ DisplayParts partsOf(auto& desktop) {
 
 } // namespace
 
-VantrelApp::VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
+VantrelApp::VantrelApp(Connections connections, CommandSocket& commands, const Command& command,
                        std::function<void()> launched)
-    : connection_(connection),
+    : server_(std::move(connections.server)),
+      instance_(std::move(connections.instance)),
+      compositor_(std::move(connections.compositor)),
       commands_(commands),
-      x11_(connection),
       loginItem_(runningExecutable()),
       delegate_(desktop()) {
     delegate_.applicationDidFinishLaunching(command);
@@ -60,20 +66,28 @@ VantrelApp::~VantrelApp() {
 }
 
 Desktop VantrelApp::desktop() {
-    if (connection_.isXwayland()) {
-        joinCompositor();
-        joinWaylandSession();
+    if (server_) {
+        x11_.emplace(*server_);
     }
-    const auto seen = wayland_ ? partsOf(*wayland_) : partsOf(x11_);
-    return {.clock = x11_.clock,
+    if (compositor_ || server_->isXwayland()) {
+        joinCompositor();
+        joinDesktop(QDBusConnection::sessionBus());
+    }
+    cursors_.emplace(server_.get(), drawnCursor_);
+    statusItem_.emplace(x11_ ? static_cast<SystemTray&>(x11_->systemTray) : absent_.systemTray);
+    if (shell_) {
+        shellStatusItem_.emplace(*shell_, *statusItem_);
+    }
+    const auto seen = wayland_ ? partsOf(*wayland_) : x11_ ? partsOf(*x11_) : partsOf(absent_);
+    return {.clock = clock_,
             .mainQueue = mainQueue_,
             .screens = seen.screens,
             .displayLinks = seen.displayLinks,
-            .cursors = cursors_,
+            .cursors = *cursors_,
             .pointer = seen.pointer,
             .eventMonitors = seen.eventMonitors,
-            .keyboard = x11_.keyboard,
-            .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_.hotKeys,
+            .keyboard = keyboard(),
+            .hotKeys = sessionHotKeys_ ? static_cast<HotKeys&>(*sessionHotKeys_) : x11_->hotKeys,
             .marks = sessionMarks_ ? static_cast<Marks&>(*sessionMarks_) : noMarks_,
             .overlayWindows = seen.overlayWindows,
             .transaction = seen.transaction,
@@ -83,8 +97,8 @@ Desktop VantrelApp::desktop() {
             .loginItem = loginItem_,
             .workspace = workspace_,
             .statusItem =
-                shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : statusItem_,
-            .alertSound = x11_.alertSound,
+                shellStatusItem_ ? static_cast<StatusItem&>(*shellStatusItem_) : *statusItem_,
+            .alertSound = x11_ ? static_cast<AlertSound&>(x11_->alertSound) : alertSound_,
             .application = *this};
 }
 
@@ -96,26 +110,69 @@ SessionOffer VantrelApp::offer() const {
 
 void VantrelApp::joinCompositor() {
     constexpr std::chrono::milliseconds limit(1000);
-    offer_.xwayland = true;
-    compositor_ = wayland::Connection::open({}, limit);
+    offer_.wayland = true;
+    offer_.xwayland = server_ != nullptr;
+    if (!compositor_) {
+        compositor_ = wayland::Connection::open({}, limit);
+    }
     if (compositor_) {
+        waylandKeyboard_.emplace(*compositor_);
         offer_.layerShell = compositor_->hasLayerShell();
         offer_.cursorSessions = compositor_->hasCursorSessions();
     }
     offer_ = heldTo(qgetenv("VANTREL_MEANS").toStdString(), offer_);
     if (means().drawing == Means::layerShell) {
-        wayland_.emplace(*compositor_, x11_.clock);
-    } else {
-        compositor_.reset();
+        wayland_.emplace(*compositor_, clock_);
+    } else if (compositor_) {
+        eventLoop_.emplace(*compositor_);
     }
 }
 
-// Whichever compositor it turns out to be.
-void VantrelApp::joinWaylandSession() {
-    const auto bus = QDBusConnection::sessionBus();
+// Whichever it turns out to be.
+void VantrelApp::joinDesktop(const QDBusConnection& bus) {
     shell_.emplace(bus, defaults_, bundle_.dataFolder());
-    shellStatusItem_.emplace(*shell_, statusItem_);
     kwin_.emplace(bus, bundle_.dataFolder(), EffectDrawing::picture);
+    sessionMarks_.emplace(*shell_, *kwin_);
+    if (!server_ &&
+        (!hasNativeWindows() || (means().drawing == Means::none && !drawsItself(bus)))) {
+        joinServer();
+    }
+    joinShortcuts(bus);
+}
+
+// The desktop says soon whether it draws the marks.
+bool VantrelApp::drawsItself(const QDBusConnection& bus) {
+    constexpr std::chrono::seconds limit(3);
+    const auto isDecided = [this] { return sessionMarks_->state() != MarksState::none; };
+    if (!isDecided() && (isOnBus(bus, QStringLiteral("org.gnome.Shell")) ||
+                         isOnBus(bus, QStringLiteral("org.kde.KWin")))) {
+        QEventLoop loop;
+        QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+        const auto changes = sessionMarks_->onChange([&] {
+            if (isDecided()) {
+                loop.quit();
+            }
+        });
+        loop.exec();
+    }
+    return sessionMarks_->state() == MarksState::available;
+}
+
+// Of a Wayland session. Who knows that server alone finds this instance there.
+void VantrelApp::joinServer() {
+    const ServerTimeout timeout;
+    x11::ConnectionError error;
+    auto server = x11::Connection::open({}, error);
+    // Another one may be named, which is of no use but to the windows that are on it.
+    if (server && (server->isXwayland() || !hasNativeWindows())) {
+        server_ = std::move(server);
+        instance_ = x11::Instance::claim(*server_, commands_.address());
+        x11_.emplace(*server_);
+        offer_.xwayland = true;
+    }
+}
+
+void VantrelApp::joinShortcuts(const QDBusConnection& bus) {
     const auto nameOf = [this](auto number) {
         const auto mode = HotkeyManager::modeOf(number);
         return QString::fromStdString(delegate_.state().shortcutTitle(mode));
@@ -126,24 +183,29 @@ void VantrelApp::joinWaylandSession() {
             .keyOf = [this](auto keycode, auto layout) { return keyOf(keycode, layout); },
             .nameOf = nameOf,
         });
-    keyboardChanges_ = x11_.keyboard.changes.add([this] { kwinShortcuts_->grabAgain(); });
-    sessionMarks_.emplace(*shell_, *kwin_);
+    keyboardChanges_ = keyboard().changes.add([this] { kwinShortcuts_->grabAgain(); });
+    auto& own = x11_ ? static_cast<HotKeys&>(x11_->hotKeys) : absent_.hotKeys;
     if (wayland_) {
         portalShortcuts_.emplace(
             bus, PortalShortcuts::Means{
-                     .symbolOf = [this](auto keycode) { return x11_.keyboard.symbolOf(keycode); },
+                     .symbolOf = [this](auto keycode) { return keyboard().symbolOf(keycode); },
                      .nameOf = nameOf,
                  });
-        portalHotKeys_.emplace(*portalShortcuts_, x11_.hotKeys, keycodeOf);
+        portalHotKeys_.emplace(*portalShortcuts_, own, keycodeOf);
     }
-    auto& others = portalHotKeys_ ? static_cast<HotKeys&>(*portalHotKeys_) : x11_.hotKeys;
+    auto& others = portalHotKeys_ ? static_cast<HotKeys&>(*portalHotKeys_) : own;
     kwinHotKeys_.emplace(*kwinShortcuts_, others, keycodeOf);
     sessionHotKeys_.emplace(*shell_, *kwinHotKeys_, keycodeOf);
 }
 
+// That of the toolkit's windows.
+KeymapKeyboard& VantrelApp::keyboard() {
+    return hasNativeWindows() ? static_cast<KeymapKeyboard&>(*waylandKeyboard_) : x11_->keyboard;
+}
+
 // As the toolkit has the key, by what it produces.
-int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) const {
-    const auto press = x11_.keyboard.pressIn(layout, keycode);
+int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) {
+    const auto press = keyboard().pressIn(layout, keycode);
     if (!press) {
         return 0;
     }
@@ -161,7 +223,9 @@ void VantrelApp::observeDesktop() {
         defaults_.flush();
         terminate();
     }));
-    subscriptions_.push_back(connection_.lost.add([this] { terminate(); }));
+    if (server_) {
+        subscriptions_.push_back(server_->lost.add([this] { terminate(); }));
+    }
     if (compositor_) {
         subscriptions_.push_back(compositor_->lost.add([this] { terminate(); }));
     }
@@ -224,7 +288,9 @@ void VantrelApp::terminate() {
 }
 
 void VantrelApp::activate(WId window) {
-    x11::activateWindow(connection_, static_cast<xcb_window_t>(window));
+    if (!hasNativeWindows()) {
+        x11::activateWindow(*server_, static_cast<xcb_window_t>(window));
+    }
 }
 
 std::string VantrelApp::compositor() const {

@@ -2,6 +2,7 @@
 
 #include "app/shell/app_delegate.h"
 #include "overlay/drawn_cursor.h"
+#include "platform/absent.h"
 #include "platform/freedesktop/autostart_login_item.h"
 #include "platform/freedesktop/command_socket.h"
 #include "platform/freedesktop/control_service.h"
@@ -12,15 +13,20 @@
 #include "platform/freedesktop/portal_shortcuts.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/session_hot_keys.h"
+#include "platform/freedesktop/toolkit_alert_sound.h"
 #include "platform/freedesktop/tray_status_item.h"
 #include "platform/gnome/shell_extension.h"
 #include "platform/gnome/shell_status_item.h"
 #include "platform/kwin/desktop_shortcuts.h"
 #include "platform/kwin/kwin_script.h"
+#include "platform/system_clock.h"
 #include "platform/wayland/desktop.h"
+#include "platform/wayland/keyboard.h"
 #include "platform/x11/cursor_images.h"
 #include "platform/x11/desktop.h"
+#include "platform/x11/instance.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,9 +38,16 @@ namespace vantrel {
 // application object.
 class VantrelApp final : private Application {
 public:
-    // The connection and the socket, on which it takes commands, must outlive it. The callback
-    // comes once, when the command that it was started for was carried out.
-    VantrelApp(x11::Connection& connection, CommandSocket& commands, const Command& command,
+    // To the session, of which there is at least one.
+    struct Connections {
+        std::unique_ptr<x11::Connection> server;
+        std::unique_ptr<x11::Instance> instance; // on that
+        std::unique_ptr<wayland::Connection> compositor;
+    };
+
+    // The socket, on which it takes commands, must outlive it. The callback comes once, when the
+    // command that it was started for was carried out.
+    VantrelApp(Connections connections, CommandSocket& commands, const Command& command,
                std::function<void()> launched);
     ~VantrelApp() override;
     VantrelApp(const VantrelApp&) = delete;
@@ -44,9 +57,13 @@ public:
     void end();
     // By what marks are shown, as long as the desktop itself draws none.
     [[nodiscard]] SessionMeans means() const { return meansOf(offer_); }
+    // Whether the compositor goes in that time or has gone. Called by any thread.
+    [[nodiscard]] bool seesCompositorGo(std::chrono::milliseconds limit) const {
+        return compositor_ && compositor_->seesEnd(limit);
+    }
     // Whether the session has gone, before all of its connections need be.
     [[nodiscard]] bool hasLostSession() const {
-        return connection_.isLost() || (compositor_ && compositor_->isLost());
+        return (server_ && server_->isLost()) || (compositor_ && compositor_->isLost());
     }
     // False after an end at which the disk did not take the save in time.
     [[nodiscard]] bool isSaved() const { return saved_; }
@@ -57,19 +74,30 @@ private:
     [[nodiscard]] std::string compositor() const override;
     [[nodiscard]] SessionOffer offer() const override;
     [[nodiscard]] Desktop desktop();
+    void joinServer();
     void joinCompositor();
-    void joinWaylandSession();
-    [[nodiscard]] int keyOf(std::uint8_t keycode, std::uint32_t layout) const;
+    void joinDesktop(const QDBusConnection& bus);
+    [[nodiscard]] bool drawsItself(const QDBusConnection& bus);
+    void joinShortcuts(const QDBusConnection& bus);
+    [[nodiscard]] KeymapKeyboard& keyboard();
+    [[nodiscard]] int keyOf(std::uint8_t keycode, std::uint32_t layout);
     [[nodiscard]] RemoteControl remoteControl();
     void takeCommands();
     void observeDesktop();
 
-    x11::Connection& connection_;
+    // In a Wayland session only if nothing else draws, as many compositors start their X server at
+    // the first connection.
+    std::unique_ptr<x11::Connection> server_;
+    std::unique_ptr<x11::Instance> instance_;
+    std::unique_ptr<wayland::Connection> compositor_; // of a Wayland session
     CommandSocket& commands_;
-    x11::X11Desktop x11_;
+    SystemClock clock_;
+    AbsentDesktop absent_;
+    std::optional<x11::X11Desktop> x11_;
     SessionOffer offer_;
+    std::optional<wayland::EventLoop> eventLoop_;
+    std::optional<wayland::WaylandKeyboard> waylandKeyboard_;
     // Where the compositor lets us draw and tells where the pointer is.
-    std::unique_ptr<wayland::Connection> compositor_;
     std::optional<wayland::WaylandDesktop> wayland_;
     FileUserDefaults defaults_;
     QtMainQueue mainQueue_;
@@ -78,7 +106,8 @@ private:
     InstalledBundle bundle_;
     EnvironmentLocale locale_;
     DrawnCursor drawnCursor_;
-    x11::X11CursorImages cursors_{connection_, drawnCursor_};
+    std::optional<x11::X11CursorImages> cursors_;
+    ToolkitAlertSound alertSound_;
     NoMarks noMarks_;
     std::optional<ShellExtension> shell_; // in a Wayland session
     std::optional<KWinScript> kwin_;
@@ -89,7 +118,7 @@ private:
     std::optional<SessionHotKeys> portalHotKeys_; // where the compositor lets us draw
     std::optional<SessionHotKeys> kwinHotKeys_;
     std::optional<SessionHotKeys> sessionHotKeys_;
-    TrayStatusItem statusItem_{x11_.systemTray};
+    std::optional<TrayStatusItem> statusItem_;
     std::optional<ShellStatusItem> shellStatusItem_;
     AppDelegate delegate_;
     std::optional<ControlService> control_;

@@ -1,6 +1,7 @@
 #include "app/shell/popover.h"
 
 #include "app/shell/popover_placement.h"
+#include "platform/native_windows.h"
 #include "ui/components/stack.h"
 #include "ui/components/style.h"
 
@@ -22,7 +23,9 @@ namespace {
 // From a press that closes the popover to the desktop's word that the item was clicked, which may
 // come with the release.
 constexpr double clickDelay = 2; // seconds
-constexpr int clickRadius = 6;   // points
+// Where nothing tells whether the pointer has moved since.
+constexpr double blindClickDelay = 0.5;
+constexpr int clickRadius = 6; // points
 
 constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown) |
                               maskOf(EventType::otherMouseDown);
@@ -151,7 +154,8 @@ void Popover::loseKeyboard() {
 
 bool Popover::closedByThisPress() {
     const auto dismissal = std::exchange(dismissal_, std::nullopt);
-    return dismissal && clock_.uptime() - dismissal->uptime < clickDelay &&
+    const double delay = hasNativeWindows() ? blindClickDelay : clickDelay;
+    return dismissal && clock_.uptime() - dismissal->uptime < delay &&
            (QCursor::pos() - dismissal->pointer).manhattanLength() < clickRadius;
 }
 

@@ -56,11 +56,11 @@ ProgramStatus programStatus(const AppState& state, const Desktop& desktop) {
     const auto marks = state.marks().get();
     const auto means = state.means();
     const auto word = [&](Means what) { return wordFor(what, desktop.marks); };
-    const bool drawnByXwayland = means.drawing == Means::xwayland;
+    const bool mayDrawBetter = means.drawing == Means::xwayland || means.drawing == Means::none;
     const auto& bundle = desktop.bundle;
     return {.mode = std::string(nameOf(state.mode().get())),
-            .marks = word(means.drawing).value_or(""),
-            .marksMissing = drawnByXwayland ? whatIsMissing(marks) : std::nullopt,
+            .marks = word(means.drawing),
+            .marksMissing = mayDrawBetter ? whatIsMissing(marks) : std::nullopt,
             .pointer = word(means.pointer),
             .presses = word(means.presses),
             .shortcuts = word(means.shortcuts),
@@ -75,7 +75,7 @@ std::string toJson(const ProgramStatus& status) {
     const auto orNull = [](const auto& text) { return text ? Json(*text) : Json(nullptr); };
     Json json;
     json["mode"] = status.mode;
-    json["marks"] = status.marks;
+    json["marks"] = orNull(status.marks);
     json["marksMissing"] = orNull(status.marksMissing);
     json["pointer"] = orNull(status.pointer);
     json["presses"] = orNull(status.presses);

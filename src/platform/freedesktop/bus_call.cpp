@@ -29,6 +29,13 @@ void callAsync(const QDBusConnection& bus, const QDBusMessage& message, QObject*
                      });
 }
 
+bool isOnBus(const QDBusConnection& bus, const QString& name) {
+    constexpr int limit = 1000; // milliseconds
+    const auto answer =
+        bus.call(busCall(QStringLiteral("NameHasOwner"), {name}), QDBus::Block, limit);
+    return answer.type() == QDBusMessage::ReplyMessage && answer.arguments().value(0).toBool();
+}
+
 void followOwner(const QDBusConnection& bus, const QString& name, QObject* context,
                  const std::function<void(const QString& owner)>& changed) {
     auto* watcher =

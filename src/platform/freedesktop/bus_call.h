@@ -28,6 +28,9 @@ inline constexpr QLatin1String localInterface("org.freedesktop.DBus.Local");
 void callAsync(const QDBusConnection& bus, const QDBusMessage& message, QObject* context,
                std::function<void(const QDBusMessage& answer)> answered);
 
+// Whether anybody has that name now. Waits for the answer of the bus, which needs nobody else.
+[[nodiscard]] bool isOnBus(const QDBusConnection& bus, const QString& name);
+
 // Tells who owns a name, by the unique name, and nothing for nobody: soon, and at each change as
 // long as the context lives.
 void followOwner(const QDBusConnection& bus, const QString& name, QObject* context,

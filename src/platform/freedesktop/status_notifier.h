@@ -72,6 +72,11 @@ public:
     [[nodiscard]] QDBusObjectPath menu() const;
 
     Q_SLOT void Activate(int /*x*/, int /*y*/) { activated_(); }
+    // Comes before Activate, from desktops that ask so who may come to the front. The toolkit takes
+    // it from there.
+    Q_SLOT void ProvideXdgActivationToken(const QString& token) {
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    }
     Q_SLOT void SecondaryActivate(int /*x*/, int /*y*/) {}
     // Panels show the menu by themselves.
     Q_SLOT void ContextMenu(int /*x*/, int /*y*/) {}

@@ -80,6 +80,11 @@ int Connection::descriptor() const {
     return wl_display_get_fd(display_);
 }
 
+bool Connection::seesEnd(std::chrono::milliseconds limit) const {
+    pollfd poller{descriptor(), 0, 0}; // of which the end is told all the same
+    return poll(&poller, 1, static_cast<int>(limit.count())) == 1;
+}
+
 void Connection::dispatch() {
     read();
     if (wl_display_get_error(display_) == 0) {

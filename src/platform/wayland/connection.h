@@ -67,16 +67,20 @@ public:
     // Called once, when the compositor has gone away or has thrown this client out.
     Observers<> lost;
     [[nodiscard]] bool isLost() const { return isLost_; }
+    // Whether the compositor closes it in that time, or has, whatever is still to be read.
+    [[nodiscard]] bool seesEnd(std::chrono::milliseconds limit) const;
 
     [[nodiscard]] int descriptor() const;
     // Handles what has arrived, without waiting, and sends what that led to.
     void dispatch();
     void flush();
+    // Handles what the compositor has to say to all that was sent. False when it does not answer in
+    // that time.
+    bool roundTrip(std::chrono::milliseconds limit);
 
 private:
     explicit Connection(wl_display* display);
 
-    [[nodiscard]] bool roundTrip(std::chrono::milliseconds limit);
     void read();
     void addGlobal(std::uint32_t name, const char* interface, std::uint32_t version);
     void removeGlobal(std::uint32_t name);

@@ -36,6 +36,14 @@ void Release::operator()(wl_compositor* compositor) const {
     wl_compositor_destroy(compositor);
 }
 
+void Release::operator()(wl_keyboard* keyboard) const {
+    if (wl_keyboard_get_version(keyboard) >= WL_KEYBOARD_RELEASE_SINCE_VERSION) {
+        wl_keyboard_release(keyboard);
+    } else {
+        wl_keyboard_destroy(keyboard);
+    }
+}
+
 void Release::operator()(wl_output* output) const {
     if (wl_output_get_version(output) >= WL_OUTPUT_RELEASE_SINCE_VERSION) {
         wl_output_release(output);

@@ -10,6 +10,7 @@ struct wl_buffer;
 struct wl_callback;
 struct wl_compositor;
 struct wl_display;
+struct wl_keyboard;
 struct wl_output;
 struct wl_pointer;
 struct wl_registry;
@@ -36,6 +37,7 @@ struct Release {
     void operator()(wl_buffer* buffer) const;
     void operator()(wl_callback* callback) const;
     void operator()(wl_compositor* compositor) const;
+    void operator()(wl_keyboard* keyboard) const;
     void operator()(wl_output* output) const;
     void operator()(wl_pointer* pointer) const;
     void operator()(wl_registry* registry) const;

@@ -17,6 +17,9 @@ struct DestroyImage {
 };
 using ThemeImage = std::unique_ptr<XcursorImage, DestroyImage>;
 
+// On which a pointer has the size that compositors give one.
+constexpr QSize usualScreen(1920, 1152);
+
 // Themes have no pointer beyond this.
 constexpr double maximumSize = 512;
 
@@ -69,18 +72,26 @@ CursorTheme chooseCursorTheme(const CursorSources& sources) {
 }
 
 CursorImage X11CursorImages::arrow(double scale) const {
-    const auto settings = readSettings(connection_, settingsOwner(connection_));
-    const auto resources = readResources(connection_);
+    std::string settings;
+    std::string resources;
+    QSize screen = usualScreen;
+    if (connection_ != nullptr) {
+        settings = readSettings(*connection_, settingsOwner(*connection_));
+        resources = readResources(*connection_);
+        screen = connection_->rootSize();
+    }
     const auto themeVariable = environment("XCURSOR_THEME");
     const auto sizeVariable = environment("XCURSOR_SIZE");
     const auto theme = chooseCursorTheme({.settings = settings,
                                           .resources = resources,
                                           .themeVariable = themeVariable,
                                           .sizeVariable = sizeVariable,
-                                          .screen = connection_.rootSize()});
+                                          .screen = screen});
+    // Compositors count it in points.
+    const int size = connection_ != nullptr ? theme.size : qRound(theme.size * scale);
     for (const char* name : {"left_ptr", "default"}) {
-        const ThemeImage image(XcursorLibraryLoadImage(
-            name, theme.name.empty() ? nullptr : theme.name.c_str(), theme.size));
+        const ThemeImage image(
+            XcursorLibraryLoadImage(name, theme.name.empty() ? nullptr : theme.name.c_str(), size));
         if (image) {
             return toCursorImage(*image, scale);
         }

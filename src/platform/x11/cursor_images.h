@@ -32,14 +32,15 @@ struct CursorSources {
 // for all its displays, so that it is smaller in points where the scale is larger.
 class X11CursorImages final : public CursorImages {
 public:
-    // The other pictures are shown when there is no theme. Both must outlive this.
-    X11CursorImages(const Connection& connection, const CursorImages& otherwise)
+    // The other pictures are shown when there is no theme. Without a connection the theme is that
+    // of the environment. Both must outlive this.
+    X11CursorImages(const Connection* connection, const CursorImages& otherwise)
         : connection_(connection), otherwise_(otherwise) {}
 
     [[nodiscard]] CursorImage arrow(double scale) const override;
 
 private:
-    const Connection& connection_;
+    const Connection* connection_;
     const CursorImages& otherwise_;
 };
 

@@ -112,11 +112,12 @@ const seconds = () => GLib.get_monotonic_time() / 1e6;
 const theme = () => St.ThemeContext.get_for_stage(global.stage);
 // More than 1 where the stage is laid out in device pixels.
 const pointScale = () => theme().scale_factor;
-// Of the display there.
+// Its number, negative for none.
+const displayAt = (x, y) => Main.layoutManager.monitors.findIndex(display =>
+    x >= display.x && x < display.x + display.width &&
+    y >= display.y && y < display.y + display.height);
 function scaleAt(x, y) {
-    const number = Main.layoutManager.monitors.findIndex(display =>
-        x >= display.x && x < display.x + display.width &&
-        y >= display.y && y < display.y + display.height);
+    const number = displayAt(x, y);
     return number < 0 ? 1 : global.display.get_monitor_scale(number);
 }
 
@@ -485,9 +486,7 @@ class Item {
         Main.layoutManager.uiGroup.add_child(this._menu.actor);
         Main.panel.menuManager.addMenu(this._menu);
         const click = () => {
-            const [x, y] = this._button.get_transformed_position();
-            const [width, height] = this._button.get_transformed_size();
-            clicked([x, y, width, height].map(Math.round));
+            clicked(this.place());
             return Clutter.EVENT_STOP;
         };
         this._button.connect('button-press-event', (_button, event) => {
@@ -516,6 +515,12 @@ class Item {
         this._button.destroy();
     }
 
+    place() {
+        const [x, y] = this._button.get_transformed_position();
+        const [width, height] = this._button.get_transformed_size();
+        return [x, y, width, height].map(Math.round);
+    }
+
     show(picture, description, entries) {
         this._icon.gicon = Gio.BytesIcon.new(GLib.Bytes.new(picture));
         this._button.accessible_name = description;
@@ -534,12 +539,60 @@ class Item {
     }
 }
 
+// The program's panel opens at the item, or at the pointer where there is none: under Wayland a program
+// cannot place its windows.
+class Panel {
+    constructor(itemPlace) {
+        this._itemPlace = itemPlace;
+        this._signal = global.window_manager.connect('map', (_manager, {meta_window: window}) => {
+            if (Panel._isPanel(window))
+                this._open(window);
+        });
+    }
+
+    destroy() {
+        global.window_manager.disconnect(this._signal);
+        this._window?.disconnectObject(this);
+    }
+
+    // Of the program's own windows it alone has a fixed size.
+    static _isPanel(window) {
+        return window.get_wm_class() === 'vantrel' && !window.allows_resize() &&
+            !window.get_transient_for() &&
+            window.get_client_type() === Meta.WindowClientType.WAYLAND;
+    }
+
+    _open(window) {
+        const [pointerX, pointerY] = global.get_pointer();
+        const at = this._itemPlace() ?? [pointerX, pointerY, 0, 0];
+        const place = () => this._place(window, at);
+        this._window = window;
+        window.connectObject('size-changed', place, 'unmanaged', () => (this._window = null), this);
+        window.make_above();
+        place();
+        window.activate(global.display.get_current_time_roundtrip());
+    }
+
+    _place(window, [x, y, width, height]) {
+        const area = Main.layoutManager.getWorkAreaForMonitor(Math.max(0, displayAt(x, y)));
+        const frame = window.get_frame_rect();
+        const gap = 4 * pointScale();
+        const within = (start, length, low, size) => Math.max(low, Math.min(start, low + size - length));
+        const below = y + height + gap;
+        const isRoomBelow = below + frame.height <= area.y + area.height;
+        window.move_frame(true,
+            within(Math.round(x + (width - frame.width) / 2), frame.width, area.x, area.width),
+            within(isRoomBelow ? below : y - gap - frame.height, frame.height, area.y, area.height));
+    }
+}
+
 // Serves one program at a time. All that is shown and grabbed is that program's, and ends with it.
 class Service {
     constructor(uuid) {
         this._uuid = uuid;
         this._bus = Gio.DBus.session;
         this._shortcuts = new Shortcuts(number => this._tell('Pressed', '(u)', number));
+        this._panel = new Panel(() => this._item?.place());
         this._object = Gio.DBusExportedObject.wrapJSObject(Interface, this);
         this._object.export(this._bus, Path);
         this._name = Gio.bus_own_name_on_connection(this._bus, Name, Gio.BusNameOwnerFlags.NONE, null, null);
@@ -549,6 +602,7 @@ class Service {
         Gio.bus_unown_name(this._name);
         this._object.unexport();
         this._forget();
+        this._panel.destroy();
         this._shortcuts.destroy();
     }
 

@@ -212,9 +212,18 @@ Window {
         function onClientAdded(window) { mark.meet(window); }
     }
 
+    // Of the program's own windows it alone has a fixed size. As an X window it says what it is.
+    function isPanel(window) {
+        return String(window.resourceClass) === "vantrel"
+            && (window.utility || window.normalWindow && !window.resizeable && !window.transient);
+    }
+
     function meet(window) {
-        if (!window.utility || String(window.resourceClass) !== "vantrel")
+        if (!isPanel(window))
             return;
+        for (const flag of ["keepAbove", "skipTaskbar", "skipPager", "skipSwitcher"])
+            window[flag] = true;
+        Workspace[Workspace.activeWindow === undefined ? "activeClient" : "activeWindow"] = window;
         const at = Qt.point(Workspace.cursorPos.x, Workspace.cursorPos.y);
         const place = () => placePanel(window, at);
         // The program may think that it belongs elsewhere.
