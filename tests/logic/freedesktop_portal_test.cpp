@@ -30,8 +30,11 @@ public:
     void vanish() { bus.unregisterService(QStringLiteral("org.freedesktop.portal.Desktop")); }
 
     Q_SLOT QDBusObjectPath CreateSession(const QVariantMap& options, const QDBusMessage& call) {
-        session = pathFor("session", call, options.value(QStringLiteral("session_handle_token")));
-        return respond(call, options, {});
+        const auto former =
+            std::exchange(session, pathFor("session", call,
+                                           options.value(QStringLiteral("session_handle_token"))));
+        EXPECT_NE(session, former);
+        return respond(call, options, 0, {});
     }
     Q_SLOT QDBusObjectPath BindShortcuts(const QDBusObjectPath& handle,
                                          const QList<vantrel::PortalShortcut>& shortcuts,
@@ -49,7 +52,7 @@ public:
                 granted.push_back({id, {{QStringLiteral("trigger_description"), trigger}}});
             }
         }
-        return respond(call, options,
+        return respond(call, options, answer,
                        {{QStringLiteral("shortcuts"), QVariant::fromValue(granted)}});
     }
     void press(const QDBusConnection& from, const QString& id) const {
@@ -63,7 +66,7 @@ public:
 
     QDBusConnection bus;
     uint version = 2;
-    uint answer = 0;
+    uint answer = 0; // to what the user is asked
     QString trigger = QStringLiteral("some keys");
     QSet<QString> refused;
     QStringList proposals; // as they were last asked for
@@ -76,12 +79,12 @@ private:
             .arg(desktopPath, QLatin1String(kind), caller.replace(u'.', u'_'), token.toString());
     }
     // After the call was answered.
-    QDBusObjectPath respond(const QDBusMessage& call, const QVariantMap& options,
+    QDBusObjectPath respond(const QDBusMessage& call, const QVariantMap& options, uint response,
                             const QVariantMap& results) {
         const auto path = pathFor("request", call, options.value(QStringLiteral("handle_token")));
         auto signal = QDBusMessage::createSignal(
             path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
-        signal << answer << results;
+        signal << response << results;
         QMetaObject::invokeMethod(
             this, [this, signal] { bus.send(signal); }, Qt::QueuedConnection);
         return QDBusObjectPath(path);
