@@ -210,7 +210,7 @@ Check traffic(const KWinBench& kwin, double seconds) {
     const auto move = [&](double duration) {
         circle(duration, [&](QPoint place) { kwin.client().sendTo(place.x(), place.y()); });
     };
-    const auto check = traffic.goesForChangesAlone(
+    auto check = traffic.goesForChangesAlone(
         "KWin", [&] { kwin.command("laser"); }, move, seconds, 1);
     kwin.client().moveTo(640, 360);
     return check;
