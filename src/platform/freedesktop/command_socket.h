@@ -15,8 +15,8 @@ class QSocketNotifier;
 namespace vantrel {
 
 // Where the running program takes commands: a local socket that has no file, whose address whoever
-// looks for the program knows or must be told. The kernel says who is at either end, and only the same user
-// is heard. One packet is a command, and one the answer.
+// looks for the program knows or must be told. The kernel says who is at either end, and only the
+// same user is heard. One packet is a command, and one the answer.
 class CommandSocket final : public QObject {
 public:
     using Handler = std::function<CommandAnswer(const CommandWords&)>;
