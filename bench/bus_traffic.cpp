@@ -2,7 +2,6 @@
 
 #include "testdesk/wait.h"
 
-#include <algorithm>
 #include <chrono>
 #include <sstream>
 #include <stdexcept>

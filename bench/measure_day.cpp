@@ -10,8 +10,6 @@
 #include "testdesk/wait.h"
 
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <thread>
 
@@ -101,11 +99,6 @@ private:
     int step_ = 0;
 };
 
-std::string textOf(const std::filesystem::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 } // namespace
 
 Report measureDay(const Contenders& contenders, const Effort& effort) {
@@ -134,7 +127,7 @@ Report measureDay(const Contenders& contenders, const Effort& effort) {
         blank = desktop::waitFor(isBlank) && blank;
     }
     const Usage after = usageOf(desktop, process);
-    const auto errors = textOf(desktop.bench.server.folder() / "contender.err");
+    const auto errors = desktop::readFile(desktop.bench.server.folder() / "contender.err");
     return {.checks = {{.name = "a day's use: held from its first hour to its last",
                         .met = !after.exceeds(before),
                         .found = describe(before, after)},

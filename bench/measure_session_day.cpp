@@ -69,11 +69,11 @@ public:
             move(1);
             place_.click(i % 2 == 0 ? BTN_LEFT : BTN_RIGHT);
         }
-        for (const bool sleeping : {true, false}) {
-            for (int i = 0; i < day::sleeps / parts; ++i) {
-                login_.announceSleep(sleeping);
-                move(50);
-            }
+        for (int i = 0; i < day::sleeps / parts; ++i) {
+            login_.announceSleep(true);
+            move(50);
+            login_.announceSleep(false);
+            move(50);
         }
         for (int i = 0; place_.lock && i < day::locks / parts; ++i) {
             place_.lock(true);
