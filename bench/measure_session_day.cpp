@@ -31,7 +31,7 @@ struct Place {
     std::function<void(int step)> move; // on a circle, without waiting
     std::function<void()> settle;       // with the pointer away from where pixels are looked at
     std::function<void(int button)> click;
-    std::function<void()> closeWindows;
+    std::function<int()> closeWindows; // those of programs; how many there were
     std::function<bool()> isBlank;
     std::function<std::string()> complaints; // of the compositor, about scripts
     // Where it has them.
@@ -94,7 +94,8 @@ public:
         }
         for (int i = 0; i < day::openings / parts; ++i) {
             command("settings");
-            place_.closeWindows();
+            desktop::waitFor([&] { return place_.closeWindows() > 0; });
+            desktop::waitFor([&] { return place_.closeWindows() == 0; });
         }
         command("off");
         place_.settle();
@@ -124,7 +125,8 @@ Report measureSessionDay(const Place& place, const std::string& program, const E
     // Compositors that draw by software grow in the first hours with nothing of ours shown.
     const int first = effort.partsOfDay > 2 ? effort.partsOfDay / 2 : 1;
     bool blank = true;
-    const auto liveTo = [&](int last, int& part) {
+    int part = 0;
+    const auto liveTo = [&](int last) {
         for (; part < last; ++part) {
             life.live();
             blank = desktop::waitFor(place.isBlank) && blank;
@@ -132,9 +134,8 @@ Report measureSessionDay(const Place& place, const std::string& program, const E
         const auto held = [](pid_t pid) { return desktop::proportionalBytes(pid) / 1024; };
         return std::pair{held(place.compositor), held(process.pid())};
     };
-    int part = 0;
-    const auto before = liveTo(first, part);
-    const auto after = liveTo(effort.partsOfDay, part);
+    const auto before = liveTo(first);
+    const auto after = liveTo(effort.partsOfDay);
     std::ostringstream text;
     text << "compositor " << before.first << " to " << after.first << " KiB, program "
          << before.second << " to " << after.second << " KiB";
@@ -183,10 +184,12 @@ Report measureShellDay(const Contenders& contenders, const Effort& effort) {
         .click = [&](int button) { session.click(button); },
         .closeWindows =
             [&] {
-                session.evaluate("global.get_window_actors().map(actor => actor.meta_window)"
-                                 "    .filter(each => each.window_type === 0)"
-                                 "    .forEach(each => each.delete("
-                                 "        global.display.get_current_time_roundtrip())); 1");
+                return session
+                    .evaluate("global.get_window_actors().map(actor => actor.meta_window)"
+                              "    .filter(each => each.window_type === 0)"
+                              "    .map(each => each.delete("
+                              "        global.display.get_current_time_roundtrip())).length")
+                    .get<int>();
             },
         .isBlank =
             [&] {
@@ -230,10 +233,11 @@ Report measureKWinDay(const Contenders& contenders, const Effort& effort) {
         .click = [&](int button) { session.click(button); },
         .closeWindows =
             [&] {
-                static_cast<void>(
-                    session.evaluate("workspace." + windows +
-                                     "().filter(function (each) { return each.normalWindow; })"
-                                     ".map(function (each) { each.closeWindow(); return 1; })"));
+                return session
+                    .evaluate("workspace." + windows +
+                              "().filter(function (each) { return each.normalWindow; })"
+                              ".map(function (each) { each.closeWindow(); }).length")
+                    .get<int>();
             },
         .isBlank =
             [&] {

@@ -244,9 +244,10 @@ nlohmann::json KWinSession::evaluate(const std::string& expression) const {
         std::optional<std::string> told;
         [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
         bool handleMessage(const QDBusMessage& message,
-                           const QDBusConnection& /*connection*/) override {
+                           const QDBusConnection& connection) override {
             told = message.arguments().value(0).toString().toStdString();
-            return true;
+            // KWin waits for it, and a bus takes only so many calls that wait.
+            return connection.send(message.createReply());
         }
     } listener;
     auto bus = bus_;

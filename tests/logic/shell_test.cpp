@@ -89,6 +89,8 @@ TEST_F(ShellTest, WindowsHaveTheirSizesAndComeBackAsTheyWereLeft) {
         window->setGeometry(10, 30, 700, 700);
         EXPECT_EQ(window->minimumSize(), minimumContentSize);
         window->close();
+        EXPECT_TRUE(window->isVisible()) << "it may be painting";
+        settle();
         EXPECT_FALSE(window->isVisible());
         delegate.open(name);
         EXPECT_EQ(delegate.window(name), window);

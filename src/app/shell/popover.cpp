@@ -1,6 +1,7 @@
 #include "app/shell/popover.h"
 
 #include "app/shell/popover_placement.h"
+#include "app/shell/window_activation.h"
 #include "platform/native_windows.h"
 #include "ui/components/stack.h"
 #include "ui/components/style.h"
@@ -177,6 +178,10 @@ void Popover::keyPressEvent(QKeyEvent* event) {
     } else {
         QWidget::keyPressEvent(event);
     }
+}
+
+void Popover::closeEvent(QCloseEvent* event) {
+    hideInsteadOfClosing(*this, *event);
 }
 
 void Popover::showEvent(QShowEvent* event) {

@@ -50,4 +50,9 @@ void showActive(QWidget& window, Application& application, std::function<void()>
     }
 }
 
+void hideInsteadOfClosing(QWidget& window, QCloseEvent& event) {
+    event.ignore();
+    QMetaObject::invokeMethod(&window, &QWidget::hide, Qt::QueuedConnection);
+}
+
 } // namespace vantrel

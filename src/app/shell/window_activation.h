@@ -2,6 +2,7 @@
 
 #include "platform/shell.h"
 
+#include <QCloseEvent>
 #include <QWidget>
 
 #include <functional>
@@ -13,5 +14,10 @@ namespace vantrel {
 // before that.
 void showActive(
     QWidget& window, Application& application, std::function<void()> shown = [] {});
+
+// What a window does when it is to be closed: it hides in the next turn of the event loop, for Qt
+// 6.4 takes a compositor's wish to close in the midst of painting, and would paint on a window that
+// is gone.
+void hideInsteadOfClosing(QWidget& window, QCloseEvent& event);
 
 } // namespace vantrel

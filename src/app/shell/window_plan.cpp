@@ -1,5 +1,6 @@
 #include "app/shell/window_plan.h"
 
+#include "app/shell/window_activation.h"
 #include "ui/components/brand_mark.h"
 
 #include <QCursor>
@@ -40,6 +41,8 @@ public:
     }
 
 protected:
+    void closeEvent(QCloseEvent* event) override { hideInsteadOfClosing(*this, *event); }
+
     void resizeEvent(QResizeEvent* event) override {
         QWidget::resizeEvent(event);
         if (minimumContentSize.boundedTo(event->size()) == minimumContentSize) {
