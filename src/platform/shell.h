@@ -54,6 +54,12 @@ public:
     [[nodiscard]] virtual Subscription onChange(std::function<void()> callback) = 0;
 };
 
+// How its user wants the desktop's windows.
+struct Appearance {
+    bool dark = false;
+    double textScale = 1; // of the usual size
+};
+
 class AlertSound {
 public:
     virtual ~AlertSound() = default;

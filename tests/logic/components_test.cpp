@@ -289,17 +289,19 @@ TEST_F(ComponentsTest, ColoursFollowTheDesktopFromLightToDarkAndBack) {
         return std::pair(label(QStringLiteral("Vantrel"))->palette().color(QPalette::WindowText),
                          button("Reset all preferences…")->palette().color(QPalette::ButtonText));
     };
-    const auto light = QApplication::palette();
     const auto inLight = colors();
-    QApplication::setPalette(QPalette(Qt::darkGray, QColor(0x20, 0x20, 0x20)));
+    const double scale = textScale();
+    follow({.dark = true, .textScale = 1.5});
     update();
+    EXPECT_GT(textScale(), scale);
     EXPECT_LT(inLight.first.lightness(), 128);
     EXPECT_GT(inLight.second.red(), inLight.second.green() + 60);
     EXPECT_GT(colors().first.lightness(), 128);
     EXPECT_GT(colors().second.lightness(), inLight.second.lightness());
-    QApplication::setPalette(light);
+    follow({});
     update();
     EXPECT_EQ(colors(), inLight);
+    EXPECT_EQ(textScale(), scale);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "platform/freedesktop/portal_appearance.h"
 #include "platform/freedesktop/portal_shortcuts.h"
 #include "platform/input.h"
 #include "support/event_loop.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDBusMetaType>
 #include <QSet>
 
 namespace vantrel {
@@ -90,6 +92,61 @@ private:
         return QDBusObjectPath(path);
     }
 };
+
+using Settings = QMap<QString, QVariantMap>;
+
+class FakeSettings : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    explicit FakeSettings(QDBusConnection connection) : bus(std::move(connection)) {
+        bus.registerObject(desktopPath, this, QDBusConnection::ExportAllSlots);
+        bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
+    }
+    Q_SLOT QMap<QString, QVariantMap> ReadAll(const QStringList& /*groups*/) { return settings; }
+    static void tell(const QDBusConnection& from, const QString& group, const QString& key,
+                     const QVariant& value) {
+        auto signal = QDBusMessage::createSignal(desktopPath,
+                                                 QStringLiteral("org.freedesktop.portal.Settings"),
+                                                 QStringLiteral("SettingChanged"));
+        signal << group << key << QVariant::fromValue(QDBusVariant(value));
+        from.send(signal);
+    }
+
+    QDBusConnection bus;
+    Settings settings;
+};
+
+TEST(PortalAppearanceTest, TellsOfDarkColoursAndLargeTextsAtTheStartAndLater) {
+    const desktop::CoreApplication application;
+    qDBusRegisterMetaType<Settings>();
+    const TemporaryFolder folder;
+    const desktop::PrivateBus bus(folder / "bus");
+    const auto connect = [&](const char* name) {
+        return QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                             QLatin1String(name));
+    };
+    const auto common = QStringLiteral("org.freedesktop.appearance");
+    const auto scheme = QStringLiteral("color-scheme");
+    const auto gnome = QStringLiteral("org.gnome.desktop.interface");
+    const auto factor = QStringLiteral("text-scaling-factor");
+    FakeSettings portal(connect("settings"));
+    portal.settings = {{common, {{scheme, 1U}}},
+                       {gnome, {{factor, 1.25}, {QStringLiteral("cursor-size"), 24}}}};
+    std::vector<std::pair<bool, double>> told;
+    const PortalAppearance appearance(
+        connect("window"), [&](const auto& now) { told.emplace_back(now.dark, now.textScale); });
+    EXPECT_TRUE(runUntil([&] { return told == std::vector{std::pair(true, 1.25)}; }));
+    // Others have nothing to tell, and the portal also of what does not count.
+    portal.tell(connect("stranger"), common, scheme, 0U);
+    portal.tell(portal.bus, common, QStringLiteral("contrast"), 1U);
+    portal.tell(portal.bus, gnome, factor, 0.0);
+    portal.tell(portal.bus, common, scheme, 2U);
+    EXPECT_TRUE(runUntil([&] { return told.size() >= 3; }));
+    EXPECT_EQ(told,
+              (std::vector{std::pair(true, 1.25), std::pair(true, 1.0), std::pair(false, 1.0)}));
+}
 
 TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
     const desktop::CoreApplication application;

@@ -181,17 +181,6 @@ QWidget* gallery(ViewContext& view) {
             ->padded(20)));
 }
 
-QPalette darkPalette() {
-    const QColor window(0x2A, 0x2A, 0x2D);
-    QPalette palette(QColor(0x3A, 0x3A, 0x3E), window);
-    palette.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x20));
-    palette.setColor(QPalette::Text, Qt::white);
-    palette.setColor(QPalette::WindowText, Qt::white);
-    palette.setColor(QPalette::ButtonText, Qt::white);
-    palette.setColor(QPalette::Highlight, QColor(0x0A, 0x84, 0xFF));
-    return palette;
-}
-
 QWidget* makeWindow(ViewContext& view, const QString& name) {
     const auto sized = [](QWidget* window, AppWindow as) {
         window->resize(contentSizeOf(as));

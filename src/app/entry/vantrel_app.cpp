@@ -6,6 +6,7 @@
 #include "platform/keys/key_table.h"
 #include "platform/native_windows.h"
 #include "platform/x11/activation.h"
+#include "ui/components/style.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -138,6 +139,7 @@ void VantrelApp::joinDesktop(const QDBusConnection& bus) {
         joinServer();
     }
     joinShortcuts(bus);
+    appearance_.emplace(bus, follow);
 }
 
 // The desktop says soon whether it draws the marks.

@@ -10,6 +10,7 @@
 #include "platform/freedesktop/environment_locale.h"
 #include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/installed_bundle.h"
+#include "platform/freedesktop/portal_appearance.h"
 #include "platform/freedesktop/portal_shortcuts.h"
 #include "platform/freedesktop/qt_main_queue.h"
 #include "platform/freedesktop/session_hot_keys.h"
@@ -113,6 +114,7 @@ private:
     std::optional<KWinScript> kwin_;
     std::optional<DesktopShortcuts> kwinShortcuts_;
     std::optional<PortalShortcuts> portalShortcuts_;
+    std::optional<PortalAppearance> appearance_;
     Subscription keyboardChanges_;
     std::optional<EitherMarks> sessionMarks_;     // of both
     std::optional<SessionHotKeys> portalHotKeys_; // where the compositor lets us draw

@@ -65,6 +65,36 @@ bool isDark(const QPalette& palette) {
     return palette.color(QPalette::Active, QPalette::Window).lightness() < 128;
 }
 
+QPalette darkPalette() {
+    QPalette palette(QColor(0x3A, 0x3A, 0x3E), QColor(0x2A, 0x2A, 0x2D));
+    palette.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x20));
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Active, role, Qt::white);
+        palette.setColor(QPalette::Inactive, role, Qt::white);
+    }
+    palette.setColor(QPalette::Highlight, QColor(0x0A, 0x84, 0xFF));
+    return palette;
+}
+
+void follow(const Appearance& appearance) {
+    static bool isOurs = false;
+    static const QFont usual = QApplication::font();
+    if (!isOurs && appearance.dark && !isDark(QApplication::palette())) {
+        QApplication::setPalette(darkPalette());
+        isOurs = true;
+    } else if (isOurs && !appearance.dark) {
+        QApplication::setPalette(QPalette());
+        isOurs = false;
+    }
+    auto font = usual;
+    if (usual.pointSizeF() > 0) {
+        font.setPointSizeF(usual.pointSizeF() * appearance.textScale);
+    }
+    if (font != QApplication::font()) {
+        QApplication::setFont(font);
+    }
+}
+
 QColor toneColor(Tone tone, const QPalette& palette) {
     const bool dark = isDark(palette);
     const auto primary = palette.color(QPalette::Active, QPalette::WindowText);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/shell.h"
+
 #include <QColor>
 #include <QFont>
 #include <QPainterPath>
@@ -37,6 +39,11 @@ enum class Density : unsigned char { compact, regular };
 [[nodiscard]] QColor laidOver(const QColor& below, const QColor& color, double opacity);
 
 [[nodiscard]] bool isDark(const QPalette& palette);
+// Where the toolkit has no colours of the desktop's.
+[[nodiscard]] QPalette darkPalette();
+// Gives the windows that there are, and those to come, what the toolkit does not know by itself:
+// dark colours, and texts of that size where they are made from now on.
+void follow(const Appearance& appearance);
 // Tones of texts stand out enough from the window and from a sheet to be read when they are small.
 [[nodiscard]] QColor toneColor(Tone tone, const QPalette& palette);
 // At a part of its own opacity.
