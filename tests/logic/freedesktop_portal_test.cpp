@@ -16,6 +16,16 @@ namespace {
 
 const auto desktopPath = QStringLiteral("/org/freedesktop/portal/desktop");
 
+struct Bus {
+    [[nodiscard]] QDBusConnection connect(const char* name) const {
+        return QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                             QLatin1String(name));
+    }
+
+    TemporaryFolder folder;
+    desktop::PrivateBus bus{folder / "bus"};
+};
+
 // The desktop's side, on a connection of its own.
 class FakePortal : public QObject {
     Q_OBJECT
@@ -121,25 +131,21 @@ public:
 TEST(PortalAppearanceTest, TellsOfDarkColoursAndLargeTextsAtTheStartAndLater) {
     const desktop::CoreApplication application;
     qDBusRegisterMetaType<Settings>();
-    const TemporaryFolder folder;
-    const desktop::PrivateBus bus(folder / "bus");
-    const auto connect = [&](const char* name) {
-        return QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
-                                             QLatin1String(name));
-    };
+    const Bus bus;
     const auto common = QStringLiteral("org.freedesktop.appearance");
     const auto scheme = QStringLiteral("color-scheme");
     const auto gnome = QStringLiteral("org.gnome.desktop.interface");
     const auto factor = QStringLiteral("text-scaling-factor");
-    FakeSettings portal(connect("settings"));
+    FakeSettings portal(bus.connect("settings"));
     portal.settings = {{common, {{scheme, 1U}}},
                        {gnome, {{factor, 1.25}, {QStringLiteral("cursor-size"), 24}}}};
     std::vector<std::pair<bool, double>> told;
-    const PortalAppearance appearance(
-        connect("window"), [&](const auto& now) { told.emplace_back(now.dark, now.textScale); });
+    const PortalAppearance appearance(bus.connect("window"), [&](const auto& now) {
+        told.emplace_back(now.dark, now.textScale);
+    });
     EXPECT_TRUE(runUntil([&] { return told == std::vector{std::pair(true, 1.25)}; }));
     // Others have nothing to tell, and the portal also of what does not count.
-    portal.tell(connect("stranger"), common, scheme, 0U);
+    portal.tell(bus.connect("stranger"), common, scheme, 0U);
     portal.tell(portal.bus, common, QStringLiteral("contrast"), 1U);
     portal.tell(portal.bus, gnome, factor, 0.0);
     portal.tell(portal.bus, common, scheme, 2U);
@@ -150,16 +156,11 @@ TEST(PortalAppearanceTest, TellsOfDarkColoursAndLargeTextsAtTheStartAndLater) {
 
 TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
     const desktop::CoreApplication application;
-    const TemporaryFolder folder;
-    const desktop::PrivateBus bus(folder / "bus");
-    const auto connect = [&](const char* name) {
-        return QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
-                                             QLatin1String(name));
-    };
-    const auto other = connect("other");
-    FakePortal portal(connect("portal"));
+    const Bus bus;
+    const auto other = bus.connect("other");
+    FakePortal portal(bus.connect("portal"));
     PortalShortcuts shortcuts(
-        connect("program"),
+        bus.connect("program"),
         {.symbolOf = [](auto keycode) { return keycode == 43 ? "h" : "F5"; },
          .nameOf = [](auto number) { return QStringLiteral("Name %1").arg(number); }});
     std::vector<std::uint32_t> pressed;
