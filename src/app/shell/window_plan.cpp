@@ -1,6 +1,7 @@
 #include "app/shell/window_plan.h"
 
 #include "app/shell/window_activation.h"
+#include "platform/native_windows.h"
 #include "ui/components/brand_mark.h"
 
 #include <QCursor>
@@ -23,6 +24,13 @@ const QScreen& screenOfPointer() {
 // What a window's frame takes on most desktops, until this one tells.
 constexpr QMargins usualFrame(1, 24, 1, 1);
 
+// Compositors tell programs nothing of the bars that they show.
+QRect availableAreaOf(const QScreen& screen) {
+    constexpr QMargins bars(0, 48, 0, 0);
+    const auto area = screen.availableGeometry();
+    return hasNativeWindows() ? area.marginsRemoved(bars) : area;
+}
+
 // A window may open smaller than it can be made later.
 class ContentWindow final : public QWidget {
 public:
@@ -32,7 +40,7 @@ public:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSizeConstraint(QLayout::SetNoConstraint);
         layout->addWidget(content);
-        place(windowPlacement(contentSize, usualFrame, screenOfPointer().availableGeometry()));
+        place(windowPlacement(contentSize, usualFrame, availableAreaOf(screenOfPointer())));
     }
 
     void place(const QRect& place) {
@@ -80,7 +88,7 @@ std::unique_ptr<QWidget> makeWindow(QSize contentSize, QWidget* content) {
 
 void placeWithFrame(QWidget& window, QSize contentSize) {
     const auto placed = [&](QMargins frame) {
-        return windowPlacement(contentSize, frame, window.screen()->availableGeometry());
+        return windowPlacement(contentSize, frame, availableAreaOf(*window.screen()));
     };
     if (window.size() == placed(usualFrame).size()) {
         static_cast<ContentWindow&>(window).place(placed(window.windowHandle()->frameMargins()));
