@@ -97,7 +97,7 @@ Report measureSway(const Contenders& contenders, const Effort& effort) {
     if (!contenders.reacts) {
         return {};
     }
-    if (!desktop::WlrootsSession::followsPointers(desktop::Compositor::sway)) {
+    if (!desktop::followsPointers(desktop::Compositor::sway)) {
         std::fprintf(stderr, "no sway that tells where the pointer is: scripts/test-sway\n");
         return {};
     }

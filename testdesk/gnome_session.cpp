@@ -66,12 +66,20 @@ void writeSettings(const std::filesystem::path& folder, int scale, bool inPoints
 Command shellCommand(const GnomeSession::Options& options, const Environment& environment,
                      const std::filesystem::path& folder) {
     writeSettings(folder, options.scale, !options.scales.empty());
-    std::vector<std::string> arguments{"gnome-shell", "--headless", "--unsafe-mode"};
-    for (const auto& monitor : options.monitors) {
-        arguments.insert(arguments.end(), {"--virtual-monitor", monitor});
+    std::vector<std::string> arguments{"gnome-shell", "--unsafe-mode"};
+    Environment ofShell = environment;
+    if (options.screen.empty()) {
+        arguments.emplace_back("--headless");
+        for (const auto& monitor : options.monitors) {
+            arguments.insert(arguments.end(), {"--virtual-monitor", monitor});
+        }
+    } else {
+        arguments.insert(arguments.end(), {"--nested", "--wayland"});
+        ofShell["DISPLAY"] = options.screen;
+        ofShell["MUTTER_DEBUG_DUMMY_MODE_SPECS"] = options.monitors.front();
     }
     return {.arguments = arguments,
-            .environment = environment,
+            .environment = ofShell,
             .output = folder / "shell.out",
             .errors = folder / "shell.err",
             .signalOnParentDeath = SIGTERM};
@@ -105,7 +113,9 @@ GnomeSession::GnomeSession(const Options& options)
     if (!options.scales.empty()) {
         setScales(options.scales);
     }
-    startInput();
+    if (options.screen.empty()) {
+        startInput();
+    }
 }
 
 GnomeSession::~GnomeSession() {

@@ -20,9 +20,9 @@
 
 namespace vantrel::desktop {
 
-// GNOME Shell as a Wayland session without a screen, with buses, home and settings of its own, over
-// a black desktop. It is up, with no overview, once this is constructed. There must be a
-// QCoreApplication.
+// GNOME Shell as a Wayland session, without a screen or shown on an X server, with buses, home and
+// settings of its own, over a black desktop. It is up, with no overview, once this is constructed.
+// There must be a QCoreApplication.
 class GnomeSession {
 public:
     struct Options {
@@ -32,6 +32,9 @@ public:
         std::vector<double> scales{};
         // In which the shell finds extensions, besides those of the system.
         std::filesystem::path dataFolder{};
+        // Of the X server that shows the first monitor and has the pointer and the keyboard, for
+        // none other can be had then. Up to GNOME 48.
+        std::string screen{};
     };
     // Throws when it does not come up.
     explicit GnomeSession(const Options& options);

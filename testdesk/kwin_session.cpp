@@ -1,5 +1,6 @@
 #include "testdesk/kwin_session.h"
 
+#include "testdesk/kwin_command.h"
 #include "testdesk/screen_capture.h"
 #include "testdesk/wait.h"
 
@@ -24,26 +25,6 @@ using namespace std::chrono_literals;
 
 constexpr PixelSize outputSize{1280, 720};
 const auto kwinService = QStringLiteral("org.kde.KWin");
-
-int readVersion() {
-    const TemporaryFolder folder;
-    ChildProcess({.arguments = {"kwin_wayland", "--version"},
-                  .environment = minimalEnvironment(),
-                  .output = folder / "version"})
-        .wait(10s);
-    const auto text = readFile(folder / "version");
-    const auto digit = text.find_first_of("0123456789");
-    return digit == std::string::npos ? 0 : std::stoi(text.substr(digit));
-}
-
-std::string pathOf(const std::string& program) {
-    for (const auto* folder : {"/usr/bin/", "/usr/local/bin/"}) {
-        if (std::filesystem::exists(folder + program)) {
-            return folder + program;
-        }
-    }
-    throw std::runtime_error("no " + program);
-}
 
 // What KWin writes on a pipe, meanwhile.
 class PipeReader {
@@ -104,20 +85,11 @@ void placeOutputs(const std::string& display) {
 
 KWinSession::KWinSession(const Options& options)
     : options_(options),
-      version_(readVersion()),
+      version_(kwinVersion()),
       sessionBus_(folder_ / "session_bus"),
       bus_(QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()),
                                          QString::fromStdString(sessionBus_.address()))) {
-    const auto& folder = folder_.path();
-    environment_ = environmentIn(folder);
-    environment_["XDG_DATA_DIRS"] = options.dataFolder.string() + ":/usr/local/share:/usr/share";
-    environment_["XDG_SESSION_TYPE"] = "wayland";
-    environment_["XDG_CURRENT_DESKTOP"] = "KDE";
-    environment_["DBUS_SESSION_BUS_ADDRESS"] = sessionBus_.address();
-    environment_["LIBGL_ALWAYS_SOFTWARE"] = "1";
-    makeRuntimeFolder(folder);
-    // A copy has no capabilities, in the presence of which KWin takes no options from outside.
-    std::filesystem::copy_file(pathOf("kwin_wayland"), folder / "kwin_wayland");
+    environment_ = kwinEnvironment(folder(), sessionBus_.address(), options.dataFolder);
     if (version_ > 5) {
         screen_.emplace(
             PrivateServer::virtualScreen({outputSize.width * options.outputs, outputSize.height}));
@@ -130,49 +102,19 @@ KWinSession::~KWinSession() {
 }
 
 void KWinSession::start() {
-    const auto& folder = folder_.path();
-    std::vector<std::string> arguments{"kwin_wayland_wrapper",
-                                       "--no-lockscreen",
-                                       "--width",
-                                       std::to_string(outputSize.width),
-                                       "--height",
-                                       std::to_string(outputSize.height),
-                                       "--output-count",
-                                       std::to_string(options_.outputs),
-                                       "--scale",
-                                       std::to_string(options_.scale)};
-    if (screen_) {
-        arguments.insert(arguments.end(), {"--x11-display", screen_->display()});
-    } else {
-        arguments.emplace_back("--virtual");
-    }
-    if (options_.xwayland) {
-        const auto tell = folder / "tell-display";
-        std::ofstream(tell) << "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY.\" >" << folder / "display"
-                            << "\n";
-        std::filesystem::permissions(tell, std::filesystem::perms::owner_all);
-        arguments.insert(arguments.end(), {"--xwayland", tell});
-    }
-    auto environment = environment_;
-    environment["PATH"] = folder.string() + ":" + environment["PATH"];
-    environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
-    environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
-    // Without it there are no effects where nothing but the processor draws.
-    environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1";
-    environment["QT_FORCE_STDERR_LOGGING"] = "1";
-    environment["QT_LOGGING_RULES"] = "kwin_scripting=true;js=true;qml=true";
-    kwin_.emplace(Command{.arguments = arguments,
-                          .environment = environment,
-                          .output = folder / "kwin.out",
-                          .errors = folder / "kwin.err",
-                          .signalOnParentDeath = SIGTERM});
+    kwin_.emplace(kwinCommand(folder(), environment_,
+                              {.size = outputSize,
+                               .outputs = options_.outputs,
+                               .scale = options_.scale,
+                               .xwayland = options_.xwayland,
+                               .screen = screen_ ? screen_->display() : ""}));
     awaitReady();
 }
 
 void KWinSession::awaitReady() {
     const auto isReady = [&] {
         return bus_.interface()->isServiceRegistered(kwinService).value() &&
-               (!options_.xwayland || readFile(folder() / "display").ends_with(".\n"));
+               (!options_.xwayland || environment().contains("DISPLAY"));
     };
     if (!waitFor([&] { return !kwin_->running() || isReady(); }, 30s) || !kwin_->running()) {
         throw std::runtime_error("KWin did not start: " + readFile(folder() / "kwin.err"));
@@ -202,16 +144,7 @@ pid_t KWinSession::pid() const {
 Environment KWinSession::environment() const {
     auto environment = environment_;
     environment["WAYLAND_DISPLAY"] = "wayland-0";
-    if (options_.xwayland) {
-        std::ifstream file(folder() / "display");
-        std::string authority;
-        file >> environment["DISPLAY"] >> authority;
-        authority.pop_back();
-        if (!authority.empty()) {
-            environment["XAUTHORITY"] = authority;
-        }
-    }
-    return environment;
+    return options_.xwayland ? withXwaylandOf(folder(), environment) : environment;
 }
 
 NativeWindow KWinSession::startFullScreenWindow() const {

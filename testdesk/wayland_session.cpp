@@ -1,63 +1,44 @@
 #include "testdesk/wayland_session.h"
 
+#include "testdesk/compositor.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/x_connection.h"
 
 #include <fstream>
-#include <utility>
-
-#include <unistd.h>
+#include <sstream>
 
 namespace vantrel::desktop {
 namespace {
 
-// The display of its Xwayland is written down once that takes connections of every user.
+// What programs need to know is written down once its Xwayland takes connections of every user.
 std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
-                                         const xcb_screen_t& screen) {
+                                         const xcb_screen_t& screen, const std::string& rules) {
     std::ofstream(folder / "sway.config")
         << "xwayland force\n"
-        << "default_floating_border none\n"
-        << "for_window [shell=\"xwayland\"] floating enable, move absolute position 0 0\n"
-        << "output * resolution " << screen.width_in_pixels << "x" << screen.height_in_pixels
-        << "\nexec xhost + && echo $DISPLAY >" << folder / "display"
+        << "default_border none\ndefault_floating_border none\n"
+        << rules << "output * resolution " << screen.width_in_pixels << "x"
+        << screen.height_in_pixels << "\nexec xhost + && echo $DISPLAY $WAYLAND_DISPLAY ready >"
+        << folder / "names"
         << "\n";
     return folder / "sway.config";
 }
 
-} // namespace
-
-std::vector<std::string> asOrdinaryUser(std::vector<std::string> command) {
-    if (geteuid() == 0) {
-        const std::vector<std::string> asNobody{"setpriv",
-                                                "--reuid=65534",
-                                                "--regid=65534",
-                                                "--clear-groups",
-                                                "--inh-caps=+dac_override",
-                                                "--ambient-caps=+dac_override"};
-        command.insert(command.begin(), asNobody.begin(), asNobody.end());
-    }
-    return command;
-}
-
-namespace {
-
-ChildProcess startSway(const PrivateServer& server, std::string& display) {
+ChildProcess startSway(const PrivateServer& server, const std::string& rules, std::string& display,
+                       std::string& socket) {
     const XConnection connection(server.display());
-    return startDesktopProgram(
-        server,
-        asOrdinaryUser(
-            {"sway", "--config", writeConfiguration(server.folder(), connection.screen())}),
-        [&] {
-            const std::string written = readFile(server.folder() / "display");
-            display = written.substr(0, written.find('\n'));
-            return display.size() < written.size();
-        },
-        {{"WLR_BACKENDS", "x11"}, {"WLR_RENDERER", "pixman"}});
+    const auto configuration = writeConfiguration(server.folder(), connection.screen(), rules);
+    return startDesktopProgram(server, asOrdinaryUser({"sway", "--config", configuration}),
+                               [&] {
+                                   std::istringstream names(readFile(server.folder() / "names"));
+                                   std::string ready;
+                                   return static_cast<bool>(names >> display >> socket >> ready);
+                               },
+                               {{"WLR_BACKENDS", "x11"}, {"WLR_RENDERER", "pixman"}});
 }
 
 } // namespace
 
-WaylandSession::WaylandSession(const PrivateServer& server)
-    : compositor_(startSway(server, display_)) {}
+WaylandSession::WaylandSession(const PrivateServer& server, const std::string& rules)
+    : compositor_(startSway(server, rules, display_, socket_)) {}
 
 } // namespace vantrel::desktop

@@ -3,27 +3,28 @@
 #include "testdesk/private_server.h"
 
 #include <string>
-#include <vector>
 
 namespace vantrel::desktop {
 
-// A Wayland session, with an Xwayland, as one window over the whole of a private X server: input
-// for that server is input for the session, and its screen is what the session shows.
+// sway as a Wayland session, with an Xwayland, as one window over the whole of a private X server:
+// input for that server is input for the session, and its screen is what the session shows.
 class WaylandSession {
 public:
-    // Throws when it does not come up.
-    explicit WaylandSession(const PrivateServer& server);
+    // With windows of X programs as these lines of its configuration say. Throws when it does not
+    // come up.
+    explicit WaylandSession(const PrivateServer& server,
+                            const std::string& rules = "for_window [shell=\"xwayland\"] floating "
+                                                       "enable, move absolute position 0 0\n");
 
     // Of the Xwayland.
     [[nodiscard]] const std::string& display() const { return display_; }
+    // As WAYLAND_DISPLAY has it.
+    [[nodiscard]] const std::string& socket() const { return socket_; }
 
 private:
     std::string display_;
+    std::string socket_;
     ChildProcess compositor_;
 };
-
-// A compositor's command. Root, as whom sway refuses to run, becomes nobody for it, with the right
-// to write where root does.
-[[nodiscard]] std::vector<std::string> asOrdinaryUser(std::vector<std::string> command);
 
 } // namespace vantrel::desktop

@@ -1,11 +1,9 @@
 #include "testdesk/wlroots_session.h"
 
 #include "testdesk/wait.h"
-#include "testdesk/wayland_session.h"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -19,19 +17,6 @@ namespace vantrel::desktop {
 namespace {
 
 using namespace std::chrono_literals;
-
-struct Traits {
-    std::string name;
-    // Of the first that tells where the pointer is.
-    int major = 0;
-    int minor = 0;
-};
-
-const Traits& traitsOf(Compositor compositor) {
-    static const Traits sway{"sway", 1, 11};
-    static const Traits labwc{"labwc", 0, 9};
-    return compositor == Compositor::sway ? sway : labwc;
-}
 
 // What programs need to know is written down once its Xwayland takes connections of every user.
 std::vector<std::string> commandOf(Compositor compositor, const std::filesystem::path& folder) {
@@ -146,24 +131,6 @@ WlrootsSession::WlrootsSession(Compositor compositor, const std::vector<Headless
 
 WlrootsSession::~WlrootsSession() = default;
 
-bool WlrootsSession::followsPointers(Compositor compositor) {
-    const auto& [name, firstMajor, firstMinor] = traitsOf(compositor);
-    const TemporaryFolder folder;
-    // By a shell, which does not mind when there is none.
-    ChildProcess({.arguments = {"sh", "-c", name + " --version"},
-                  .environment = minimalEnvironment(),
-                  .output = folder / "version"})
-        .wait(10s);
-    const auto version = readFile(folder / "version");
-    const auto digits = version.find_first_of("0123456789");
-    int major = 0;
-    int minor = 0;
-    return digits != std::string::npos &&
-           // NOLINTNEXTLINE(cert-err34-c): a version that is none counts as an old one.
-           std::sscanf(version.c_str() + digits, "%d.%d", &major, &minor) == 2 &&
-           std::pair(major, minor) >= std::pair(firstMajor, firstMinor);
-}
-
 ChildProcess WlrootsSession::start(Compositor compositor, std::size_t outputs) {
     makeRuntimeFolder(folder());
     auto environment = environmentIn(folder());
@@ -183,7 +150,7 @@ ChildProcess WlrootsSession::start(Compositor compositor, std::size_t outputs) {
         },
         20s);
     if (!isUp || !process.running()) {
-        throw std::runtime_error(traitsOf(compositor).name +
+        throw std::runtime_error(nameOf(compositor) +
                                  " did not start: " + readFile(folder() / "compositor.err"));
     }
     return process;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "testdesk/child_process.h"
+#include "testdesk/compositor.h"
 #include "testdesk/temporary_folder.h"
 
 #include <QImage>
@@ -13,8 +14,6 @@
 #include <vector>
 
 namespace vantrel::desktop {
-
-enum class Compositor : std::uint8_t { sway, labwc };
 
 // One after the other; its place is in points.
 struct HeadlessOutput {
@@ -33,9 +32,6 @@ public:
     ~WlrootsSession();
     WlrootsSession(const WlrootsSession&) = delete;
     WlrootsSession& operator=(const WlrootsSession&) = delete;
-
-    // Whether the one that is installed, if any, tells programs where the pointer is.
-    [[nodiscard]] static bool followsPointers(Compositor compositor);
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     // For programs of the session.

@@ -29,7 +29,7 @@ using namespace std::chrono_literals;
 
 // Debian 12 and 13 have none that tells programs where the pointer is.
 #define SKIP_WITHOUT_CURSOR_SESSIONS(compositor)                                                   \
-    if (!WlrootsSession::followsPointers(compositor)) {                                            \
+    if (!followsPointers(compositor)) {                                                            \
         GTEST_SKIP() << "none that has cursor sessions";                                           \
     }
 
@@ -74,10 +74,6 @@ bool isBlack(const QImage& picture) {
     QImage black(picture.size(), picture.format());
     black.fill(Qt::black);
     return picture == black;
-}
-
-std::string nameOf(Compositor compositor) {
-    return compositor == Compositor::sway ? "sway" : "labwc";
 }
 
 class WlrootsLookTest : public testing::TestWithParam<std::tuple<Compositor, double>> {};
@@ -245,7 +241,7 @@ TEST_P(WlrootsTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsCl
 }
 
 TEST(WlrootsProgramTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer) {
-    if (WlrootsSession::followsPointers(Compositor::sway)) {
+    if (followsPointers(Compositor::sway)) {
         GTEST_SKIP() << "this sway has cursor sessions";
     }
     WlrootsSession session(Compositor::sway);
