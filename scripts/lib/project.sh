@@ -47,6 +47,11 @@ demo_packages=(
     "${desktop_packages[@]}"
     dmz-cursor-theme ffmpeg fonts-inter fonts-jetbrains-mono libxcursor1
 )
+# Besides those, for the sessions that the demo can be played in.
+x11_session_packages=()
+gnome_session_packages=("${gnome_packages[@]}" dbus-daemon)
+kde_session_packages=("${kwin_packages[@]}" dbus-daemon)
+sway_session_packages=(sway x11-xserver-utils xwayland)
 screenshot_packages=(
     "${desktop_packages[@]}" "${gnome_packages[@]}"
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer

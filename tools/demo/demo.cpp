@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
@@ -16,19 +17,56 @@
 namespace vantrel::demo {
 namespace {
 
-void play(const std::filesystem::path& program, const std::filesystem::path& folder,
-          bool shortForm) {
+struct Task {
+    std::filesystem::path program;
+    std::filesystem::path folder; // for video and pictures
+    SessionKind session = SessionKind::x11;
+    bool shortForm = false;
+};
+
+std::optional<Task> taskOf(std::span<char*> words) {
+    if (words.size() < 3) {
+        return std::nullopt;
+    }
+    Task task{.program = std::filesystem::absolute(words[1]), .folder = words[2]};
+    words = words.subspan(3);
+    while (!words.empty()) {
+        if (std::string_view(words[0]) == "--short") {
+            task.shortForm = true;
+            words = words.subspan(1);
+            continue;
+        }
+        const auto named = words.size() > 1 ? sessionNamed(words[1]) : std::nullopt;
+        if (std::string_view(words[0]) != "--session" || !named) {
+            return std::nullopt;
+        }
+        task.session = *named;
+        words = words.subspan(2);
+    }
+    return task;
+}
+
+void play(const Task& task) {
+    const auto& [program, folder, session, shortForm] = task;
     if (access(program.c_str(), X_OK) != 0) {
         throw std::runtime_error("there is no program " + program.string());
     }
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     std::puts("Starting a private desktop");
-    Show show(program, folder);
-    show.stage().setCaption(scenes().front().caption);
+    std::fflush(stdout);
+    Show show(session, program, folder);
+    if (!show.session().tellsOfClicks) {
+        std::puts("Without click effects, as nothing tells programs of clicks there");
+    }
+    if (!show.session().hasShortcuts) {
+        std::puts("By commands, as programs can have no shortcuts there");
+    }
+    const auto allScenes = scenes(show.session());
+    show.stage().setCaption(allScenes.front().caption);
     prepare(show);
     Recorder recorder(show.server(), folder / "vantrel.mp4");
-    for (const Scene& scene : scenes()) {
+    for (const Scene& scene : allScenes) {
         if (scene.inShortForm || !shortForm) {
             std::printf("  %s\n", qUtf8Printable(scene.caption.title));
             std::fflush(stdout);
@@ -41,10 +79,10 @@ void play(const std::filesystem::path& program, const std::filesystem::path& fol
                 (folder / "*.png").c_str());
 }
 
-int run(const std::filesystem::path& program, const std::filesystem::path& folder, bool shortForm) {
+int run(const Task& task) {
     try {
         catchInterruptions();
-        play(program, folder, shortForm);
+        play(task);
         return EXIT_SUCCESS;
     } catch (const Interrupted&) {
         std::fputs("The demo was interrupted.\n", stderr);
@@ -59,13 +97,15 @@ int run(const std::filesystem::path& program, const std::filesystem::path& folde
 } // namespace vantrel::demo
 
 int main(int argc, char** argv) {
-    const bool shortForm = argc == 4 && std::string_view(argv[3]) == "--short";
-    if (argc != 3 && !shortForm) {
-        std::fputs("usage: vantrel_demo <vantrel> <folder for the pictures> [--short]\n", stderr);
+    const auto task = vantrel::demo::taskOf({argv, static_cast<std::size_t>(argc)});
+    if (!task) {
+        std::fputs("usage: vantrel_demo <vantrel> <folder for the pictures> [--short] "
+                   "[--session x11|gnome|kde|sway]\n",
+                   stderr);
         return 2;
     }
     // It paints the stage, and has no windows of its toolkit.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    return vantrel::demo::run(argv[1], argv[2], shortForm);
+    return vantrel::demo::run(*task);
 }

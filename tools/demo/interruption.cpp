@@ -42,12 +42,15 @@ void sleepUntil(std::chrono::steady_clock::time_point moment) {
     throwIfInterrupted();
 }
 
-void expect(const std::string& what, const std::function<bool()>& condition) {
-    const bool held = desktop::waitFor([&] {
+bool waitUninterrupted(const std::function<bool()>& condition) {
+    return desktop::waitFor([&] {
         throwIfInterrupted();
         return condition();
     });
-    if (!held) {
+}
+
+void expect(const std::string& what, const std::function<bool()>& condition) {
+    if (!waitUninterrupted(condition)) {
         throw std::runtime_error("not seen on the screen: " + what);
     }
 }

@@ -15,6 +15,9 @@ void catchInterruptions();
 
 void sleepUntil(std::chrono::steady_clock::time_point moment);
 
+// Whether the condition comes to hold within ten seconds.
+[[nodiscard]] bool waitUninterrupted(const std::function<bool()>& condition);
+
 // Throws, and says what was not seen, when the condition does not come to hold within ten seconds.
 void expect(const std::string& what, const std::function<bool()>& condition);
 

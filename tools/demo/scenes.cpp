@@ -52,7 +52,7 @@ void plainDesktop(Show& show) {
 }
 
 void filled(Show& show) {
-    show.toggle('h', true);
+    show.toggle("highlight", true);
     show.hand().rest(500ms);
     for (const PixelPoint place : {firstPoint, secondPoint, thirdPoint}) {
         show.hand().moveTo(place, 700ms);
@@ -129,7 +129,7 @@ void laserHigh(Show& show) {
 }
 
 void switchedOff(Show& show) {
-    show.toggle('l', false);
+    show.toggle("laser", false);
     show.hand().moveTo(aside, 1000ms);
     show.hand().rest(800ms);
 }
@@ -145,22 +145,28 @@ Scene scene(const char* heading, const char* detail, bool inShortForm, void (*pl
 // The shortcuts work from the moment on that an effect is shown, so one is shown first.
 void prepare(Show& show) {
     show.startVantrel(highlight("filled", 0.4, yellow));
-    show.toggle('h', false);
+    show.toggle("highlight", false);
 }
 
-const std::vector<Scene>& scenes() {
-    static const std::vector<Scene> all{
+std::vector<Scene> scenes(const Session& session) {
+    const bool keys = session.hasShortcuts;
+    const bool clicks = session.tellsOfClicks;
+    const char* toggleLaser = keys ? "Control + Alt + L" : "vantrel toggle laser";
+    return {
         scene("Where is the pointer?", "an ordinary desktop", true, plainDesktop),
-        scene("Highlight: filled", "Control + Alt + H · a ripple at each click", true, filled),
-        scene("Highlight: ring", "a pulse at each click", false, ring),
+        scene("Highlight: filled",
+              keys ? "Control + Alt + H · a ripple at each click" : "vantrel toggle highlight",
+              true, filled),
+        scene("Highlight: ring", clicks ? "a pulse at each click" : "clicks go through it", false,
+              ring),
         scene("Highlight: glow", "in any colour, size and opacity", false, glow),
         scene("Hidden while it rests", "back with the next movement", false, idleHiding),
-        scene("Laser: low glow", "Control + Alt + L", false, laserLow),
-        scene("Laser: medium glow", "Control + Alt + L", false, laserMedium),
-        scene("Laser: high glow", "Control + Alt + L", true, laserHigh),
-        scene("Off", "the same shortcut again", true, switchedOff),
+        scene("Laser: low glow", toggleLaser, false, laserLow),
+        scene("Laser: medium glow", toggleLaser, false, laserMedium),
+        scene("Laser: high glow", toggleLaser, true, laserHigh),
+        scene("Off", keys ? "the same shortcut again" : "the same command again", true,
+              switchedOff),
     };
-    return all;
 }
 
 } // namespace vantrel::demo

@@ -18,6 +18,6 @@ struct Scene {
 void prepare(Show& show);
 
 // In the order in which they are played. Each finds Vantrel as the one before left it.
-[[nodiscard]] const std::vector<Scene>& scenes();
+[[nodiscard]] std::vector<Scene> scenes(const Session& session);
 
 } // namespace vantrel::demo

@@ -2,7 +2,6 @@
 
 #include "interruption.h"
 #include "photograph.h"
-#include "testdesk/desktop_programs.h"
 #include "testdesk/screen_capture.h"
 
 #include <algorithm>
@@ -14,6 +13,7 @@ namespace vantrel::demo {
 namespace {
 
 constexpr desktop::PixelPoint start{1130, 560};
+constexpr std::chrono::seconds commandLimit(10);
 
 bool differs(std::uint32_t one, std::uint32_t other) {
     constexpr int noticeable = 6;
@@ -36,27 +36,37 @@ bool anyPixel(const desktop::Picture& picture,
 
 } // namespace
 
-Show::Show(std::filesystem::path program, std::filesystem::path folder)
+Show::Show(SessionKind kind, std::filesystem::path program, std::filesystem::path folder)
     : program_(std::move(program)),
       folder_(std::move(folder)),
       server_(stageServer()),
-      windowManager_(desktop::startWindowManager(server_)),
-      compositingManager_(desktop::startCompositingManager(server_)),
-      stage_(server_.display()),
+      session_(startSession(kind, server_, program_.parent_path().parent_path() / "share")),
+      stage_({.screen = server_.display(),
+              .display = session_->environment.at("DISPLAY"),
+              .inOneWindow = !session_->placesWindows}),
       hand_(server_.display(), start) {}
 
 void Show::startVantrel(const nlohmann::json& preferences) {
     if (vantrel_) {
         vantrel_->terminate();
     }
-    vantrel_.emplace(desktop::startVantrel(server_, program_, {.preferences = preferences}));
+    auto environment = session_->environment;
+    // The toolkit's own choice, as in any session.
+    environment.try_emplace("QT_QPA_PLATFORM");
+    vantrel_.emplace(desktop::startVantrel(
+        server_, program_, {.preferences = preferences, .environment = environment}));
     waitForEffect(preferences.at("lastMode") != "off");
+    checkMeans();
 }
 
-void Show::toggle(char key, bool shown) {
-    constexpr std::uint32_t control = 0xFFE3;
-    constexpr std::uint32_t alt = 0xFFE9;
-    hand_.type({control, alt, static_cast<std::uint32_t>(key)});
+void Show::toggle(const std::string& mode, bool shown) {
+    if (session_->hasShortcuts) {
+        constexpr std::uint32_t control = 0xFFE3;
+        constexpr std::uint32_t alt = 0xFFE9;
+        hand_.type({control, alt, mode == "laser" ? std::uint32_t{'l'} : std::uint32_t{'h'}});
+    } else {
+        command({"toggle", mode}).wait(commandLimit);
+    }
     waitForEffect(shown);
 }
 
@@ -64,11 +74,15 @@ void Show::click(const std::string& still, desktop::Button button) {
     const int presses = stage_.presses();
     const desktop::Picture before = aroundPointer();
     hand_.press(button);
-    expectOfVantrel("the ring of a click", [&] { return ringIsShown(before); });
-    const QImage picture = photograph(stage_.connection());
+    if (session_->tellsOfClicks) {
+        expectOfVantrel("the ring of a click", [&] { return ringIsShown(before); });
+    }
+    const QImage picture = photograph(stage_.screen());
     expect("the click in the window beneath", [&] { return stage_.presses() == presses + 1; });
     hand_.release(button);
-    save(picture, folder_ / (still + ".png"));
+    if (session_->tellsOfClicks) {
+        save(picture, folder_ / (still + ".png"));
+    }
 }
 
 void Show::waitForEffect(bool shown) {
@@ -77,20 +91,45 @@ void Show::waitForEffect(bool shown) {
 }
 
 void Show::takeStill(const std::string& name) {
-    save(photograph(stage_.connection()), folder_ / (name + ".png"));
+    save(photograph(stage_.screen()), folder_ / (name + ".png"));
 }
 
 desktop::Picture Show::aroundPointer() const {
     constexpr int reach = 40;
     const auto place = hand_.place();
-    return desktop::captureScreen(stage_.connection(),
+    return desktop::captureScreen(stage_.screen(),
                                   {place.x - reach, place.y - reach, 2 * reach, 2 * reach});
 }
 
+desktop::ChildProcess Show::command(std::vector<std::string> words,
+                                    const std::filesystem::path& output) const {
+    words.insert(words.begin(), program_);
+    return desktop::ChildProcess(
+        {.arguments = words, .environment = session_->environment, .output = output});
+}
+
+// What is seen is also what Vantrel says, and not a makeshift.
+void Show::checkMeans() {
+    const auto file = server_.folder() / "status.json";
+    const bool isSo = waitUninterrupted([&] {
+        command({"status", "--json"}, file).wait(commandLimit);
+        const auto status = nlohmann::json::parse(desktop::readFile(file), nullptr, false);
+        return status.is_object() && status.at("marks") == session_->marks &&
+               status.at("presses").is_null() != session_->tellsOfClicks;
+    });
+    if (!isSo) {
+        throw std::runtime_error("Vantrel says of itself " + desktop::readFile(file));
+    }
+}
+
+// The pointer itself, below and to the right of its place, is no effect.
 bool Show::effectIsShown() const {
     const desktop::Picture screen = aroundPointer();
+    const auto tip = hand_.place();
+    constexpr int edge = 3;
     return anyPixel(screen, [&](desktop::PixelPoint place) {
-        return differs(screen.at(place), stage_.pictureAt(place));
+        return (place.x < tip.x - edge || place.y < tip.y - edge) &&
+               differs(screen.at(place), stage_.pictureAt(place));
     });
 }
 

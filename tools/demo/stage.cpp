@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <string_view>
 
 #include <QPainter>
 
@@ -25,6 +26,9 @@ void setProperty(const desktop::XConnection& connection, xcb_window_t window, xc
 // Asks the window manager to leave the window without a frame, and where it was put.
 void describe(const desktop::XConnection& connection, xcb_window_t window, const QRect& area,
               const std::string& type) {
+    constexpr std::string_view name("presentation\0Presentation\0", 26);
+    xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, name.size(), name.data());
     const xcb_atom_t hints = connection.atom("_MOTIF_WM_HINTS");
     setProperty(connection, window, hints, hints, {2, 0, 0, 0, 0});
     const auto x = static_cast<std::uint32_t>(area.x());
@@ -46,16 +50,19 @@ desktop::PrivateServer stageServer() {
     return server;
 }
 
-Stage::Stage(const std::string& display)
-    : connection_(display),
-      desktop_(open(QRect({0, 0}, stageSize), "_NET_WM_WINDOW_TYPE_DESKTOP")),
-      slide_(open(slideArea, "_NET_WM_WINDOW_TYPE_NORMAL")),
-      editor_(open(editorArea, "_NET_WM_WINDOW_TYPE_NORMAL")) {
+Stage::Stage(const Place& place)
+    : screen_(place.screen),
+      connection_(place.display),
+      desktop_(open(connection_.root(), QRect({0, 0}, stageSize), "_NET_WM_WINDOW_TYPE_DESKTOP")),
+      slide_(open(place.inOneWindow ? desktop_ : connection_.root(), slideArea,
+                  "_NET_WM_WINDOW_TYPE_NORMAL")),
+      editor_(open(place.inOneWindow ? desktop_ : connection_.root(), editorArea,
+                   "_NET_WM_WINDOW_TYPE_NORMAL")) {
     setCaption({});
     for (const QRect& area : {slideArea, editorArea}) {
         const desktop::PixelPoint inside{area.x() + 8, area.y() + 80};
         expect("the slide and the editor",
-               [&] { return desktop::pixelAt(connection_, inside) == pictureAt(inside); });
+               [&] { return desktop::pixelAt(screen_, inside) == pictureAt(inside); });
     }
 }
 
@@ -75,10 +82,10 @@ int Stage::presses() {
     return presses_;
 }
 
-xcb_window_t Stage::open(const QRect& area, const std::string& type) {
+xcb_window_t Stage::open(xcb_window_t parent, const QRect& area, const std::string& type) {
     const xcb_window_t window = xcb_generate_id(connection_.get());
     constexpr std::uint32_t events = XCB_EVENT_MASK_BUTTON_PRESS;
-    xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, connection_.root(),
+    xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, parent,
                       static_cast<std::int16_t>(area.x()), static_cast<std::int16_t>(area.y()),
                       static_cast<std::uint16_t>(area.width()),
                       static_cast<std::uint16_t>(area.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,

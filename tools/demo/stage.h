@@ -18,9 +18,15 @@ namespace vantrel::demo {
 // reach what lies beneath the effects.
 class Stage {
 public:
-    explicit Stage(const std::string& display); // returns once everything is on the screen
+    struct Place {
+        std::string screen;  // the display that shows it
+        std::string display; // that one, or of an Xwayland which is shown there
+        bool inOneWindow = false;
+    };
+    // Returns once everything is on the screen.
+    explicit Stage(const Place& place);
 
-    [[nodiscard]] const desktop::XConnection& connection() const { return connection_; }
+    [[nodiscard]] const desktop::XConnection& screen() const { return screen_; }
     void setCaption(const Caption& caption);
     // What is on the screen there when nothing lies above the windows: 0x00RRGGBB.
     [[nodiscard]] std::uint32_t pictureAt(desktop::PixelPoint place) const;
@@ -28,11 +34,12 @@ public:
     int presses();
 
 private:
-    xcb_window_t open(const QRect& area, const std::string& type);
+    xcb_window_t open(xcb_window_t parent, const QRect& area, const std::string& type);
     void show(xcb_window_t window, const QRect& area, const QImage& image);
     void showWindows();
     void take(const xcb_generic_event_t& event);
 
+    desktop::XConnection screen_;
     desktop::XConnection connection_;
     QImage picture_{stageSize, QImage::Format_RGB32};
     xcb_window_t desktop_ = XCB_NONE;

@@ -32,7 +32,7 @@ Desk::Desk(std::filesystem::path program, std::filesystem::path folder)
       server_(prepareServer()),
       windowManager_(desktop::startWindowManager(server_)),
       compositingManager_(desktop::startCompositingManager(server_)),
-      stage_(server_.display()),
+      stage_({.screen = server_.display(), .display = server_.display()}),
       tray_(server_),
       input_(server_.display()) {}
 
@@ -58,9 +58,9 @@ desktop::WindowState Desk::openPanel() {
     input_.click();
     std::vector<desktop::WindowState> panels;
     expectOfVantrel("the panel", [&] {
-        panels = desktop::visibleWindows(stage_.connection(),
-                                         {.program = programName, .type = panelType});
-        return !panels.empty() && desktop::hasFocus(stage_.connection(), panels.front().id);
+        panels =
+            desktop::visibleWindows(stage_.screen(), {.program = programName, .type = panelType});
+        return !panels.empty() && desktop::hasFocus(stage_.screen(), panels.front().id);
     });
     return panels.front();
 }
@@ -75,24 +75,24 @@ desktop::WindowState Desk::window(desktop::PixelSize content) {
     expectOfVantrel(
         "a window of " + std::to_string(content.width) + " by " + std::to_string(content.height),
         [&] {
-            windows = desktop::visibleWindows(stage_.connection(), query);
-            return !windows.empty() && desktop::hasFocus(stage_.connection(), windows.front().id);
+            windows = desktop::visibleWindows(stage_.screen(), query);
+            return !windows.empty() && desktop::hasFocus(stage_.screen(), windows.front().id);
         });
     waitForRest(windows.front().area);
     // The window manager has found a place for it meanwhile.
-    return desktop::visibleWindows(stage_.connection(), query).at(0);
+    return desktop::visibleWindows(stage_.screen(), query).at(0);
 }
 
 // The pointer stays until the click has had its effect: the window manager holds a press back, and
 // gives it on where the pointer is by then.
 void Desk::click(const desktop::WindowState& window, desktop::PixelPoint place) {
-    const auto before = desktop::captureScreen(stage_.connection(), window.area);
+    const auto before = desktop::captureScreen(stage_.screen(), window.area);
     desktop::clickIn(input_, window, place);
     waitForRest(window.area);
     parkPointer();
     waitForRest(window.area);
     expectOfVantrel("what a click leads to", [&] {
-        return !(desktop::captureScreen(stage_.connection(), window.area) == before);
+        return !(desktop::captureScreen(stage_.screen(), window.area) == before);
     });
 }
 
@@ -105,22 +105,22 @@ void Desk::parkPointer() {
 }
 
 void Desk::takeWindow(const desktop::WindowState& window, const std::string& name) {
-    takeStage(framed(stage_.connection(), window), name);
+    takeStage(framed(stage_.screen(), window), name);
 }
 
 void Desk::takeStage(const desktop::PixelRect& area, const std::string& name) {
     waitForRest(area);
     const QRect part(area.x, area.y, area.width, area.height);
-    demo::save(demo::photograph(stage_.connection()).copy(part), folder_ / (name + ".png"));
+    demo::save(demo::photograph(stage_.screen()).copy(part), folder_ / (name + ".png"));
 }
 
 void Desk::waitForRest(const desktop::PixelRect& area) {
     using std::chrono::steady_clock;
     constexpr auto rest = 400ms;
-    auto seen = desktop::captureScreen(stage_.connection(), area);
+    auto seen = desktop::captureScreen(stage_.screen(), area);
     auto since = steady_clock::now();
     expectOfVantrel("a picture that does not change", [&] {
-        auto now = desktop::captureScreen(stage_.connection(), area);
+        auto now = desktop::captureScreen(stage_.screen(), area);
         if (now != seen) {
             seen = std::move(now);
             since = steady_clock::now();
