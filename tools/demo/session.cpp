@@ -55,7 +55,7 @@ void requireKWin() {
                                       ? "there is no KWin"
                                       : "the KWin of Plasma " + std::to_string(version) +
                                             " does not draw marks aright on a private X server") +
-                                 "; with that of Plasma 6 it is, from Debian 13,\n"
+                                 "; take that of Plasma 6, in Debian 13:\n"
                                  "    sudo scripts/in-debian 13 scripts/run --demo --session kde");
     }
 }
@@ -109,9 +109,11 @@ void requireSway() {
     }
     const auto version = desktop::versionOf(desktop::Compositor::sway);
     throw std::runtime_error(
-        (version.empty() ? "there is no sway" : "sway " + version) +
-        " that tells programs where the pointer is, as 1.11 and later do; with that of Debian "
-        "unstable it is\n    sudo scripts/test-sway scripts/run --demo --session sway");
+        (version.empty()
+             ? "there is no sway"
+             : "sway " + version + " tells no program where the pointer is, as 1.11 and later do") +
+        "; take that of Debian unstable:\n"
+        "    sudo scripts/test-sway scripts/run --demo --session sway");
 }
 
 } // namespace
