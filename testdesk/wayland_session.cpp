@@ -15,7 +15,7 @@ std::filesystem::path writeConfiguration(const std::filesystem::path& folder,
                                          const xcb_screen_t& screen, const std::string& rules) {
     std::ofstream(folder / "sway.config")
         << "xwayland force\n"
-        << "default_border none\ndefault_floating_border none\n"
+        << "default_floating_border none\n"
         << rules << "output * resolution " << screen.width_in_pixels << "x"
         << screen.height_in_pixels << "\nexec xhost + && echo $DISPLAY $WAYLAND_DISPLAY ready >"
         << folder / "names"

@@ -79,7 +79,7 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
 
 TEST(GnomeTest, RecordsCombinationsThatTheShellTakesOtherwise) {
     const CoreApplication application;
-    const MarkingSession session;
+    const MarkingSession session({.monitors = {"1280x800"}}); // for a window of its full height
     writePreferences(session.folder() / "config", preferencesShowing("off"));
     const ProgramOf vantrel(session);
     const auto program = vantrel.start({"--settings"});

@@ -87,7 +87,8 @@ struct KdeSession final : Session {
 };
 
 struct SwaySession final : Session {
-    explicit SwaySession(const desktop::PrivateServer& server) : sway(server, {}) {
+    explicit SwaySession(const desktop::PrivateServer& server)
+        : sway(server, "default_border none\n") {
         environment = server.environment();
         environment["XDG_SESSION_TYPE"] = "wayland";
         environment["XDG_CURRENT_DESKTOP"] = "sway";
