@@ -125,7 +125,13 @@ Window {
 
     // Presses
 
-    // Called by the effect, with the bits of what was pressed.
+    // Set by the effect: the bits of what was pressed, x, y, and a number that is another each time.
+    property string pressed
+    onPressedChanged: {
+        const [buttons, x, y] = pressed.split(" ").map(Number);
+        press(buttons, x, y);
+    }
+
     function press(buttons, x, y) {
         if (!isShown)
             return;
