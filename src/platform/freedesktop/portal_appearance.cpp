@@ -1,6 +1,7 @@
 #include "platform/freedesktop/portal_appearance.h"
 
 #include "platform/freedesktop/bus_call.h"
+#include "platform/freedesktop/portal.h"
 
 #include <QDBusArgument>
 #include <QDBusVariant>
@@ -13,8 +14,8 @@ namespace vantrel {
 
 namespace {
 
-const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+using portal::path;
+using portal::service;
 const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 const auto anyDesktop = QStringLiteral("org.freedesktop.appearance");
 const auto gnome = QStringLiteral("org.gnome.desktop.interface");

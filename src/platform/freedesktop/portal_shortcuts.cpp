@@ -1,6 +1,7 @@
 #include "platform/freedesktop/portal_shortcuts.h"
 
 #include "platform/freedesktop/bus_call.h"
+#include "platform/freedesktop/portal.h"
 #include "platform/input.h"
 
 #include <QDBusMetaType>
@@ -12,8 +13,8 @@ namespace vantrel {
 
 namespace {
 
-const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
-const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+using portal::path;
+using portal::service;
 const auto interface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
 
 QString idOf(std::uint32_t number) {
