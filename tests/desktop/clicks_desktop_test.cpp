@@ -8,6 +8,7 @@
 
 #include <array>
 #include <optional>
+#include <thread>
 
 #include <xcb/xinput.h>
 
@@ -204,6 +205,24 @@ TEST_F(InputDesktopTest, AServerThatNeverFallsSilentIsHeardAndHoldsNothingUp) {
     };
     EXPECT_EQ(loop.exec(), 0) << echo.heard();
     EXPECT_GT(turns, 10);
+}
+
+TEST_F(InputDesktopTest, AFastMouseHoldsNothingUp) {
+    int motions = 0;
+    ASSERT_TRUE(x11->eventMonitors.addGlobal(maskOf(EventType::mouseMoved),
+                                             [&](const Event& /*event*/) { ++motions; }));
+    settle();
+    const std::jthread mouse([this] {
+        for (int x = 0; x < 1000; ++x) {
+            input.moveTo({x, 100}, SyntheticInput::Wait::no);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    QEventLoop loop;
+    QTimer::singleShot(std::chrono::milliseconds(300), &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_GT(motions, 10);
+    EXPECT_LT(x11->pointer.lastLocation().x, 900);
 }
 
 } // namespace

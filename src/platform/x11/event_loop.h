@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <chrono>
+
 namespace vantrel::x11 {
 
 // Makes the connection one more descriptor of Qt's event loop.
@@ -14,8 +16,13 @@ public:
     explicit EventLoop(Connection& connection);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    void dispatch();
+
     Connection& connection_;
     QSocketNotifier notifier_;
+    Clock::time_point last_; // when something was dispatched
 };
 
 } // namespace vantrel::x11

@@ -105,7 +105,10 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
     case XCB_INPUT_RAW_MOTION:
     case XCB_INPUT_RAW_TOUCH_UPDATE:
         // What came together with an answer needs no question of its own.
-        moved_ = moved_ || !pointer_.answeredSince(event);
+        if (!moved_ && !pointer_.answeredSince(event)) {
+            moved_ = true;
+            pointer_.ask();
+        }
         break;
     case XCB_INPUT_RAW_BUTTON_PRESS:
         notePress(event);

@@ -12,15 +12,28 @@ X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens, const 
 }
 
 std::optional<GlobalPoint> X11Pointer::location() {
-    if (std::exchange(askedIn_, connection_.turn()) != connection_.turn()) {
-        ask();
+    ask();
+    if (question_) {
+        takeAnswer();
     }
     return known_ ? std::optional(lastLocation()) : std::nullopt;
 }
 
 void X11Pointer::ask() {
+    if (std::exchange(askedIn_, connection_.turn()) == connection_.turn()) {
+        return;
+    }
     auto* xcb = connection_.xcb();
-    const auto question = xcb_query_pointer(xcb, connection_.root());
+    if (question_) {
+        xcb_discard_reply(xcb, question_->sequence);
+    }
+    question_ = xcb_query_pointer(xcb, connection_.root());
+    xcb_flush(xcb);
+}
+
+void X11Pointer::takeAnswer() {
+    auto* xcb = connection_.xcb();
+    const auto question = *std::exchange(question_, std::nullopt);
     const Owned<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(xcb, question, nullptr));
     if (reply && reply->same_screen != 0) {
         answered_ = question.sequence;

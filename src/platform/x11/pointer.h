@@ -18,17 +18,21 @@ public:
     // Whether that answer tells of the event as well, as the server sent the event before it.
     [[nodiscard]] bool answeredSince(const xcb_generic_event_t& event) const;
 
-private:
+    // Asks for it already, so that the server answers meanwhile.
     void ask();
+
+private:
+    void takeAnswer();
 
     Connection& connection_;
     const X11Screens& screens_;
     const Clock& clock_;
     QPoint pixel_;
     bool known_ = true;
-    std::uint64_t askedIn_ = 0;               // the turn
-    std::uint32_t answered_ = 0;              // the number of the request
-    std::optional<XwaylandPointer> xwayland_; // where the server is one
+    std::uint64_t askedIn_ = 0;                          // the turn
+    std::optional<xcb_query_pointer_cookie_t> question_; // not answered yet
+    std::uint32_t answered_ = 0;                         // the number of the request
+    std::optional<XwaylandPointer> xwayland_;            // where the server is one
 };
 
 } // namespace vantrel::x11
