@@ -1,5 +1,7 @@
 #include "testdesk/child_process.h"
 
+#include "testdesk/temporary_folder.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
@@ -179,6 +181,20 @@ Environment environmentIn(const std::filesystem::path& folder) {
 void makeRuntimeFolder(const std::filesystem::path& folder) {
     std::filesystem::create_directory(folder / "runtime");
     std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+}
+
+std::string versionToldBy(const std::string& program) {
+    const TemporaryFolder folder;
+    // By a shell, which does not mind when there is no such program.
+    ChildProcess({.arguments = {"sh", "-c", "'" + program + "' --version"},
+                  .environment = minimalEnvironment(),
+                  .output = folder / "version"})
+        .wait(10s);
+    const auto text = readFile(folder / "version");
+    const auto start = text.find_first_of("0123456789");
+    return start == std::string::npos
+               ? ""
+               : text.substr(start, text.find_first_not_of("0123456789.", start) - start);
 }
 
 std::string readFile(const std::filesystem::path& path) {

@@ -61,6 +61,10 @@ private:
 // What must be there of such a home: the folder for sockets.
 void makeRuntimeFolder(const std::filesystem::path& folder);
 
+// The first number with points, such as "1.12", that the program tells with --version; empty where
+// there is none.
+[[nodiscard]] std::string versionToldBy(const std::string& program);
+
 [[nodiscard]] std::string readFile(const std::filesystem::path& path);
 
 } // namespace vantrel::desktop

@@ -1,9 +1,7 @@
 #include "testdesk/compositor.h"
 
 #include "testdesk/child_process.h"
-#include "testdesk/temporary_folder.h"
 
-#include <chrono>
 #include <cstdio>
 #include <utility>
 
@@ -11,24 +9,12 @@
 
 namespace vantrel::desktop {
 
-using namespace std::chrono_literals;
-
 std::string nameOf(Compositor compositor) {
     return compositor == Compositor::sway ? "sway" : "labwc";
 }
 
 std::string versionOf(Compositor compositor) {
-    const TemporaryFolder folder;
-    // By a shell, which does not mind when there is none.
-    ChildProcess({.arguments = {"sh", "-c", nameOf(compositor) + " --version"},
-                  .environment = minimalEnvironment(),
-                  .output = folder / "version"})
-        .wait(10s);
-    const auto text = readFile(folder / "version");
-    const auto digits = text.find_first_of("0123456789");
-    return digits == std::string::npos
-               ? ""
-               : text.substr(digits, text.find_first_of(" \n", digits) - digits);
+    return versionToldBy(nameOf(compositor));
 }
 
 bool followsPointers(Compositor compositor) {

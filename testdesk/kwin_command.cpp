@@ -2,14 +2,11 @@
 
 #include "testdesk/temporary_folder.h"
 
-#include <chrono>
 #include <fstream>
 #include <stdexcept>
 
 namespace vantrel::desktop {
 namespace {
-
-using namespace std::chrono_literals;
 
 // A copy has no capabilities, in the presence of which KWin takes no options from outside, and does
 // not start where they cannot be had. Whether there is a KWin.
@@ -28,16 +25,9 @@ bool copyInto(const std::filesystem::path& folder) {
 
 int kwinVersion() {
     const TemporaryFolder folder;
-    if (!copyInto(folder.path())) {
-        return 0;
-    }
-    ChildProcess({.arguments = {folder / "kwin_wayland", "--version"},
-                  .environment = minimalEnvironment(),
-                  .output = folder / "version"})
-        .wait(10s);
-    const auto text = readFile(folder / "version");
-    const auto digit = text.find_first_of("0123456789");
-    return digit == std::string::npos ? 0 : std::stoi(text.substr(digit));
+    const auto version =
+        copyInto(folder.path()) ? versionToldBy(folder / "kwin_wayland") : std::string();
+    return version.empty() ? 0 : std::stoi(version);
 }
 
 Environment kwinEnvironment(const std::filesystem::path& folder, const std::string& bus,

@@ -128,14 +128,10 @@ Window {
     // Set by the effect: the bits of what was pressed, x, y, and a number that is another each time.
     property string pressed
     onPressedChanged: {
-        const [buttons, x, y] = pressed.split(" ").map(Number);
-        press(buttons, x, y);
-    }
-
-    function press(buttons, x, y) {
         if (!isShown)
             return;
         noteActivity();
+        const [buttons, x, y] = pressed.split(" ").map(Number);
         const ring = effect.rings.find(({button}) => (button & buttons) !== 0);
         if (ring)
             spareRing().play(ring, x, y);
