@@ -55,6 +55,7 @@ public:
     }
     void unregister(Ref /*ref*/) override {}
     void leaveKeys(bool /*left*/) override {}
+    [[nodiscard]] bool canLeaveKeys() const override { return false; }
 };
 
 class NoOverlayWindows final : public OverlayWindows {

@@ -153,6 +153,8 @@ public:
     // Whether the keys of all combinations, whoever takes them otherwise, go to the window that has
     // the keyboard; as far as the desktop can do that.
     virtual void leaveKeys(bool left) = 0;
+    // Whether that is so of all, so that none is out of reach of whoever records one.
+    [[nodiscard]] virtual bool canLeaveKeys() const = 0;
 };
 
 } // namespace vantrel

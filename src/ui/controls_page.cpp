@@ -81,6 +81,12 @@ QWidget* shortcutsCard(ViewContext& view) {
                                "点击快捷键开始录入，组合中需包含 Control、Option 或 Command。Esc "
                                "取消，Delete 清除。"},
                           captionText.toned(Tone::secondary)),
+                view.showWhile(
+                    paragraph(view,
+                              Text{"Combinations that the desktop uses itself cannot be recorded.",
+                                   "无法录入桌面环境自身使用的组合键。"},
+                              captionText.toned(Tone::secondary)),
+                    [&view] { return !view.desktop().hotKeys.canLeaveKeys(); }),
                 pushButton(view, Text{"Restore default shortcuts", "恢复默认快捷键"},
                            [&view] { restoreDefaults(view); })}));
 }

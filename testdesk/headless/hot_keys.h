@@ -32,6 +32,7 @@ public:
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
     void leaveKeys(bool left) override { keysAreLeft = left; }
+    [[nodiscard]] bool canLeaveKeys() const override { return keysCanBeLeft; }
 
     // As if another program had taken it.
     void lose(const Combination& combination);
@@ -43,6 +44,7 @@ public:
 
     std::vector<Combination> heldByOthers;
     bool keysAreLeft = false;
+    bool keysCanBeLeft = true;
 
 private:
     struct Registration {

@@ -146,20 +146,26 @@ TEST_F(SettingsViewTest, TellsWhatACompositorKeepsToItself) {
     openSettings(SettingsTab::controls);
     setMode(CursorMode::highlight);
     constexpr auto line = "bindsym Ctrl+Mod1+h exec vantrel toggle highlight";
+    constexpr auto taken = "Combinations that the desktop uses itself cannot be recorded.";
     EXPECT_FALSE(says(line));
+    EXPECT_FALSE(says(taken));
     EXPECT_TRUE(says("Click monitoring could not start. Highlight still works. Retry or reopen "
                      "the app."));
     desktop.application.session = {.wayland = true, .layerShell = true, .cursorSessions = true};
+    desktop.hotKeys.keysCanBeLeft = false;
     setMode(CursorMode::off);
     setMode(CursorMode::highlight);
     EXPECT_TRUE(says(line));
+    EXPECT_TRUE(says(taken));
     EXPECT_TRUE(says("This compositor tells no program of clicks in other programs. Highlight "
                      "still works."));
     click("Copy");
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8(line));
+    desktop.hotKeys.keysCanBeLeft = true;
     desktop.marks.set(MarksState::available);
     update();
     EXPECT_FALSE(says(line));
+    EXPECT_FALSE(says(taken));
 }
 
 TEST(CompositorBindingTest, SpeaksAsTheCompositorDoes) {

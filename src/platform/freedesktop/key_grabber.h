@@ -34,6 +34,7 @@ public:
     virtual void grab(const std::vector<KeyGrab>& grabs) = 0;
     // As of hot keys.
     virtual void leaveKeys(bool left) = 0;
+    [[nodiscard]] virtual bool canLeaveKeys() const = 0;
 
     // Those that cannot be had.
     std::function<void(const std::vector<std::uint32_t>& numbers)> onRefused;

@@ -49,6 +49,7 @@ public:
     void grab(const std::vector<KeyGrab>& grabs) override;
     // The portal has no such thing, and asking it anew may ask the user.
     void leaveKeys(bool /*left*/) override {}
+    [[nodiscard]] bool canLeaveKeys() const override { return false; }
 
 private:
     Q_SLOT void respond(uint response, const QVariantMap& results, const QDBusMessage& message);

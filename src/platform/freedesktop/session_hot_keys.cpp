@@ -69,6 +69,10 @@ void SessionHotKeys::leaveKeys(bool left) {
     others_.leaveKeys(left);
 }
 
+bool SessionHotKeys::canLeaveKeys() const {
+    return grabber_.canLeaveKeys() || others_.canLeaveKeys();
+}
+
 // In one go, after all that were registered in this one.
 void SessionHotKeys::grab() {
     refused_ = std::exchange(wanted_, {});

@@ -26,6 +26,7 @@ public:
                                  HotKeyId id) override;
     void unregister(Ref ref) override;
     void leaveKeys(bool left) override;
+    [[nodiscard]] bool canLeaveKeys() const override;
 
 private:
     struct Registration {

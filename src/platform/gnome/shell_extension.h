@@ -74,6 +74,7 @@ public:
     }
     void grab(const std::vector<KeyGrab>& grabs) override;
     void leaveKeys(bool left) override;
+    [[nodiscard]] bool canLeaveKeys() const override { return takesKeys(); }
 
     void setItem(const std::optional<ShellItem>& item);
     std::function<void(const QRect& place)> onItemClicked; // on the desktop

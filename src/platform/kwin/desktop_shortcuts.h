@@ -38,6 +38,7 @@ public:
     void grab(const std::vector<KeyGrab>& grabs) override;
     // KWin would not take it back from a program that is gone.
     void leaveKeys(bool /*left*/) override {}
+    [[nodiscard]] bool canLeaveKeys() const override { return false; }
     // The keyboard has other layouts.
     void grabAgain();
 

@@ -30,6 +30,7 @@ public:
     void unregister(Ref ref) override;
     // A window does that itself, by a grab of the keyboard.
     void leaveKeys(bool /*left*/) override {}
+    [[nodiscard]] bool canLeaveKeys() const override { return !connection_.isXwayland(); }
 
 private:
     struct Registration {
