@@ -76,6 +76,8 @@ public:
     virtual void terminate() = 0;
     // Brings a window of it that is on the screen to the front and gives it the keyboard.
     virtual void activate(WId window) = 0;
+    // Whether it could now. A compositor may let only a window that comes anew be in front.
+    [[nodiscard]] virtual bool canActivate() const = 0;
     // The name that the session's compositor goes by, as "sway"; empty where nobody tells.
     [[nodiscard]] virtual std::string compositor() const = 0;
     // What the session has, besides the marks that the desktop itself may draw.

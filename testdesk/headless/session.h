@@ -113,11 +113,13 @@ class Application final : public vantrel::Application {
 public:
     void terminate() override { ++terminations; }
     void activate(WId window) override { activated.push_back(window); }
+    [[nodiscard]] bool canActivate() const override { return activates; }
     [[nodiscard]] std::string compositor() const override { return compositorName; }
     [[nodiscard]] SessionOffer offer() const override { return session; }
 
     int terminations = 0;
     std::vector<WId> activated;
+    bool activates = true;
     SessionOffer session;
     std::string compositorName;
 };

@@ -137,6 +137,10 @@ TEST(GnomeTest, RecordsCombinationsThatTheShellTakesOtherwise) {
     const auto window = session.startFullScreenWindow();
     EXPECT_TRUE(opensOverview());
     program.signal(SIGCONT);
+    // Whoever asks for the settings sees them.
+    ASSERT_EQ(session.evaluate("global.display.focus_window?.title === 'Vantrel'"), false);
+    vantrel.start({"settings"}).wait(10s);
+    EXPECT_TRUE(hasKeyboard());
 }
 
 TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {

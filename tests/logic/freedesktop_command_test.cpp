@@ -23,12 +23,12 @@ using Failure = CommandCall::Failure;
 constexpr uid_t somebodyElse = 65534;
 
 // In a thread of its own, as a process of its own would.
-std::future<Outcome> ask(const std::string& address, const CommandWords& words,
+std::future<Outcome> ask(const std::string& address, const CommandRequest& request,
                          std::chrono::milliseconds timeout = 10s) {
     return std::async(std::launch::async, [=] {
         auto opened = CommandCall::open(address);
         auto* call = std::get_if<CommandCall>(&opened);
-        return call != nullptr ? call->ask(words, std::chrono::steady_clock::now() + timeout)
+        return call != nullptr ? call->ask(request, std::chrono::steady_clock::now() + timeout)
                                : std::get<Failure>(opened);
     });
 }
@@ -48,21 +48,22 @@ UniqueDescriptor connectedTo(const std::string& address) {
 class CommandSocketTest : public testing::Test {
 protected:
     void listen() {
-        socket->setHandler([this](const CommandWords& words) -> CommandAnswer {
-            heard.push_back(words);
+        socket->setHandler([this](const CommandRequest& request) -> CommandAnswer {
+            heard.push_back(request);
             return {.status = CommandAnswer::Status::failed, .text = "as told"};
         });
     }
 
     std::optional<CommandSocket> socket{std::in_place};
-    std::vector<CommandWords> heard;
+    std::vector<CommandRequest> heard;
 };
 
 TEST_F(CommandSocketTest, AnswersEachCommandInTurnAlsoThoseThatCameBefore) {
-    const std::vector<CommandWords> commands{{}, {"status", "--json"}, {"", "\n", "ü"}};
+    const std::vector<CommandRequest> commands{
+        {}, {{"status", "--json"}}, {{"", "\n", "ü"}}, {{}, "token"}, {{"settings"}, "token"}};
     std::vector<std::future<Outcome>> calls;
-    for (const auto& words : commands) {
-        calls.push_back(ask(socket->address(), words));
+    for (const auto& request : commands) {
+        calls.push_back(ask(socket->address(), request));
     }
     listen();
     for (auto& call : calls) {
@@ -77,28 +78,28 @@ TEST_F(CommandSocketTest, HearsNothingOfTooMuchAndGoesOn) {
     listen();
     const auto caller = connectedTo(socket->address());
     EXPECT_TRUE(sendPacket(caller.get(), std::string(100'000, 'x')));
-    auto call = ask(socket->address(), {"off"});
+    auto call = ask(socket->address(), {{"off"}});
     EXPECT_TRUE(std::holds_alternative<CommandAnswer>(answerOf(call)));
-    EXPECT_THAT(heard, ElementsAre(CommandWords{"off"}));
+    EXPECT_THAT(heard, ElementsAre(CommandRequest{{"off"}}));
 }
 
 TEST_F(CommandSocketTest, DoesNothingForACallerThatHasGivenUp) {
-    auto impatient = ask(socket->address(), {"quit"}, 50ms);
+    auto impatient = ask(socket->address(), {{"quit"}}, 50ms);
     EXPECT_EQ(answerOf(impatient), Outcome(Failure::unanswered));
     listen();
-    auto call = ask(socket->address(), {"off"});
+    auto call = ask(socket->address(), {{"off"}});
     EXPECT_TRUE(std::holds_alternative<CommandAnswer>(answerOf(call)));
-    EXPECT_THAT(heard, ElementsAre(CommandWords{"off"}));
+    EXPECT_THAT(heard, ElementsAre(CommandRequest{{"off"}}));
 }
 
 TEST_F(CommandSocketTest, TellsAProgramThatIsSilentFromOneThatHasGone) {
-    auto silent = ask(socket->address(), {"off"}, 50ms);
+    auto silent = ask(socket->address(), {{"off"}}, 50ms);
     EXPECT_EQ(answerOf(silent), Outcome(Failure::unanswered));
     const std::string address = socket->address();
     auto call = CommandCall::open(address);
     ASSERT_TRUE(std::holds_alternative<CommandCall>(call));
     socket.reset();
-    EXPECT_EQ(std::get<CommandCall>(call).ask({"off"}, std::chrono::steady_clock::now() + 10s),
+    EXPECT_EQ(std::get<CommandCall>(call).ask({{"off"}}, std::chrono::steady_clock::now() + 10s),
               Outcome(Failure::gone));
     for (const auto& nobody : {address, std::string(), std::string(1000, 'x')}) {
         EXPECT_EQ(std::get<Failure>(CommandCall::open(nobody)), Failure::gone);
@@ -143,7 +144,7 @@ TEST_F(CommandSocketTest, HearsNobodyElseAndIsNotTakenInByThem) {
         << "the caller speaks to another user's program";
     EXPECT_EQ(asSomebodyElse([&] {
                   const auto caller = connectedTo(address);
-                  sendPacket(caller.get(), encoded(CommandWords{"off"}));
+                  sendPacket(caller.get(), encoded(CommandRequest{{"off"}}));
                   pollfd end{caller.get(), POLLIN, 0};
                   return poll(&end, 1, 10'000) == 1 && !receivePacket(caller.get()) ? 0 : 1;
               }),

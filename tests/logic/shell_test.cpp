@@ -5,6 +5,7 @@
 #include "support/offscreen_application.h"
 
 #include <QCursor>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <algorithm>
@@ -214,6 +215,19 @@ TEST_F(ShellTest, StartingAgainGivesTheKeyboardToTheWindowUsedLast) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(used));
     delegate.applicationShouldHandleReopen(true);
     EXPECT_EQ(desktop.application.activated.back(), used->winId());
+    // One that lies behind another comes anew where the desktop would leave it there.
+    const QSignalSpy appearances(used->windowHandle(), &QWindow::visibleChanged);
+    auto* other = delegate.window(AppWindow::help);
+    other->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(other));
+    delegate.open(AppWindow::settings);
+    EXPECT_TRUE(appearances.isEmpty());
+    other->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(other));
+    desktop.application.activates = false;
+    delegate.open(AppWindow::settings);
+    EXPECT_EQ(appearances.count(), 2);
+    EXPECT_TRUE(used->isVisible());
 }
 
 TEST_F(ShellTest, SleepsAndWakesWithTheDesktopAndTakesOverWhatHasChanged) {

@@ -56,6 +56,8 @@ VantrelApp::VantrelApp(Connections connections, CommandSocket& commands, const C
     // Those that came in the meantime have their turn after the launch.
     mainQueue_.async([this, delegate = QPointer(&delegate_), launched = std::move(launched)] {
         if (delegate) {
+            // What the launch has not used is of no use any more.
+            qunsetenv(activationToken);
             takeCommands();
             launched();
         }
@@ -244,8 +246,13 @@ void VantrelApp::observeDesktop() {
 }
 
 void VantrelApp::takeCommands() {
-    commands_.setHandler([this](const CommandWords& words) -> CommandAnswer {
-        if (const auto command = parseCommand(words)) {
+    commands_.setHandler([this](const CommandRequest& request) -> CommandAnswer {
+        if (!request.activationToken.empty()) {
+            // The toolkit takes it from there, or nobody does.
+            qputenv(activationToken, QByteArray::fromStdString(request.activationToken));
+            mainQueue_.async([] { qunsetenv(activationToken); });
+        }
+        if (const auto command = parseCommand(request.words)) {
             return delegate_.carryOut(*command);
         }
         return {.status = CommandAnswer::Status::wrongUsage,
@@ -293,6 +300,13 @@ void VantrelApp::activate(WId window) {
     if (!hasNativeWindows()) {
         x11::activateWindow(*server_, static_cast<xcb_window_t>(window));
     }
+}
+
+// A compositor wants a token: that of a command, or what the toolkit gets for the window that has
+// the keyboard.
+bool VantrelApp::canActivate() const {
+    return !hasNativeWindows() || qEnvironmentVariableIsSet(activationToken) ||
+           QGuiApplication::focusWindow() != nullptr;
 }
 
 std::string VantrelApp::compositor() const {

@@ -72,6 +72,7 @@ public:
 private:
     void terminate() override;
     void activate(WId window) override;
+    [[nodiscard]] bool canActivate() const override;
     [[nodiscard]] std::string compositor() const override;
     [[nodiscard]] SessionOffer offer() const override;
     [[nodiscard]] Desktop desktop();

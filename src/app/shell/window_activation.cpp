@@ -33,6 +33,9 @@ private:
 } // namespace
 
 void showActive(QWidget& window, Application& application, std::function<void()> shown) {
+    if (window.isVisible() && !window.isActiveWindow() && !application.canActivate()) {
+        window.hide();
+    }
     // A window on another workspace is known to the desktop, though it is not exposed.
     const bool wasShown = window.isVisible() && !window.isMinimized();
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);

@@ -33,8 +33,9 @@ CommandCall::Outcome<CommandCall> CommandCall::open(const std::string& address) 
     return CommandCall(std::move(socket));
 }
 
-CommandCall::Outcome<CommandAnswer> CommandCall::ask(const CommandWords& words, Deadline deadline) {
-    if (!sendPacket(socket_.get(), encoded(words))) {
+CommandCall::Outcome<CommandAnswer> CommandCall::ask(const CommandRequest& request,
+                                                     Deadline deadline) {
+    if (!sendPacket(socket_.get(), encoded(request))) {
         return Failure::gone;
     }
     if (!awaitInput(socket_.get(), deadline)) {

@@ -13,6 +13,16 @@ namespace vantrel {
 
 using CommandWords = std::vector<std::string>;
 
+// What a running program is sent.
+struct CommandRequest {
+    CommandWords words;
+    // By which the compositor lets windows come to the front, as whoever started the command was
+    // given it (XDG_ACTIVATION_TOKEN); may be empty.
+    std::string activationToken{};
+
+    bool operator==(const CommandRequest&) const = default;
+};
+
 // One command to a running program.
 class CommandCall {
 public:
@@ -27,7 +37,7 @@ public:
 
     static Outcome<CommandCall> open(const std::string& address);
 
-    [[nodiscard]] Outcome<CommandAnswer> ask(const CommandWords& words, Deadline deadline);
+    [[nodiscard]] Outcome<CommandAnswer> ask(const CommandRequest& request, Deadline deadline);
     // Whether the program ends in time.
     [[nodiscard]] bool awaitEnd(Deadline deadline);
 

@@ -10,6 +10,7 @@ namespace vantrel {
 namespace {
 
 constexpr std::size_t largestPacket = 4096;
+constexpr char tokenMark = '\1';
 
 } // namespace
 
@@ -32,22 +33,33 @@ bool sendPacket(int socket, std::string_view packet) {
            static_cast<ssize_t>(packet.size());
 }
 
-// Each word with a zero byte after it. No words are one zero byte, as a packet cannot be empty.
-std::string encoded(const CommandWords& words) {
+// Each word with a zero byte after it, and before them a token, if there is one, that a byte marks
+// with which no word begins. Nothing at all is one zero byte, as a packet cannot be empty.
+std::string encoded(const CommandRequest& request) {
     std::string packet;
-    for (const auto& word : words) {
+    if (!request.activationToken.empty()) {
+        packet.append(1, tokenMark).append(request.activationToken).push_back('\0');
+    }
+    for (const auto& word : request.words) {
         packet.append(word).push_back('\0');
     }
     return packet.empty() ? std::string(1, '\0') : packet;
 }
 
-CommandWords decodedWords(std::string_view packet) {
-    CommandWords words;
+CommandRequest decodedRequest(std::string_view packet) {
+    CommandRequest request;
     for (auto end = packet.find('\0'); end != std::string_view::npos; end = packet.find('\0')) {
-        words.emplace_back(packet.substr(0, end));
+        if (packet.starts_with(tokenMark)) {
+            request.activationToken = packet.substr(1, end - 1);
+        } else {
+            request.words.emplace_back(packet.substr(0, end));
+        }
         packet.remove_prefix(end + 1);
     }
-    return words == CommandWords{""} ? CommandWords() : words;
+    if (request.words == CommandWords{""}) {
+        request.words.clear();
+    }
+    return request;
 }
 
 std::string encoded(const CommandAnswer& answer) {

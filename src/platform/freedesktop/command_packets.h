@@ -23,9 +23,9 @@ inline constexpr int commandSocketKind = SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NO
 // Whether there is still somebody.
 bool sendPacket(int socket, std::string_view packet);
 
-[[nodiscard]] std::string encoded(const CommandWords& words);
+[[nodiscard]] std::string encoded(const CommandRequest& request);
 [[nodiscard]] std::string encoded(const CommandAnswer& answer);
-[[nodiscard]] CommandWords decodedWords(std::string_view packet);
+[[nodiscard]] CommandRequest decodedRequest(std::string_view packet);
 [[nodiscard]] CommandAnswer decodedAnswer(const std::string& packet);
 
 } // namespace vantrel

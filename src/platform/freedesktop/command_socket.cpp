@@ -71,7 +71,7 @@ void CommandSocket::listenTo(UniqueDescriptor caller) {
             packets->setEnabled(false);
             packets->deleteLater();
         } else if (handler_ && !hasGone(socket->get())) {
-            sendPacket(socket->get(), encoded(handler_(decodedWords(*packet))));
+            sendPacket(socket->get(), encoded(handler_(decodedRequest(*packet))));
         }
     });
 }

@@ -19,7 +19,7 @@ namespace vantrel {
 // same user is heard. One packet is a command, and one the answer.
 class CommandSocket final : public QObject {
 public:
-    using Handler = std::function<CommandAnswer(const CommandWords&)>;
+    using Handler = std::function<CommandAnswer(const CommandRequest&)>;
 
     // What is sent from now on waits for the handler. The address is one that is free if none is
     // given. There is none when another socket has it, or when the system gives no socket.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/bus_menu.h"
+#include "platform/native_windows.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
@@ -71,11 +72,14 @@ public:
     [[nodiscard]] bool itemIsMenu() const { return false; }
     [[nodiscard]] QDBusObjectPath menu() const;
 
-    Q_SLOT void Activate(int /*x*/, int /*y*/) { activated_(); }
+    Q_SLOT void Activate(int /*x*/, int /*y*/) {
+        activated_();
+        qunsetenv(activationToken);
+    }
     // Comes before Activate, from desktops that ask so who may come to the front. The toolkit takes
     // it from there.
     Q_SLOT void ProvideXdgActivationToken(const QString& token) {
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+        qputenv(activationToken, token.toUtf8());
     }
     Q_SLOT void SecondaryActivate(int /*x*/, int /*y*/) {}
     // Panels show the menu by themselves.
