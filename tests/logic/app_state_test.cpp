@@ -130,6 +130,11 @@ TEST_F(AppStateTest, LeavesTheMarksToADesktopThatDrawsThemForAsLongAsItDoes) {
     EXPECT_EQ(marks.shown, wanted());
     state->setMode(CursorMode::off);
     EXPECT_EQ(marks.shown, std::nullopt);
+    // A desktop that hung may do late what it was told.
+    state->setMode(CursorMode::highlight);
+    marks.set(MarksState::failed);
+    state->setMode(CursorMode::off);
+    EXPECT_EQ(marks.shown, std::nullopt);
 }
 
 TEST_F(AppStateTest, ShowsEachChangeAtOnceAndTheClicksThatAreWanted) {

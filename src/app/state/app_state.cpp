@@ -80,9 +80,7 @@ void AppState::apply() {
     suspended_ = false;
     const bool drawnHere = marks_.get() != MarksState::available;
     overlays_.apply(drawnHere ? mode_.get() : CursorMode::off, preferences_.get());
-    if (!drawnHere) {
-        showMarks();
-    }
+    showMarks();
     if (drawnHere && wantsClicks()) {
         clickAvailable_.set(clicks_.start());
     } else {

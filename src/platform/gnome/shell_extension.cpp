@@ -5,6 +5,7 @@
 #include "platform/gnome/effect_message.h"
 #include "platform/input.h"
 
+#include <QDBusError>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
@@ -43,6 +44,11 @@ QString acceleratorOf(const KeyCombination& keys) {
 
 bool isError(const QDBusMessage& answer) {
     return answer.type() == QDBusMessage::ErrorMessage;
+}
+
+// The shell hangs, and may carry it out all the same.
+bool isMissing(const QDBusMessage& answer) {
+    return QDBusError(answer).type() == QDBusError::NoReply;
 }
 
 // Of an answer; an empty one for an error.
@@ -98,16 +104,17 @@ void ShellExtension::setShell(const QString& owner) {
     }
     bus_.connect(owner, shellPath, extensionsInterface, signal, this,
                  SLOT(extensionChanged(QString, QVariantMap)));
-    call(callOf(owner, shellPath, properties, QStringLiteral("Get"),
-                {extensionsInterface, QStringLiteral("ShellVersion")}),
-         [this](const QDBusMessage& answer) {
-             uuid_ = extensionFor(valueIn(answer).toString());
-             askForExtension();
-         });
+    ask(shell_,
+        callOf(owner, shellPath, properties, QStringLiteral("Get"),
+               {extensionsInterface, QStringLiteral("ShellVersion")}),
+        [this](const QDBusMessage& answer) {
+            uuid_ = extensionFor(valueIn(answer).toString());
+            askForExtension();
+        });
 }
 
 void ShellExtension::askForExtension() {
-    call(
+    ask(shell_,
         callOf(shell_, shellPath, extensionsInterface, QStringLiteral("GetExtensionInfo"), {uuid_}),
         [this](const QDBusMessage& answer) {
             takeExtension(qdbus_cast<QVariantMap>(valueIn(answer)));
@@ -172,21 +179,22 @@ void ShellExtension::setAgent(const QString& owner) {
         return;
     }
     connectAgent(true);
-    call(callOf(owner, agentPath, properties, QStringLiteral("Get"),
-                {agentService, QStringLiteral("Version")}),
-         [this, owner](const QDBusMessage& answer) {
-             if (owner != agent_ || isError(answer)) {
-                 return;
-             }
-             update([&](auto& report) { report.version = valueIn(answer).toUInt(); });
-             tellEffect();
-             if (!shortcuts_.isEmpty()) {
-                 tellShortcuts();
-             }
-             if (item_) {
-                 tellItem();
-             }
-         });
+    ask(agent_,
+        callOf(owner, agentPath, properties, QStringLiteral("Get"),
+               {agentService, QStringLiteral("Version")}),
+        [this](const QDBusMessage& answer) {
+            if (isError(answer)) {
+                return;
+            }
+            update([&](auto& report) { report.version = valueIn(answer).toUInt(); });
+            tellEffect();
+            if (!shortcuts_.isEmpty()) {
+                tellShortcuts();
+            }
+            if (item_) {
+                tellItem();
+            }
+        });
 }
 
 void ShellExtension::connectAgent(bool on) {
@@ -211,7 +219,8 @@ void ShellExtension::clear() {
 }
 
 void ShellExtension::tellEffect() {
-    if (report_.version != extensionVersion || (effect_ == toldEffect_ && !report_.servesOther)) {
+    const bool isTold = effect_ == toldEffect_ && !report_.servesOther && !report_.hasFailed;
+    if (report_.version != extensionVersion || isTold) {
         return;
     }
     toldEffect_ = effect_;
@@ -227,11 +236,14 @@ void ShellExtension::tellEffect() {
 
 void ShellExtension::takeAnswer(const QDBusMessage& answer) {
     const bool servesOther = answer.errorName() == agentService + QStringLiteral(".Error.Busy");
+    if (report_.servesOther && !servesOther && item_) {
+        tellItem();
+    }
     update([&](auto& report) {
         report.servesOther = servesOther;
         report.hasFailed = isError(answer) && !servesOther;
     });
-    if (servesOther) {
+    if (servesOther || isMissing(answer)) {
         retry_.start();
     }
 }
@@ -316,6 +328,24 @@ void ShellExtension::update(Change change) {
     if (state() != before) {
         changes_.notify();
     }
+}
+
+void ShellExtension::ask(const QString& peer, const QDBusMessage& question,
+                         std::function<void(const QDBusMessage&)> answered) {
+    call(question, [=, this, &peer, asked = peer](const QDBusMessage& answer) {
+        if (asked != peer) {
+            return;
+        }
+        if (!isMissing(answer)) {
+            answered(answer);
+            return;
+        }
+        QTimer::singleShot(retryInterval, this, [=, this, &peer] {
+            if (asked == peer) {
+                ask(peer, question, answered);
+            }
+        });
+    });
 }
 
 void ShellExtension::call(const QDBusMessage& message,
