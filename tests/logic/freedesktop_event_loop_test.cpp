@@ -1,10 +1,13 @@
 #include "support/event_loop.h"
 
+#include "platform/absent.h"
 #include "platform/freedesktop/qt_main_queue.h"
+#include "platform/freedesktop/session_hot_keys.h"
 #include "platform/freedesktop/termination_signals.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <limits>
@@ -122,6 +125,54 @@ TEST(TerminationSignals, EndTheProcessAgainWhenNobodyTakesThem) {
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+}
+
+class FakeGrabber final : public KeyGrabber {
+public:
+    [[nodiscard]] bool takesKeys() const override { return true; }
+    [[nodiscard]] Subscription onKeysChange(std::function<void()> callback) override {
+        return changes.add(std::move(callback));
+    }
+    void grab(const std::vector<KeyGrab>& grabs) override { grabbed = grabs; }
+    void leaveKeys(bool /*left*/) override {}
+    [[nodiscard]] bool canLeaveKeys() const override { return false; }
+
+    Observers<> changes;
+    std::vector<KeyGrab> grabbed;
+};
+
+TEST(SessionHotKeysTest, GivesUpWhatIsRefusedUntilTheSessionsKeysChange) {
+    FakeGrabber grabber;
+    NoHotKeys others;
+    SessionHotKeys keys(grabber, others, [](auto code) { return std::optional(code + 8); });
+    std::vector<HotKeys::Ref> refs;
+    const auto registerAll = [&] {
+        for (const auto ref : std::exchange(refs, {})) {
+            keys.unregister(ref);
+        }
+        for (const std::uint32_t number : {1U, 2U}) {
+            if (const auto ref = keys.register_(30 + number, modifier::control, {.id = number})) {
+                refs.push_back(*ref);
+            }
+        }
+    };
+    keys.setLossHandler(registerAll);
+    const auto comesToGrab = [&](const std::vector<std::uint32_t>& numbers) {
+        return runUntil(
+            [&] { return std::ranges::equal(grabber.grabbed, numbers, {}, &KeyGrab::number); });
+    };
+    registerAll();
+    EXPECT_TRUE(comesToGrab({1, 2}));
+    for (int i = 0; i < 2; ++i) {
+        grabber.onRefused({1});
+        EXPECT_TRUE(comesToGrab({2}));
+        registerAll(); // as at each change of a setting
+        EXPECT_EQ(refs.size(), 1U);
+        EXPECT_TRUE(comesToGrab({2}));
+        grabber.changes.notify();
+        EXPECT_TRUE(comesToGrab({1, 2}));
+        EXPECT_EQ(refs.size(), 2U);
+    }
 }
 
 } // namespace

@@ -29,6 +29,7 @@ public:
     virtual ~KeyGrabber() = default;
 
     [[nodiscard]] virtual bool takesKeys() const = 0;
+    // Also when those that were refused may be had.
     [[nodiscard]] virtual Subscription onKeysChange(std::function<void()> callback) = 0;
     // All of them, in place of earlier ones.
     virtual void grab(const std::vector<KeyGrab>& grabs) = 0;

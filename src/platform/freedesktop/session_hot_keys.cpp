@@ -107,7 +107,10 @@ void SessionHotKeys::takeRefusal(const std::vector<std::uint32_t>& numbers) {
 
 void SessionHotKeys::follow() {
     const bool inSession = grabber_.takesKeys();
-    if (std::exchange(inSession_, inSession) != inSession) {
+    const bool wasRefused = !refused_.empty();
+    refused_.clear();
+    wanted_.clear();
+    if (std::exchange(inSession_, inSession) != inSession || wasRefused) {
         reportLoss();
     }
 }

@@ -63,7 +63,10 @@ int firstKeyIn(const QDBusMessage& answer) {
 } // namespace
 
 DesktopShortcuts::DesktopShortcuts(QDBusConnection bus, KWinScript& script, Means means)
-    : bus_(std::move(bus)), script_(script), means_(std::move(means)) {
+    : bus_(std::move(bus)),
+      script_(script),
+      means_(std::move(means)),
+      scriptChanges_(script_.onChange([this] { changes_.notify(); })) {
     qDBusRegisterMetaType<DesktopKeys>();
     qDBusRegisterMetaType<QList<DesktopKeys>>();
     // From whoever sends them: the owner of a name would be looked up, and waited for.
@@ -86,13 +89,14 @@ void DesktopShortcuts::grab(const std::vector<KeyGrab>& grabs) {
             free(former.number);
         }
     }
-    grabAgain();
-}
-
-void DesktopShortcuts::grabAgain() {
     for (const auto& each : grabs_) {
         grabKey(each);
     }
+}
+
+void DesktopShortcuts::grabAgain() {
+    grab(std::vector(grabs_));
+    changes_.notify();
 }
 
 void DesktopShortcuts::grabKey(const KeyGrab& grab) {

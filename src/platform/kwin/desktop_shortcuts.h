@@ -33,7 +33,7 @@ public:
         return script_.state() == MarksState::available;
     }
     [[nodiscard]] Subscription onKeysChange(std::function<void()> callback) override {
-        return script_.onChange(std::move(callback));
+        return changes_.add(std::move(callback));
     }
     void grab(const std::vector<KeyGrab>& grabs) override;
     // KWin would not take it back from a program that is gone.
@@ -54,6 +54,8 @@ private:
     Means means_;
     std::vector<KeyGrab> grabs_;
     std::uint32_t layout_ = 0;
+    Observers<> changes_;
+    Subscription scriptChanges_;
 };
 
 } // namespace vantrel

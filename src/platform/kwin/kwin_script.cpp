@@ -129,14 +129,18 @@ void KWinScript::load() {
          });
 }
 
-// None while the script of an earlier program is there.
+// None while the script of an earlier program is there, or one that has spoken up by now.
 void KWinScript::takeNumber(int number) {
+    if (state_ == MarksState::available) {
+        return;
+    }
     if (number >= 0) {
         // As Plasma 6 has it, and Plasma 5.
         run(QStringLiteral("/Scripting/Script%1").arg(number), QStringLiteral("/%1").arg(number));
     } else if (++attempts_ < mostAttempts) {
         retry_.start();
     } else {
+        waiting_.reset();
         call(scriptingPath, scriptingInterface, "unloadScript", {scriptName},
              [](const QDBusMessage&) {});
         update(MarksState::failed, true);
@@ -204,6 +208,7 @@ bool KWinScript::handleMessage(const QDBusMessage& message, const QDBusConnectio
 void KWinScript::next(const QDBusMessage& message) {
     message.setDelayedReply(true);
     waiting_ = message;
+    retry_.stop();
     hold_.start(longestHold);
     if (state_ != MarksState::available) {
         update(MarksState::available, true);
