@@ -109,11 +109,13 @@ void WaylandPointer::updateSessions() {
         return !wanted || screens_.screen(session->display()) == nullptr;
     });
     for (const auto& screen : screens_.list()) {
-        if (wanted && std::ranges::none_of(sessions_, [&](const auto& session) {
-                return session->display() == screen.id;
-            })) {
-            sessions_.push_back(std::make_unique<CursorSession>(
-                connection_, screens_.output(screen), pointer_.get(), screen.id, track_));
+        // None of one that has just gone.
+        auto* output = screens_.output(screen);
+        if (wanted && output != nullptr &&
+            std::ranges::none_of(
+                sessions_, [&](const auto& session) { return session->display() == screen.id; })) {
+            sessions_.push_back(std::make_unique<CursorSession>(connection_, output, pointer_.get(),
+                                                                screen.id, track_));
         }
     }
 }
