@@ -3,7 +3,6 @@
 #include "platform/input.h"
 #include "support/event_loop.h"
 #include "support/freedesktop_support.h"
-#include "testdesk/core_application.h"
 #include "testdesk/private_bus.h"
 
 #include <gtest/gtest.h>
@@ -129,7 +128,6 @@ public:
 };
 
 TEST(PortalAppearanceTest, TellsOfDarkColoursAndLargeTextsAtTheStartAndLater) {
-    const desktop::CoreApplication application;
     qDBusRegisterMetaType<Settings>();
     const Bus bus;
     const auto common = QStringLiteral("org.freedesktop.appearance");
@@ -155,7 +153,6 @@ TEST(PortalAppearanceTest, TellsOfDarkColoursAndLargeTextsAtTheStartAndLater) {
 }
 
 TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
-    const desktop::CoreApplication application;
     const Bus bus;
     const auto other = bus.connect("other");
     FakePortal portal(bus.connect("portal"));
