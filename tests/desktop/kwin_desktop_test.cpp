@@ -325,6 +325,15 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     EXPECT_TRUE(waitFor([&] { return keys(KEY_K) == 1; }));
     EXPECT_EQ(keys(KEY_L), 0);
 
+    // Whoever asks for the settings sees them.
+    const auto isInFront = [&] {
+        return session.evaluate("String((workspace.activeWindow || workspace.activeClient)"
+                                ".resourceClass)") == "vantrel";
+    };
+    EXPECT_FALSE(isInFront());
+    vantrel.start({"settings"}).wait(10s);
+    EXPECT_TRUE(waitFor(isInFront));
+
     // However it ends, all of it is gone, and the keys are the window's. A machine with nothing
     // else to do needs less than half a second.
     const auto killed = std::chrono::steady_clock::now();
