@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QGuiApplication>
+#include <QScreen>
 
 namespace vantrel {
 
@@ -12,6 +13,14 @@ inline constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
 // beyond themselves, where the pointer is, and cannot take the keyboard.
 [[nodiscard]] inline bool hasNativeWindows() {
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+// What a window may take of a display. Compositors tell programs nothing of the bars that they
+// show.
+[[nodiscard]] inline QRect availableAreaOf(const QScreen& screen) {
+    constexpr QMargins bars(0, 48, 0, 0);
+    const auto area = screen.availableGeometry();
+    return hasNativeWindows() ? area.marginsRemoved(bars) : area;
 }
 
 } // namespace vantrel

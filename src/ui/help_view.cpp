@@ -6,6 +6,7 @@
 #include "ui/components/scroll_view.h"
 #include "ui/components/section_card.h"
 #include "ui/components/stack.h"
+#include "ui/components/style.h"
 
 namespace vantrel {
 
@@ -56,10 +57,12 @@ QWidget* linkButton(ViewContext& view, const Text& title, ReleaseLink link) {
 }
 
 QWidget* links(ViewContext& view) {
-    return row(8,
-               {linkButton(view, {"Privacy policy", "隐私政策"}, ReleaseLink::privacy),
-                linkButton(view, {"Terms of use", "使用条款"}, ReleaseLink::terms),
-                linkButton(view, {"Contact support", "联系支持"}, ReleaseLink::support), spacer()});
+    constexpr double largeText = 1.2; // from which on they would not fit beside each other
+    auto* privacy = linkButton(view, {"Privacy policy", "隐私政策"}, ReleaseLink::privacy);
+    auto* terms = linkButton(view, {"Terms of use", "使用条款"}, ReleaseLink::terms);
+    auto* support = linkButton(view, {"Contact support", "联系支持"}, ReleaseLink::support);
+    return textScale() < largeText ? row(8, {privacy, terms, support, spacer()})
+                                   : column(8, {privacy, terms, support});
 }
 
 constexpr Text title{"Help and Privacy", "帮助与隐私"};

@@ -1,5 +1,6 @@
 #include "ui/menu_panel.h"
 
+#include "platform/native_windows.h"
 #include "ui/components/brand_mark.h"
 #include "ui/components/buttons.h"
 #include "ui/components/effect_preview.h"
@@ -120,16 +121,25 @@ QWidget* offSection(ViewContext& view) {
                               row(8, {hugging(symbol), text}, Alignment::leading)->padded(12))});
 }
 
+// Where the desktop draws the marks, the program has displays only for its windows.
+std::optional<double> screenHeight(const ViewContext& view) {
+    if (const auto* screen = QGuiApplication::primaryScreen(); screen && hasNativeWindows()) {
+        return availableAreaOf(*screen).height();
+    }
+    const auto& screens = view.desktop().screens.list();
+    return screens.empty() ? std::nullopt : std::optional(screens.front().visibleFrame.height);
+}
+
 // What the screen leaves to the section and the parts that are always there.
 std::optional<double> availableHeight(const ViewContext& view, const QWidget* notice) {
-    const auto& screens = view.desktop().screens.list();
-    if (screens.empty()) {
+    const auto height = screenHeight(view);
+    if (!height) {
         return std::nullopt;
     }
     const int taken = notice != nullptr && hasWaylandNotice(view)
                           ? notice->heightForWidth(MenuPanel::ownWidth()) + partSpacing
                           : 0;
-    return screens.front().visibleFrame.height - taken;
+    return *height - taken;
 }
 
 QWidget* modeSection(ViewContext& view) {

@@ -153,7 +153,7 @@ TEST_F(AllViewsTest, NothingStaysInTheOtherLanguage) {
 }
 
 TEST_F(AllViewsTest, NoTextIsCutInTheSmallestWindow) {
-    forEachView([&](const std::string& where) {
+    const auto noneIsCut = [&](const std::string& where) {
         for (const auto language : {AppLanguage::english, AppLanguage::chinese}) {
             window->resize(window->minimumSizeHint().expandedTo({520, 560}));
             change([&](auto& preferences) { preferences.language = language; });
@@ -173,7 +173,12 @@ TEST_F(AllViewsTest, NoTextIsCutInTheSmallestWindow) {
                     << where << ": " << text->text().toStdString();
             }
         }
-    });
+    };
+    for (const int points : {10, 16}) {
+        OffscreenApplication::useFont("DejaVu Sans", points);
+        forEachView(noneIsCut);
+    }
+    OffscreenApplication::useFont("DejaVu Sans");
 }
 
 TEST_F(AllViewsTest, ScreenReadersAreToldANameWhereverTheKeyboardStops) {

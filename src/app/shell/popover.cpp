@@ -105,7 +105,7 @@ void Popover::placeAt(const std::optional<QRect>& item) {
 }
 
 void Popover::place() {
-    const QRect place = popoverPlacement(item_, size(), screenOf(item_).availableGeometry());
+    const QRect place = popoverPlacement(item_, size(), availableAreaOf(screenOf(item_)));
     setFixedSize(place.size());
     move(place.topLeft());
 }

@@ -24,13 +24,6 @@ const QScreen& screenOfPointer() {
 // What a window's frame takes on most desktops, until this one tells.
 constexpr QMargins usualFrame(1, 24, 1, 1);
 
-// Compositors tell programs nothing of the bars that they show.
-QRect availableAreaOf(const QScreen& screen) {
-    constexpr QMargins bars(0, 48, 0, 0);
-    const auto area = screen.availableGeometry();
-    return hasNativeWindows() ? area.marginsRemoved(bars) : area;
-}
-
 // A window may open smaller than it can be made later.
 class ContentWindow final : public QWidget {
 public:
