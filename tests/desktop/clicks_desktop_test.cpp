@@ -213,9 +213,9 @@ TEST_F(InputDesktopTest, AFastMouseHoldsNothingUp) {
                                              [&](const Event& /*event*/) { ++motions; }));
     settle();
     const std::jthread mouse([this] {
-        for (int x = 0; x < 1000; ++x) {
-            input.moveTo({x, 100}, SyntheticInput::Wait::no);
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        for (int i = 0; i < 5000; ++i) {
+            input.moveTo({i / 5, 100}, SyntheticInput::Wait::no);
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
         }
     });
     QEventLoop loop;

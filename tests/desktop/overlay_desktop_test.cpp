@@ -52,14 +52,13 @@ TEST_F(OverlayDesktopTest, FollowsThePointerToEveryEdge) {
 
 TEST_F(OverlayDesktopTest, LetsClicksThroughFromTheStartAndAfterAChangeOfDisplays) {
     startCompositing();
-    ClientWindow beneath(server.display(), {.area = {0, 0, 1000, 600}});
+    ClientWindow beneath(server.display(), {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | blue});
     input.moveTo({500, 300});
     start();
-    ASSERT_TRUE(runUntil([&] { return ownMappedWindows() > 0; }));
     const auto clickArrives = [&](PixelPoint place) {
         const auto before = beneath.events().size();
         input.moveTo(place);
-        runFor(std::chrono::milliseconds(40));
+        EXPECT_TRUE(becomes(place, blended(yellow, 0.35)));
         input.click();
         return runUntil([&] { return beneath.events().size() >= before + 2; });
     };
