@@ -52,7 +52,8 @@ TEST_F(OverlayDesktopTest, FollowsThePointerToEveryEdge) {
 
 TEST_F(OverlayDesktopTest, LetsClicksThroughFromTheStartAndAfterAChangeOfDisplays) {
     startCompositing();
-    ClientWindow beneath(server.display(), {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | blue});
+    ClientWindow beneath(server.display(),
+                         {.area = {0, 0, 1000, 600}, .color = 0xFF000000U | blue});
     input.moveTo({500, 300});
     start();
     const auto clickArrives = [&](PixelPoint place) {
