@@ -331,7 +331,7 @@ void ShellExtension::update(Change change) {
 }
 
 void ShellExtension::ask(const QString& peer, const QDBusMessage& question,
-                         std::function<void(const QDBusMessage&)> answered) {
+                         const std::function<void(const QDBusMessage&)>& answered) {
     call(question, [=, this, &peer, asked = peer](const QDBusMessage& answer) {
         if (asked != peer) {
             return;

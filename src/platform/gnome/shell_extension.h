@@ -102,7 +102,7 @@ private:
     void call(const QDBusMessage& message, std::function<void(const QDBusMessage&)> answered);
     // Again as long as the shell hangs, and no more once the peer, one of those above, has changed.
     void ask(const QString& peer, const QDBusMessage& question,
-             std::function<void(const QDBusMessage&)> answered);
+             const std::function<void(const QDBusMessage&)>& answered);
 
     QDBusConnection bus_;
     UserDefaults& defaults_;
