@@ -140,7 +140,6 @@ void KWinScript::takeNumber(int number) {
     } else if (++attempts_ < mostAttempts) {
         retry_.start();
     } else {
-        waiting_.reset();
         call(scriptingPath, scriptingInterface, "unloadScript", {scriptName},
              [](const QDBusMessage&) {});
         update(MarksState::failed, true);
