@@ -9,6 +9,10 @@
 
 namespace vantrel {
 
+// The variable with the token by which a compositor lets a window come to the front. The toolkit
+// takes it out when it asks for that.
+inline constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
+
 // What came of a command, as the process that was given it tells its caller.
 struct CommandAnswer {
     // Each is the exit status of the process.

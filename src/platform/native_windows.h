@@ -5,10 +5,6 @@
 
 namespace vantrel {
 
-// The variable with the token by which a compositor lets a window come to the front. The toolkit
-// takes it out when it asks for that.
-inline constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
-
 // Whether the toolkit's windows are those of a compositor. These know neither where they are nor,
 // beyond themselves, where the pointer is, and cannot take the keyboard.
 [[nodiscard]] inline bool hasNativeWindows() {

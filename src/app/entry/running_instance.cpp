@@ -28,8 +28,8 @@ using Status = CommandAnswer::Status;
 using Failure = CommandCall::Failure;
 
 // Of a command that may bring a window to the front; others would leave it to be used too late.
-std::string activationToken(const Command& command) {
-    const char* token = std::getenv("XDG_ACTIVATION_TOKEN");
+std::string tokenFor(const Command& command) {
+    const char* token = std::getenv(activationToken);
     return token != nullptr && (command.isStart() || command.opensSettings()) ? token : "";
 }
 
@@ -40,7 +40,7 @@ CommandCall::Outcome<CommandAnswer> askAt(const std::string& address, const Comm
     if (call == nullptr) {
         return std::get<Failure>(opened);
     }
-    auto outcome = call->ask({words, activationToken(command)}, deadline);
+    auto outcome = call->ask({words, tokenFor(command)}, deadline);
     const auto* answer = std::get_if<CommandAnswer>(&outcome);
     const bool ends = command.action == Command::Action::quit && answer != nullptr &&
                       answer->status == Status::done;

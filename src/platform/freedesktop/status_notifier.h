@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/control.h"
 #include "platform/freedesktop/bus_menu.h"
-#include "platform/native_windows.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
