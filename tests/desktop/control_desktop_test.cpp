@@ -67,7 +67,8 @@ TEST_F(ControlTest, CommandsReachTheRunningProgram) {
     EXPECT_TRUE(says({"status"}, "laser"));
     EXPECT_TRUE(says({"toggle", "laser"}));
     EXPECT_TRUE(isGone(overlay));
-    EXPECT_TRUE(says({"laser", "--settings"}));
+    EXPECT_TRUE(says({"laser"}));
+    EXPECT_TRUE(says({"status", "--settings"}, "laser"));
     EXPECT_TRUE(shown(settings));
     const auto status = nlohmann::json::parse(command({"status", "--json"}).output);
     EXPECT_EQ(status.at("mode"), "laser");
@@ -228,6 +229,14 @@ TEST_F(ControlTest, ABusThatSaysNothingHoldsNothingUp) {
         EXPECT_TRUE(stores("laser"));
         EXPECT_TRUE(says({"status"}, "laser"));
         EXPECT_EQ(errors(), "vantrel: the session bus does not answer; going on without it\n");
+        EXPECT_TRUE(says({"quit"}));
+        // Nor is a terminal needed that hears it say so.
+        auto all = server.environment();
+        all.merge(Environment(environment));
+        const ChildProcess unheard(
+            {.arguments = {"sh", "-c", R"("$1" 2>&1 | true)", "sh", programUnderTest()},
+             .environment = all});
+        EXPECT_TRUE(waitFor([this] { return says({"status"}, "laser"); }));
         EXPECT_TRUE(says({"quit"}));
     }
 }

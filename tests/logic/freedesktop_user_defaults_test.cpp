@@ -177,6 +177,19 @@ TEST_F(UserDefaultsFiles, AreNotUndoneByAProgramThatChangedNothing) {
     EXPECT_EQ(contentOf(folder / "new"), "default");
 }
 
+TEST_F(UserDefaultsFiles, StayAsTheyAreWrittenUntilSomethingChanges) {
+    const std::string byHand = "{ default, and more }";
+    putFile(file, byHand);
+    FileUserDefaults defaults(folder);
+    EXPECT_EQ(defaults.data(key), byHand);
+    defaults.countAs(key, "default");
+    for (const auto& [next, stored] : {std::pair("default", byHand.c_str()), {"mine", "mine"}}) {
+        defaults.setData(key, next);
+        EXPECT_TRUE(defaults.flush());
+        EXPECT_EQ(contentOf(file), stored);
+    }
+}
+
 TEST_F(UserDefaultsFiles, AreKeptWhenTheyAreOfNoUse) {
     const std::string aside = std::string(key) + ".unusable";
     for (const std::string bytes : {"first", "second"}) {
@@ -258,8 +271,9 @@ TEST_F(UserDefaultsFiles, OnASlowDiskNeitherHoldUpTheCallerNorHideTheNewestValue
 
     auto flushed = std::async([&defaults] { return defaults.flush(); });
     EXPECT_EQ(flushed.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    EXPECT_FALSE(flushed.get()) << "it does not wait for ever";
     diskIsSlow = false;
-    EXPECT_TRUE(flushed.get());
+    EXPECT_TRUE(defaults.flush());
     EXPECT_EQ(contentOf(file), "newest");
 }
 

@@ -1,10 +1,13 @@
 #include "preferences/preference_encoding.h"
 #include "preferences/settings_store.h"
 #include "testdesk/headless/user_defaults.h"
+#include "testdesk/temporary_folder.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <clocale>
+#include <cstdlib>
 #include <limits>
 #include <vector>
 
@@ -115,6 +118,20 @@ TEST(PreferenceDocument, TakesWhatAStrictReaderMayTake) {
     changed.highlight.diameter = 18446744073709551616.0;
     reads(replaced(R"("diameter":64)", R"("diameter":18446744073709551616)"));
     EXPECT_FALSE(decodePreferences(defaultDocument + std::string(maximumDocumentSize, ' ')));
+}
+
+// In Pashto the decimal point has two bytes.
+TEST(PreferenceDocument, IsTheSameInEveryLocale) {
+    const desktop::TemporaryFolder folder;
+    const auto make = "localedef -i ps_AF -f UTF-8 " + (folder / "ps_AF.UTF-8").string();
+    ASSERT_EQ(std::system(make.c_str()), 0);
+    setenv("LOCPATH", folder.path().c_str(), 1);
+    ASSERT_NE(std::setlocale(LC_ALL, "ps_AF.UTF-8"), nullptr);
+    const auto written = encodePreferences(AppPreferences());
+    const auto read = decodePreferences(defaultDocument);
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(written, defaultDocument);
+    EXPECT_EQ(read, AppPreferences());
 }
 
 class SettingsStoreTest : public ::testing::Test {

@@ -170,9 +170,9 @@ TEST_F(ShellTest, AClickOnTheItemThatHasClosedThePopoverDoesNotOpenItAgain) {
     desktop.clock.advance(3);
     click();
     EXPECT_TRUE(popoverShown()) << "another click";
-    press({400, 20}, EventType::rightMouseDown);
-    EXPECT_FALSE(popoverShown());
-    for (int i = 0; i < 2; ++i) {
+    for (const auto button : {EventType::rightMouseDown, EventType::otherMouseDown}) {
+        press({400, 20}, button);
+        EXPECT_FALSE(popoverShown());
         chooseFromMenu("Show Panel");
         EXPECT_TRUE(popoverShown()) << "the menu shows it whatever closed it";
     }

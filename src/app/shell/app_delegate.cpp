@@ -65,6 +65,9 @@ void AppDelegate::launch(const Command& command) {
 }
 
 CommandAnswer AppDelegate::carryOut(const Command& command) {
+    if (command.withSettings) {
+        open(AppWindow::settings);
+    }
     switch (command.action) {
     case Command::Action::start:
         applicationShouldHandleReopen(hasVisibleWindows());
@@ -86,9 +89,6 @@ CommandAnswer AppDelegate::carryOut(const Command& command) {
     case Command::Action::quit:
         desktop_.application.terminate();
         break;
-    }
-    if (command.withSettings) {
-        open(AppWindow::settings);
     }
     return {};
 }

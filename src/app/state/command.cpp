@@ -48,7 +48,10 @@ std::optional<Command> parseCommand(std::span<const std::string> words) {
     if (withSettings && command.action == Action::start) {
         command.action = Action::startWithSettings;
     }
-    command.withSettings = withSettings && command.setsMode();
+    if (withSettings && command.action == Action::quit) {
+        return std::nullopt;
+    }
+    command.withSettings = withSettings && (command.setsMode() || command.reportsStatus());
     return command;
 }
 

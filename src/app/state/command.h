@@ -25,7 +25,7 @@ struct Command {
 
     Action action = Action::start;
     CursorMode mode = CursorMode::off; // of setMode and toggle
-    bool withSettings = false;         // of these: opens the settings as well
+    bool withSettings = false;         // of these and the reports: opens the settings as well
 
     [[nodiscard]] bool isStart() const {
         return action == Action::start || action == Action::startWithSettings;
@@ -37,15 +37,20 @@ struct Command {
     [[nodiscard]] bool setsMode() const {
         return action == Action::setMode || action == Action::toggle;
     }
+    [[nodiscard]] bool reportsStatus() const {
+        return action == Action::reportStatus || action == Action::reportStatusAsJson;
+    }
     // Whether it is worth starting the program for, when none runs.
     [[nodiscard]] bool startsProgram() const {
-        return isStart() || opensSettings() || (setsMode() && mode != CursorMode::off);
+        return !reportsStatus() &&
+               (isStart() || opensSettings() || (setsMode() && mode != CursorMode::off));
     }
 
     bool operator==(const Command&) const = default;
 };
 
-// Nothing for words that are no command. "--settings" may stand anywhere among them.
+// Nothing for words that are no command. "--settings" may stand anywhere among them, but not beside
+// "quit".
 [[nodiscard]] std::optional<Command> parseCommand(std::span<const std::string> words);
 
 } // namespace vantrel

@@ -79,6 +79,8 @@ void FileUserDefaults::setBoolean(std::string_view key, bool value) {
 void FileUserDefaults::countAs(std::string_view key, std::string_view bytes) {
     if (isFileName(key)) {
         values_[std::string(key)] = {std::string(bytes)};
+        const std::lock_guard lock(mutex_);
+        found_[std::string(key)].meaning = bytes;
     }
 }
 
@@ -119,7 +121,9 @@ bool FileUserDefaults::store(const std::filesystem::path& path, const Write& wri
         return true;
     }
     const bool isAsFound = now == found.bytes;
-    if (!write.changes && !isAsFound) {
+    // In other words, and perhaps with more that another version understands.
+    const bool saysTheSame = now && !found.unusable && found.meaning == write.bytes;
+    if (isAsFound ? saysTheSame : !write.changes) {
         return false;
     }
     std::error_code missing;

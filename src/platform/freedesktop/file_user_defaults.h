@@ -67,6 +67,7 @@ private:
     // What was stored when it was last read or written.
     struct Found {
         std::optional<std::string> bytes;
+        std::optional<std::string> meaning{}; // what it counts as
         bool unusable = false;
     };
 
