@@ -62,7 +62,10 @@ Report measure(const Contenders& contenders, const Effort& effort, const QString
     for (const Part& part : parts) {
         if (only.isEmpty() ? !part.onlyByName : only == QLatin1String(part.name)) {
             std::fprintf(stderr, "%s ...\n", part.name);
+            const auto begin = Clock::now();
             report.append(part.measure(contenders, effort));
+            const std::chrono::duration<double> taken = Clock::now() - begin;
+            std::fprintf(stderr, "%s took %.0f s\n", part.name, taken.count());
         }
     }
     return report;

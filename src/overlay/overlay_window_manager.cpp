@@ -174,7 +174,11 @@ void OverlayWindowManager::tick() {
     const bool moved = point != lastPoint_;
     if (moved) {
         lastActivity_ = now;
+        const bool knew = knowsPointer();
         lastPoint_ = point;
+        if (knowsPointer() != knew && onPointerKnown) {
+            onPointerKnown();
+        }
     }
     const bool hadClicks = !clicks_.empty();
     std::erase_if(clicks_, [now](const auto& click) { return !click.isLive(now); });

@@ -5,6 +5,7 @@
 #include "platform/desktop.h"
 #include "preferences/preferences.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -36,6 +37,11 @@ public:
     void rebuild();
     // Brings the screen up to date, when anything changed since the last time.
     void tick();
+
+    // Whether the desktop knew where the pointer is when it was asked last, as it is while a mode
+    // is shown.
+    [[nodiscard]] bool knowsPointer() const { return lastPoint_.has_value(); }
+    std::function<void()> onPointerKnown; // called when that has changed
 
 private:
     // The view outlives the window that shows it.

@@ -4,9 +4,37 @@
 #include "ui/components/label.h"
 #include "ui/components/stack.h"
 
+#include <algorithm>
+#include <array>
+
 namespace vantrel {
 
 namespace {
+
+// Of a compositor that lets programs draw, and tells them where the pointer is as a rule.
+constexpr Text hiddenPointer{
+    "The compositor does not tell where the pointer is, as while something records it. Let the "
+    "recorder leave the pointer out.",
+    "合成器未告知指针位置，例如正在录制指针时。请让录制程序不包含指针。"};
+
+// Those that do so in newer versions than this one.
+struct WayOut {
+    std::string_view compositor;
+    Text text;
+};
+constexpr std::array waysOut{
+    WayOut{"sway",
+           {" From sway 1.11 on, effects appear over every window.",
+            "从 sway 1.11 起，效果可显示在所有窗口上。"}},
+    WayOut{"labwc",
+           {" From labwc 0.9 on, effects appear over every window.",
+            "从 labwc 0.9 起，效果可显示在所有窗口上。"}},
+};
+
+Text wayOutOf(std::string_view compositor) {
+    const auto* found = std::ranges::find(waysOut, compositor, &WayOut::compositor);
+    return found == waysOut.end() ? Text{} : found->text;
+}
 
 // What there is to say of a Wayland session in which the desktop does not draw the marks, and what
 // it says of X programs does not hold where no X server is in use.
@@ -68,58 +96,81 @@ std::string_view dismissedKey(MarksState marks) {
     return marks == MarksState::none ? waylandNoticeDismissedKey : marksNoticeDismissedKey;
 }
 
-bool needsDesktop(const SessionMeans& means) {
+bool lacksPointer(const SessionMeans& means) {
+    return means.drawing == Means::layerShell && means.pointer == Means::none;
+}
+
+bool lacksDrawing(const SessionMeans& means) {
     return means.drawing == Means::xwayland || means.drawing == Means::none;
 }
 
-// Whatever the desktop itself comes to draw.
-bool mayNeedDesktop(const ViewContext& view) {
-    return needsDesktop(meansOf(view.desktop().application.offer()));
+bool lacksSomething(const SessionMeans& means) {
+    return lacksDrawing(means) || lacksPointer(means);
 }
 
-QWidget* notice(ViewContext& view, const QMargins& around, const std::function<bool()>& isShown) {
-    if (!mayNeedDesktop(view)) {
-        return nullptr;
+// Whatever the desktop itself comes to draw.
+bool mayLackSomething(const ViewContext& view) {
+    const auto means = meansOf(view.desktop().application.offer());
+    return lacksDrawing(means) || means.drawing == Means::layerShell;
+}
+
+QString noticeText(const ViewContext& view, bool english) {
+    const auto means = view.state().means();
+    if (lacksPointer(means)) {
+        return hiddenPointer(english);
     }
-    const auto marks = [&view] { return view.state().marks().get(); };
+    const auto& desktop = view.desktop();
+    const auto marks = view.state().marks().get();
+    const bool overXPrograms = means.drawing == Means::xwayland;
+    const auto text = waylandText(marks, desktop.marks.drawer() == "kwin", overXPrograms);
+    return text(english) + wayOutOf(desktop.application.compositor())(english);
+}
+
+QWidget* dismissButton(ViewContext& view) {
+    return iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"},
+                      [&view] {
+                          const auto key = dismissedKey(view.state().marks().get());
+                          view.desktop().userDefaults.setBoolean(key, true);
+                          view.refresh();
+                      });
+}
+
+// With a button for it, or null, at its end.
+QWidget* notice(ViewContext& view, const QMargins& around, QWidget* button,
+                const std::function<bool()>& isShown) {
     auto* text = symbolLabel(
         view, "info.circle", Tone::secondary,
-        [&view, marks](bool english) {
-            const bool inPlasma = view.desktop().marks.drawer() == "kwin";
-            const bool overXPrograms = view.state().means().drawing == Means::xwayland;
-            return waylandText(marks(), inPlasma, overXPrograms)(english);
-        },
+        [&view](bool english) { return noticeText(view, english); },
         captionText.toned(Tone::secondary));
-    auto* dismiss =
-        iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"},
-                   [&view, marks] {
-                       view.desktop().userDefaults.setBoolean(dismissedKey(marks()), true);
-                       view.refresh();
-                   });
     auto* enable =
         pushButton(view, Text{"Switch On", "开启"}, [&view] { view.state().enableMarks(); });
-    return view.showWhile(
-        column(6, {row(8, {text, dismiss}, Alignment::leading),
-                   view.showWhile(hugging(enable), [marks] { return marks() == MarksState::off; })})
-            ->padded(around),
-        isShown);
+    const auto isOff = [&view] { return view.state().marks().get() == MarksState::off; };
+    return view.showWhile(column(6, {row(8, {text, button}, Alignment::leading),
+                                     view.showWhile(hugging(enable), isOff)})
+                              ->padded(around),
+                          isShown);
 }
 
 } // namespace
 
 bool hasWaylandNotice(const ViewContext& view) {
-    return needsDesktop(view.state().means()) &&
+    return lacksSomething(view.state().means()) &&
            !view.desktop().userDefaults.boolean(dismissedKey(view.state().marks().get()));
 }
 
 QWidget* waylandNotice(ViewContext& view, const QMargins& around) {
-    return notice(view, around, [&view] { return hasWaylandNotice(view); });
+    return mayLackSomething(view) ? notice(view, around, dismissButton(view),
+                                           [&view] { return hasWaylandNotice(view); })
+                                  : nullptr;
 }
 
 QWidget* marksNotice(ViewContext& view, const QMargins& around) {
-    return notice(view, around, [&view] {
-        return hasWaylandNotice(view) && view.state().marks().get() != MarksState::none;
-    });
+    const auto isShown = [&view] {
+        const auto means = view.state().means();
+        return lacksPointer(means) ||
+               (lacksDrawing(means) && view.state().marks().get() != MarksState::none);
+    };
+    return mayLackSomething(view) ? notice(view, around, nullptr, isShown) : nullptr;
 }
 
 } // namespace vantrel

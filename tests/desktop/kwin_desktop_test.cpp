@@ -88,7 +88,7 @@ private:
     }
     static Options withData(Options options) {
         if (options.dataFolder.empty()) {
-            options.dataFolder = VANTREL_DATA;
+            options.dataFolder = underTest("VANTREL_DATA", VANTREL_DATA);
         }
         return options;
     }

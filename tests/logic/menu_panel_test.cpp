@@ -121,13 +121,40 @@ TEST_F(WaylandPanelTest, TellsWhatWorksUntilThatIsDismissedForGood) {
 
 TEST_F(WaylandPanelTest, PromisesNothingWithoutAnXServer) {
     desktop.application.session.xwayland = false;
+    desktop.application.compositorName = "sway";
     open<MenuPanel>();
     EXPECT_TRUE(says("Nothing in this session can draw the marks or take the shortcuts. Commands "
-                     "and settings work."));
+                     "and settings work. From sway 1.11 on, effects appear over every window."));
     desktop.marks.set(MarksState::off);
     update();
     click("Switch On");
     EXPECT_EQ(desktop.marks.enables, 1);
+}
+
+TEST_F(WaylandPanelTest, TellsWhenThePointerHasBeenUnknownForAWhile) {
+    desktop.application.session = {.wayland = true, .layerShell = true, .cursorSessions = true};
+    open<MenuPanel>();
+    const auto isSaid = [&](double seconds) {
+        desktop.displayLinks.fire();
+        desktop.mainQueue.advance(seconds);
+        update();
+        return says("The compositor does not tell where the pointer is, as while something records "
+                    "it. Let the recorder leave the pointer out.");
+    };
+    setMode(CursorMode::laser);
+    EXPECT_FALSE(isSaid(3));
+    desktop.pointer.known = false;
+    EXPECT_FALSE(isSaid(1));
+    EXPECT_TRUE(isSaid(1.5));
+    EXPECT_EQ(state.means().pointer, Means::none);
+    open<SettingsView>();
+    EXPECT_TRUE(isSaid(0));
+    setMode(CursorMode::off);
+    EXPECT_FALSE(isSaid(3));
+    setMode(CursorMode::laser);
+    EXPECT_TRUE(isSaid(3)) << "from the beginning";
+    desktop.pointer.known = true;
+    EXPECT_FALSE(isSaid(0));
 }
 
 TEST_F(WaylandPanelTest, OffersMarksThatTheDesktopCouldDraw) {
@@ -151,6 +178,9 @@ TEST_F(WaylandPanelTest, OffersMarksThatTheDesktopCouldDraw) {
     EXPECT_TRUE(says("请注销并重新登录一次，之后 GNOME 会在所有窗口上绘制标记。"));
     click("关闭提示");
     EXPECT_TRUE(desktop.userDefaults.boolean("marksNoticeDismissed"));
+    EXPECT_FALSE(says("请注销并重新登录一次，之后 GNOME 会在所有窗口上绘制标记。"));
+    open<SettingsView>();
+    EXPECT_TRUE(says("请注销并重新登录一次，之后 GNOME 会在所有窗口上绘制标记。"));
     desktop.userDefaults.setBoolean("marksNoticeDismissed", false);
     desktop.userDefaults.setBoolean("waylandNoticeDismissed", false);
     desktop.marks.set(MarksState::available);

@@ -4,6 +4,7 @@
 #include "platform/gnome/effect_message.h"
 #include "platform/gnome/shell_report.h"
 #include "support/mark_pixels.h"
+#include "support/under_test.h"
 #include "testdesk/gnome_session.h"
 #include "testdesk/wait.h"
 
@@ -93,7 +94,7 @@ public:
 
 private:
     static Options withData(Options options) {
-        options.dataFolder = VANTREL_DATA;
+        options.dataFolder = underTest("VANTREL_DATA", VANTREL_DATA);
         return options;
     }
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/under_test.h"
 #include "testdesk/client_window.h"
 #include "testdesk/desktop_programs.h"
 #include "testdesk/screen_capture.h"
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,12 +19,6 @@
 #include <X11/keysym.h>
 
 namespace vantrel::desktop {
-
-// The built program, or another one that the environment names, such as an installed one.
-inline std::filesystem::path programUnderTest() {
-    const char* named = std::getenv("VANTREL_PROGRAM");
-    return named != nullptr ? named : VANTREL_PROGRAM;
-}
 
 // Whether a disc lies over a background there. Where nothing blends, it leaves rows out.
 inline bool isMarked(const XConnection& watcher, PixelPoint place, std::uint32_t background) {

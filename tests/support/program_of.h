@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/under_test.h"
 #include "testdesk/child_process.h"
 #include "testdesk/wait.h"
 
@@ -20,7 +21,7 @@ public:
     explicit ProgramOf(const Session& session) : session_(session) {}
 
     [[nodiscard]] ChildProcess start(std::vector<std::string> words = {}) const {
-        words.insert(words.begin(), VANTREL_PROGRAM);
+        words.insert(words.begin(), programUnderTest());
         const auto log = logOf(words.back());
         return ChildProcess({.arguments = words,
                              .environment = session_.environment(),
@@ -40,7 +41,9 @@ public:
         });
     }
     // Of the one that was started without words.
-    [[nodiscard]] std::string errors() const { return readFile(logOf(VANTREL_PROGRAM) + ".err"); }
+    [[nodiscard]] std::string errors() const {
+        return readFile(logOf(programUnderTest()) + ".err");
+    }
 
 private:
     [[nodiscard]] std::string logOf(const std::filesystem::path& lastWord) const {

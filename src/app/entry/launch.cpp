@@ -35,6 +35,7 @@ constexpr std::string_view englishWaylandRemark =
     "vantrel: The shortcuts work while an X program has the keyboard.\n"
     "vantrel: KDE Plasma shows all of it everywhere, and GNOME does once Vantrel's extension is "
     "switched on; the settings have a button for that.\n"
+    "vantrel: sway from 1.11 on and labwc from 0.9 on show highlight and laser everywhere.\n"
     "vantrel: Commands such as vantrel toggle highlight, the panel and the settings work all the "
     "time.\n";
 constexpr std::string_view chineseWaylandRemark =
@@ -44,6 +45,7 @@ constexpr std::string_view chineseWaylandRemark =
     "vantrel: 快捷键只在 X 程序拥有键盘焦点时有效。\n"
     "vantrel: 在 KDE Plasma 中一切在任何地方都有效；在 GNOME 中开启 Vantrel 的扩展后也是如此，"
     "设置中有开启按钮。\n"
+    "vantrel: sway 1.11 及 labwc 0.9 起，高亮和激光在任何地方都可显示。\n"
     "vantrel: vantrel toggle highlight 等命令、面板和设置始终可用。\n";
 
 constexpr std::string_view englishLayerShellRemark =

@@ -146,7 +146,8 @@ void Popover::loseKeyboard() {
         return;
     }
     const QPoint pointer = QCursor::pos();
-    if (geometry().contains(pointer)) {
+    // Native windows know of the pointer only where it was over one of them last.
+    if (hasNativeWindows() || geometry().contains(pointer)) {
         keyboardReturn_.start();
     } else if (!isOnTheWay(pointer, item_, geometry())) {
         dismiss();

@@ -12,10 +12,11 @@ AppState::AppState(SettingsStore& store, const Desktop& desktop)
       overlays_(desktop),
       clicks_(ClickMonitor::operationsOf(desktop.eventMonitors)),
       hotkeys_(desktop.hotKeys) {
-    // Both are members: neither can call when this object is gone.
+    // All are members: none can call when this object is gone.
     clicks_.onClick = [this](MouseButton button, GlobalPoint point) {
         overlays_.addClick(point, button);
     };
+    overlays_.onPointerKnown = [this] { watchPointer(); };
     hotkeys_.onMode = [this](CursorMode mode) { handleShortcut(mode); };
     hotkeys_.onLoss = [this] { registerShortcuts(); };
     registerShortcuts();
@@ -65,7 +66,11 @@ SessionMeans AppState::means() const {
     auto offer = desktop_.application.offer();
     offer.marks = marks_.get() == MarksState::available;
     offer.markedPresses = offer.marks && desktop_.marks.seesPresses();
-    return meansOf(offer);
+    auto means = meansOf(offer);
+    if (means.pointer == Means::cursorSession && !pointerKnown_.get()) {
+        means.pointer = Means::none;
+    }
+    return means;
 }
 
 bool AppState::wantsClicks() const {
@@ -81,6 +86,7 @@ void AppState::apply() {
     const bool drawnHere = marks_.get() != MarksState::available;
     overlays_.apply(drawnHere ? mode_.get() : CursorMode::off, preferences_.get());
     showMarks();
+    watchPointer();
     if (drawnHere && wantsClicks()) {
         clickAvailable_.set(clicks_.start());
     } else {
@@ -97,6 +103,18 @@ void AppState::showMarks() {
     }
 }
 
+void AppState::watchPointer() {
+    const bool isFollowed =
+        mode_.get() != CursorMode::off && !suspended_ && marks_.get() != MarksState::available;
+    pointerTask_.cancel();
+    if (!isFollowed || overlays_.knowsPointer()) {
+        pointerKnown_.set(true);
+    } else {
+        pointerTask_ =
+            desktop_.mainQueue.after(pointerPatience, [this] { pointerKnown_.set(false); });
+    }
+}
+
 void AppState::startUp() {
     apply();
     syncLaunchAtLogin();
@@ -107,6 +125,7 @@ void AppState::suspend() {
     saveTask_.cancel();
     store_.save(preferences_.get());
     suspended_ = true;
+    watchPointer();
     clicks_.stop();
     overlays_.stop();
     desktop_.marks.clear();

@@ -38,6 +38,8 @@ class AppState {
 public:
     // How long the preferences must have rested before they are saved, in seconds.
     static constexpr double saveDelay = 0.25;
+    // How long the pointer may be away, in seconds, before that is worth a word.
+    static constexpr double pointerPatience = 2;
 
     // Loads the preferences and registers the shortcuts; shows nothing yet. The store and the
     // desktop must outlive the state.
@@ -53,6 +55,8 @@ public:
     [[nodiscard]] const Observable<MarksState>& marks() const { return marks_; }
     // By what marks are shown now.
     [[nodiscard]] SessionMeans means() const;
+    // False while it should be followed and the desktop does not tell where it is.
+    [[nodiscard]] const Observable<bool>& pointerKnown() const { return pointerKnown_; }
     // False only when presses should be seen and cannot be.
     [[nodiscard]] const Observable<bool>& clickAvailable() const { return clickAvailable_; }
     // One of the hotkeyerror texts, if the shortcuts have a problem.
@@ -112,6 +116,7 @@ private:
     void registerShortcuts();
     void scheduleSave();
     void showMarks();
+    void watchPointer();
     [[nodiscard]] bool wantsClicks() const;
     [[nodiscard]] std::string chosen(std::string_view english, std::string_view chinese) const;
 
@@ -120,6 +125,7 @@ private:
     Observable<AppPreferences> preferences_;
     Observable<CursorMode> mode_{CursorMode::off};
     Observable<MarksState> marks_{MarksState::none};
+    Observable<bool> pointerKnown_{true};
     Observable<bool> clickAvailable_{false};
     Observable<std::optional<std::string>> hotkeyError_;
     Observable<std::optional<std::string>> systemMessage_;
@@ -128,6 +134,7 @@ private:
     ClickMonitor clicks_;
     HotkeyManager hotkeys_;
     Subscription saveTask_;
+    Subscription pointerTask_;
     Subscription marksChanges_;
     bool suspended_ = true;
 };

@@ -14,6 +14,7 @@ ViewContext::ViewContext(AppState& state, const Desktop& desktop)
     observe(state.preferences());
     observe(state.mode());
     observe(state.marks());
+    observe(state.pointerKnown());
     observe(state.clickAvailable());
     observe(state.hotkeyError());
     observe(state.systemMessage());
