@@ -9,7 +9,7 @@ build_packages=(
     qt6-base-dev qt6-svg-dev qt6-wayland
     libxcb1-dev libxcb-present-dev libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev
     libxcb-composite0-dev libxcb-xfixes0-dev libxcb-xinput-dev
-    libwayland-dev libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev wayland-protocols
+    libglib2.0-dev libwayland-dev libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev wayland-protocols
     libplist-dev nlohmann-json3-dev
 )
 # Besides those of the build.

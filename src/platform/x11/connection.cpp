@@ -261,21 +261,39 @@ void Connection::noteRootSize(const xcb_generic_event_t& event) {
     }
 }
 
-bool Connection::deliverBatch() {
-    bool any = false;
-    auto event = std::exchange(ahead_, nullptr);
-    if (!event) {
-        event.reset(xcb_poll_for_event(connection_));
+bool Connection::isFrameOrMotion(const xcb_generic_event_t& event) const {
+    if (eventNumber(event) != XCB_GE_GENERIC) {
+        return false;
     }
-    while (event) {
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    return generic.extension == majorOpcode(xcb_present_id)
+               ? generic.event_type == XCB_PRESENT_COMPLETE_NOTIFY
+               : generic.extension == majorOpcode(xcb_input_id) &&
+                     generic.event_type == XCB_INPUT_RAW_MOTION;
+}
+
+bool Connection::deliverBatch(Kinds kinds) {
+    bool any = false;
+    if (!ahead_) {
+        ahead_.reset(xcb_poll_for_event(connection_));
+    }
+    while (ahead_ && (kinds == Kinds::all || isFrameOrMotion(*ahead_))) {
         any = true;
+        const auto event = std::exchange(ahead_, nullptr);
         deliver(*event);
-        event.reset(xcb_poll_for_queued_event(connection_));
+        if (!ahead_) {
+            ahead_.reset(xcb_poll_for_queued_event(connection_));
+        }
     }
     return any;
 }
 
-void Connection::dispatch() {
+bool Connection::dispatchFrames() {
+    handle(Kinds::framesAndMotions);
+    return !hasQueuedEvents() && !isLost();
+}
+
+void Connection::handle(Kinds kinds) {
     if (dispatching_) {
         return;
     }
@@ -284,7 +302,7 @@ void Connection::dispatch() {
     dispatching_ = true;
     for (int batches = 0; batches < most; ++batches) {
         beginTurn();
-        if (!deliverBatch()) {
+        if (!deliverBatch(kinds)) {
             break;
         }
         forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });
@@ -295,7 +313,7 @@ void Connection::dispatch() {
     xcb_flush(connection_);
     dispatching_ = false;
     std::erase(handlers_, nullptr);
-    if (xcb_connection_has_error(connection_) != 0 && !std::exchange(lostReported_, true)) {
+    if (kinds == Kinds::all && isLost() && !std::exchange(lostReported_, true)) {
         lost.notify();
     }
 }

@@ -85,7 +85,9 @@ public:
     // Handles what has arrived, in batches, and sends what that led to. When much arrives
     // meanwhile, some is left for the next time: a server that always has something to say must not
     // hold up the rest.
-    void dispatch();
+    void dispatch() { handle(Kinds::all); }
+    // The same of frames and motions alone. False when something else is left to dispatch().
+    [[nodiscard]] bool dispatchFrames();
     // Whether events wait in memory, where the descriptor does not tell of them.
     [[nodiscard]] bool hasQueuedEvents();
 
@@ -106,7 +108,10 @@ private:
     std::string outdatedExtension();
     void internAtoms();
     void findArgbVisual();
-    bool deliverBatch();
+    enum class Kinds : std::uint8_t { all, framesAndMotions };
+    void handle(Kinds kinds);
+    bool deliverBatch(Kinds kinds);
+    [[nodiscard]] bool isFrameOrMotion(const xcb_generic_event_t& event) const;
     void deliver(const xcb_generic_event_t& event);
     void uncheckedError(const xcb_generic_error_t& error) const;
     void noteRootSize(const xcb_generic_event_t& event);

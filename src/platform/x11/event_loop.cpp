@@ -2,22 +2,19 @@
 
 #include <QAbstractEventDispatcher>
 
-#include <poll.h>
+#include <algorithm>
+#include <span>
 
 namespace vantrel::x11 {
 
 namespace {
 
-// A turn of the toolkit's loop costs as much as following a motion. So while the server has
-// something to say about every millisecond, as with a fast mouse, the next is awaited outside of
-// it. Nothing else of the program waits for that longer than a turn may take.
-constexpr std::chrono::milliseconds longestTurn(4);
-constexpr std::chrono::milliseconds shortPause(2);
+// What is begun meanwhile, such as a timer, comes into effect with the next turn of Qt's loop.
+constexpr std::chrono::milliseconds longestStay(500);
 
-bool isReadableWithin(std::chrono::milliseconds limit, int descriptor) {
-    pollfd readable{descriptor, POLLIN, 0};
-    return poll(&readable, 1, static_cast<int>(limit.count())) > 0;
-}
+// That which waits in place of the loop; there is one loop.
+EventLoop* waiting = nullptr;
+GPollFunc formerWait = nullptr;
 
 } // namespace
 
@@ -37,20 +34,53 @@ EventLoop::EventLoop(Connection& connection)
         }
         connection_.beginTurn();
     });
+    if (waiting == nullptr && dispatcher->inherits("QEventDispatcherGlib")) {
+        waiting = this;
+        formerWait = g_main_context_get_poll_func(nullptr);
+        g_main_context_set_poll_func(nullptr, [](GPollFD* descriptors, guint count, int timeout) {
+            return waiting->wait(descriptors, count, timeout);
+        });
+    }
+}
+
+EventLoop::~EventLoop() {
+    if (waiting == this) {
+        g_main_context_set_poll_func(nullptr, formerWait);
+        waiting = nullptr;
+    }
 }
 
 void EventLoop::dispatch() {
-    const auto start = Clock::now();
-    const bool isStream = start - last_ < shortPause;
-    do {
-        connection_.dispatch();
-        last_ = Clock::now();
-    } while (isStream && last_ - start < longestTurn && !connection_.isLost() &&
-             !connection_.hasQueuedEvents() &&
-             isReadableWithin(shortPause, connection_.descriptor()));
+    connection_.dispatch();
     if (connection_.isLost()) {
         notifier_.setEnabled(false);
     }
+}
+
+// As poll(), of which it is the loop's.
+int EventLoop::wait(GPollFD* descriptors, unsigned count, int timeout) {
+    const auto start = Clock::now();
+    int left = timeout;
+    while (true) {
+        const int ready = formerWait(descriptors, count, left);
+        const std::chrono::milliseconds passed =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+        if (ready != 1 || passed > longestStay || !isAlone(descriptors, count) ||
+            !connection_.dispatchFrames()) {
+            return ready;
+        }
+        connection_.beginTurn();
+        if (timeout >= 0) {
+            left = std::max(timeout - static_cast<int>(passed.count()), 0);
+        }
+    }
+}
+
+// Whether of the descriptors that of the connection has something to say.
+bool EventLoop::isAlone(GPollFD* descriptors, unsigned count) const {
+    const std::span all(descriptors, count);
+    const auto own = std::ranges::find(all, connection_.descriptor(), &GPollFD::fd);
+    return own != all.end() && own->revents == G_IO_IN;
 }
 
 } // namespace vantrel::x11
