@@ -300,7 +300,7 @@ TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {
     const std::string version = "const Version = ";
     std::ofstream(extension) << std::string(current).insert(current.find(version) + version.size(),
                                                             "1 + ");
-    const GnomeSession session({.dataFolder = installation.path()});
+    GnomeSession session({.dataFolder = installation.path()});
     setenv("XDG_DATA_HOME", installation.path().c_str(), 1);
     setenv("XDG_DATA_DIRS", VANTREL_DATA, 1);
     const ShellExtension shell(session.bus(), defaults, VANTREL_DATA);
@@ -317,6 +317,9 @@ TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {
     std::filesystem::remove_all(installation.path() / "gnome-shell");
     session.switchExtension(uuid, false);
     EXPECT_TRUE(waitFor([&] { return !isNamed("enabled") && !isNamed("disabled"); }));
+
+    session.sessionBus().stop();
+    EXPECT_TRUE(comesTo(shell, MarksState::none));
 }
 
 TEST(GnomeTest, SaysWhatIsMissing) {
