@@ -1,6 +1,9 @@
+#include "platform/gnome/shell_extension.h"
 #include "support/gnome_fixture.h"
 #include "testdesk/core_application.h"
 #include "testdesk/screen_cast.h"
+
+#include <QDBusMetaType>
 
 #include <cmath>
 #include <limits>
@@ -184,9 +187,9 @@ TEST(GnomeTest, ServesOneProgramAndForgetsItWhenItIsGone) {
 TEST(GnomeTest, RefusesWhatCannotBeShown) {
     const CoreApplication application;
     const MarkingSession session;
+    const std::string refusal = "org.freedesktop.DBus.Error.InvalidArgs";
     const auto refuses = [&](const QVariantMap& effect) {
-        return session.errorOf(session.bus(), "Show", {effect}) ==
-               "org.freedesktop.DBus.Error.InvalidArgs";
+        return session.errorOf(session.bus(), "Show", {effect}) == refusal;
     };
     constexpr double infinite = std::numeric_limits<double>::infinity();
     const auto disc = [](double diameter, double width, std::vector<ColorStop> stops) {
@@ -219,6 +222,28 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
         EXPECT_TRUE(refuses(effect)) << what;
     }
     EXPECT_NE(session.errorOf(session.bus(), "Show", {1}), "");
+
+    qDBusRegisterMetaType<ShellShortcut>();
+    qDBusRegisterMetaType<QList<ShellShortcut>>();
+    qDBusRegisterMetaType<ShellEntry>();
+    qDBusRegisterMetaType<QList<ShellEntry>>();
+    const auto text = [](int length) { return QString(length, QLatin1Char('1')); };
+    using Shortcuts = QList<ShellShortcut>;
+    for (const auto& shortcuts :
+         {Shortcuts{{1, text(1)}, {1, text(2)}}, Shortcuts{{1, text(65)}}}) {
+        EXPECT_EQ(session.errorOf(session.bus(), "Grab", {QVariant::fromValue(shortcuts)}),
+                  refusal);
+    }
+    for (const auto& [picture, description, entries] :
+         std::vector<ShellItem>{{.picture = QByteArray(65537, '1')},
+                                {.description = text(257)},
+                                {.entries = {{text(257), 0}}},
+                                {.entries = {{text(1), 3}}},
+                                {.entries = QList<ShellEntry>(65)}}) {
+        EXPECT_EQ(session.errorOf(session.bus(), "SetItem",
+                                  {picture, description, QVariant::fromValue(entries)}),
+                  refusal);
+    }
 }
 
 } // namespace
