@@ -3,6 +3,7 @@
 #include "support/program_of.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/user_defaults.h"
+#include "testdesk/status_notifier_host.h"
 #include "testdesk/temporary_folder.h"
 #include "testdesk/vantrel_program.h"
 
@@ -199,7 +200,7 @@ TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {
 
 TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
     const CoreApplication application;
-    const MarkingSession session;
+    MarkingSession session;
     writePreferences(session.folder() / "config", preferencesShowing("off"));
     const auto program = ProgramOf(session).start();
     // The middle of the first part of the shell for which that is true, and whether it would get a
@@ -243,12 +244,13 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
     };
     const std::string laser = "part.text === 'Laser'";
     const std::string item = "part.accessible_name === 'Vantrel off'";
+    const std::string itemOfLaser = "part.accessible_name === 'Vantrel laser'";
     EXPECT_TRUE(waitFor([&] { return hover(item); }));
     EXPECT_TRUE(find(laser).is_null());
     EXPECT_TRUE(press(item, BTN_RIGHT, [&] { return !find(laser).is_null(); }));
     EXPECT_TRUE(press(laser, BTN_LEFT, [&] { return session.countPictures() == 1; }));
     // The panel, a native window, opens below the item.
-    EXPECT_TRUE(press("part.accessible_name === 'Vantrel laser'", BTN_LEFT, [&] {
+    EXPECT_TRUE(press(itemOfLaser, BTN_LEFT, [&] {
         const auto pointer = session.pointer();
         const auto windows = session.evaluate("global.get_window_actors().filter(window =>"
                                               "    window.meta_window.get_client_type() === 0)"
@@ -261,6 +263,12 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
             return area.top() < 60 && area.contains(qRound(pointer.x()), 100);
         });
     }));
+    {
+        const StatusNotifierHost host(session.sessionBus());
+        EXPECT_TRUE(host.waitForItem());
+        EXPECT_TRUE(waitFor([&] { return find(itemOfLaser).is_null(); }));
+    }
+    EXPECT_TRUE(waitFor([&] { return !find(itemOfLaser).is_null(); }));
 }
 
 TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {
