@@ -44,6 +44,7 @@ public:
 
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    [[nodiscard]] PrivateBus& sessionBus() { return sessionBus_; }
     [[nodiscard]] pid_t pid() const { return shell_.pid(); } // of the shell
     // For programs of the session. Starts its Xwayland for the first one.
     [[nodiscard]] Environment environment() const;

@@ -1,6 +1,9 @@
+#include "platform/gnome/shell_extension.h"
 #include "support/gnome_fixture.h"
 #include "testdesk/core_application.h"
 #include "testdesk/screen_cast.h"
+
+#include <QDBusMetaType>
 
 #include <cmath>
 #include <limits>
@@ -89,10 +92,17 @@ TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
 TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
     const CoreApplication application;
     MarkingSession session;
+    session.evaluate("const [place, end] = global.compositor?.disable_unredirect"
+                     "    ? [global.compositor, '']"
+                     "    : [imports.gi.Meta, '_for_display'];"
+                     "global.vantrelHolds = 0;"
+                     "place['disable_unredirect' + end] = () => global.vantrelHolds++;"
+                     "place['enable_unredirect' + end] = () => global.vantrelHolds--; 1");
     Effect effect = effectOf(CursorMode::laser, strongly());
     effect.hideAfter = 0.3;
     session.show(effect);
     EXPECT_TRUE(session.comesToShow(0));
+    EXPECT_EQ(session.evaluate("global.vantrelHolds"), 0);
     session.watchPictures();
     session.moveTo(640, 120);
     EXPECT_TRUE(waitFor([&] { return session.shownPictures() > 0; }));
@@ -103,10 +113,22 @@ TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
 
     effect.hideAfter.reset();
     session.show(effect);
+    EXPECT_EQ(session.evaluate("global.vantrelHolds"), 1);
+    const auto comesToTheTop = [&](const char* name) {
+        const std::string top = "Main.layoutManager.uiGroup.get_last_child().name";
+        return waitFor([&] { return session.evaluate(top) == name; });
+    };
     session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
-    EXPECT_TRUE(waitFor([&] {
-        return session.evaluate("Main.layoutManager.uiGroup.get_last_child().name") == "vantrel";
-    }));
+    EXPECT_TRUE(comesToTheTop("vantrel"));
+    // It gives in to who comes back each time.
+    session.evaluate("const {Clutter, GLib} = imports.gi;"
+                     "const group = Main.layoutManager.uiGroup;"
+                     "const rival = new Clutter.Actor({name: 'rival'});"
+                     "const rise = () => group.get_last_child() !== rival &&"
+                     "    group.set_child_above_sibling(rival, null);"
+                     "group.connect('notify::last-child', () => GLib.idle_add(0, rise));"
+                     "group.add_child(rival); 1");
+    EXPECT_TRUE(comesToTheTop("rival"));
 }
 
 TEST(GnomeTest, IsInAScreenCastAtThePointer) {
@@ -165,9 +187,9 @@ TEST(GnomeTest, ServesOneProgramAndForgetsItWhenItIsGone) {
 TEST(GnomeTest, RefusesWhatCannotBeShown) {
     const CoreApplication application;
     const MarkingSession session;
+    const std::string refusal = "org.freedesktop.DBus.Error.InvalidArgs";
     const auto refuses = [&](const QVariantMap& effect) {
-        return session.errorOf(session.bus(), "Show", {effect}) ==
-               "org.freedesktop.DBus.Error.InvalidArgs";
+        return session.errorOf(session.bus(), "Show", {effect}) == refusal;
     };
     constexpr double infinite = std::numeric_limits<double>::infinity();
     const auto disc = [](double diameter, double width, std::vector<ColorStop> stops) {
@@ -200,6 +222,28 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
         EXPECT_TRUE(refuses(effect)) << what;
     }
     EXPECT_NE(session.errorOf(session.bus(), "Show", {1}), "");
+
+    qDBusRegisterMetaType<ShellShortcut>();
+    qDBusRegisterMetaType<QList<ShellShortcut>>();
+    qDBusRegisterMetaType<ShellEntry>();
+    qDBusRegisterMetaType<QList<ShellEntry>>();
+    const auto text = [](int length) { return QString(length, QLatin1Char('1')); };
+    using Shortcuts = QList<ShellShortcut>;
+    for (const auto& shortcuts :
+         {Shortcuts{{1, text(1)}, {1, text(2)}}, Shortcuts{{1, text(65)}}}) {
+        EXPECT_EQ(session.errorOf(session.bus(), "Grab", {QVariant::fromValue(shortcuts)}),
+                  refusal);
+    }
+    for (const auto& [picture, description, entries] :
+         std::vector<ShellItem>{{.picture = QByteArray(65537, '1')},
+                                {.description = text(257)},
+                                {.entries = {{text(257), 0}}},
+                                {.entries = {{text(1), 3}}},
+                                {.entries = QList<ShellEntry>(65)}}) {
+        EXPECT_EQ(session.errorOf(session.bus(), "SetItem",
+                                  {picture, description, QVariant::fromValue(entries)}),
+                  refusal);
+    }
 }
 
 } // namespace

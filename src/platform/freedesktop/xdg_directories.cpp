@@ -52,18 +52,19 @@ std::vector<path> dataDirectories() {
 
 bool offerToSession(const path& dataFolder, const path& place) {
     std::error_code error;
-    const auto isThatFolder = [&](const auto& folder) {
-        return std::filesystem::equivalent(folder, dataFolder, error);
-    };
+    const auto source = dataFolder / place;
     const auto folders = dataDirectories();
-    if (std::ranges::none_of(folders, isThatFolder)) {
-        const auto target = folders.front() / place;
-        std::filesystem::create_directories(target, error);
-        using enum std::filesystem::copy_options;
-        std::filesystem::copy(dataFolder / place, target, recursive | overwrite_existing, error);
-        return !error;
+    const auto found = std::ranges::find_if(folders, [&](const path& folder) {
+        return std::filesystem::exists(folder / place, error);
+    });
+    if (found != folders.end() && std::filesystem::equivalent(*found / place, source, error)) {
+        return true;
     }
-    return std::filesystem::exists(dataFolder / place, error);
+    const auto copy = folders.front() / place;
+    std::filesystem::create_directories(copy.parent_path(), error);
+    using enum std::filesystem::copy_options;
+    std::filesystem::copy(source, copy, recursive | overwrite_existing, error);
+    return !error;
 }
 
 } // namespace vantrel

@@ -10,8 +10,9 @@ namespace vantrel {
 std::vector<std::filesystem::path> configDirectories();
 std::vector<std::filesystem::path> dataDirectories();
 
-// Lets the session's programs find what lies at that place in a folder of data: where that is none
-// of the above, a copy is put into the user's own. Whether they will.
+// Lets the session's programs find what lies at that place in a folder of data: where they would
+// find nothing or something else there, a copy is put into the user's own of the above. Whether
+// they will.
 bool offerToSession(const std::filesystem::path& dataFolder, const std::filesystem::path& place);
 
 } // namespace vantrel

@@ -67,6 +67,13 @@ bool install(const QString& uuid, const std::filesystem::path& dataFolder) {
                           std::filesystem::path("gnome-shell/extensions") / uuid.toStdString());
 }
 
+// What the shell has may be of an earlier program, also where it does not load or work; an update
+// has not reached a copy of the user's own.
+bool mayBeOutdated(MarksState state) {
+    return state == MarksState::otherVersion || state == MarksState::unsupported ||
+           state == MarksState::failed;
+}
+
 } // namespace
 
 ShellExtension::ShellExtension(QDBusConnection bus, UserDefaults& defaults,
@@ -144,9 +151,7 @@ void ShellExtension::takeExtension(const QVariantMap& info) {
 }
 
 void ShellExtension::enable() {
-    if (state() == MarksState::otherVersion) {
-        install(uuid_, dataFolder_);
-    } else if (!shell_.isEmpty()) {
+    if (!shell_.isEmpty()) {
         switchOn();
     }
 }
@@ -326,6 +331,9 @@ void ShellExtension::update(Change change) {
     const auto before = state();
     change(report_);
     if (state() != before) {
+        if (mayBeOutdated(state())) {
+            install(uuid_, dataFolder_);
+        }
         changes_.notify();
     }
 }
