@@ -164,6 +164,13 @@ TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
     }
     EXPECT_TRUE(comes([&] { return isRinged(200) && !isRinged(100); }));
     // A menu of an X program.
+    // No script of Plasma 5 sees them at all.
+    EXPECT_EQ(
+        session.evaluate(
+            "(workspace.windowList ? workspace.windowList() : workspace.clientList())"
+            ".filter(window => /^vantrel/.test(window.caption))"
+            ".every(window => window.skipTaskbar && window.skipPager && window.skipSwitcher)"),
+        true);
     const auto environment = session.environment();
     setenv("XAUTHORITY", environment.at("XAUTHORITY").c_str(), 1);
     const ClientWindow menu(environment.at("DISPLAY"),
