@@ -14,4 +14,7 @@ std::vector<std::filesystem::path> dataDirectories();
 // of the above, a copy is put into the user's own. Whether they will.
 bool offerToSession(const std::filesystem::path& dataFolder, const std::filesystem::path& place);
 
+// Brings such a copy up to date, where there is one: the session finds it before any other.
+void renewOffered(const std::filesystem::path& dataFolder, const std::filesystem::path& place);
+
 } // namespace vantrel
