@@ -135,7 +135,7 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
         [&] { return showsPartOf(slowRing, session.picture(), session.center(scale), scale); }));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, KWinLookTest, testing::Values(1, 1.5, 2));
+INSTANTIATE_TEST_SUITE_P(Scales, KWinLookTest, testing::Values(1, 1.25, 1.5, 2));
 
 TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
     const CoreApplication application;
@@ -197,6 +197,14 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
         session.expectMark(effect, 1, "border again");
     }
     effect.hideAfter = 0.3;
+    const std::string second = session.version() > 5 ? "workspace.desktops[1]" : "2";
+    EXPECT_EQ(session.evaluate((session.version() > 5 ? "(workspace.createDesktop(1, ''), "
+                                                      : "(workspace.desktops = 2, ") +
+                               ("workspace.currentDesktop = " + second) +
+                               ", workspace.currentDesktop === " + second + ")"),
+              true);
+    session.moveTo(700, 300);
+    session.expectMark(effect, 1, "another desktop");
     script.marks.show(effect);
     EXPECT_TRUE(comes([&] { return !session.isMarked() && session.hearsPresses(); }));
     session.click(BTN_LEFT);
