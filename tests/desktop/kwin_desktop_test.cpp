@@ -295,6 +295,8 @@ TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
     session.moveTo(300, 300);
     EXPECT_TRUE(comes([&] { return session.isMarked() && session.hearsPresses(); }));
 }
+    session.stopBus();
+    EXPECT_TRUE(comes([&] { return second.state() == MarksState::none; }));
 
 TEST(KWinTest, SaysThatItDoesNotHearOfPresses) {
     const CoreApplication application;
