@@ -57,7 +57,7 @@ public:
     void click(int button) const;
     // Kills KWin, which the session then starts anew.
     void restart();
-    // Nothing but the pixels of KWin can be asked for then.
+    // KWin lives on, and can be asked nothing.
     void stopBus() { sessionBus_.stop(); }
 
     // Waits for the answer; throws what the other side objects.
