@@ -57,6 +57,8 @@ public:
     void click(int button) const;
     // Kills KWin, which the session then starts anew.
     void restart();
+    // KWin lives on, and can be asked nothing.
+    void stopBus() { sessionBus_.stop(); }
 
     // Waits for the answer; throws what the other side objects.
     QDBusMessage call(const QString& service, const QString& path, const char* interface,

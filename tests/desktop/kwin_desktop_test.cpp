@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
@@ -135,7 +136,7 @@ TEST_P(KWinLookTest, ShowsEachEffectAsItIsPaintedElsewhere) {
         [&] { return showsPartOf(slowRing, session.picture(), session.center(scale), scale); }));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, KWinLookTest, testing::Values(1, 1.5, 2));
+INSTANTIATE_TEST_SUITE_P(Scales, KWinLookTest, testing::Values(1, 1.25, 1.5, 2));
 
 TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
     const CoreApplication application;
@@ -163,6 +164,13 @@ TEST(KWinTest, IsAboveEverythingAndLetsPressesThrough) {
         session.click(BTN_LEFT);
     }
     EXPECT_TRUE(comes([&] { return isRinged(200) && !isRinged(100); }));
+    // No script of Plasma 5 sees them at all.
+    EXPECT_EQ(
+        session.evaluate(
+            "(workspace.windowList ? workspace.windowList() : workspace.clientList())"
+            ".filter(window => /^vantrel/.test(window.caption))"
+            ".every(window => window.skipTaskbar && window.skipPager && window.skipSwitcher)"),
+        true);
     // A menu of an X program.
     const auto environment = session.environment();
     setenv("XAUTHORITY", environment.at("XAUTHORITY").c_str(), 1);
@@ -189,6 +197,13 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
         session.moveTo(1270, 300);
         session.expectMark(effect, 1, "border again");
     }
+    // Plasma 5 numbers them.
+    const std::string second = "(workspace.desktops[1] || 2)";
+    EXPECT_EQ(session.evaluate("(workspace.createDesktop(1, ''), workspace.currentDesktop = " +
+                               second + ") === workspace.currentDesktop"),
+              true);
+    session.moveTo(700, 300);
+    session.expectMark(effect, 1, "another desktop");
     effect.hideAfter = 0.3;
     script.marks.show(effect);
     EXPECT_TRUE(comes([&] { return !session.isMarked() && session.hearsPresses(); }));
@@ -279,6 +294,8 @@ TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
     session.restart();
     session.moveTo(300, 300);
     EXPECT_TRUE(comes([&] { return session.isMarked() && session.hearsPresses(); }));
+    session.stopBus();
+    EXPECT_TRUE(comes([&] { return second.state() == MarksState::none; }));
 }
 
 TEST(KWinTest, SaysThatItDoesNotHearOfPresses) {
@@ -303,11 +320,24 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
         return vantrel.tells(key, value);
     };
     writePreferences(session.folder() / "config", stored);
+    std::ofstream(session.folder() / "config/kxkbrc") << "[Layout]\nUse=true\n"
+                                                         "LayoutList=us,us\nVariantList=,dvorak\n";
+    session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Layouts"),
+                                                  QStringLiteral("org.kde.keyboard"),
+                                                  QStringLiteral("reloadConfig")));
+    const auto place = std::filesystem::path("kwin/effects/vantrel-presses/contents/code/main.js");
+    const auto copy = std::filesystem::path(session.environment().at("XDG_DATA_HOME")) / place;
+    const auto shipped = readFile(std::filesystem::path(VANTREL_DATA) / place);
     std::optional program(vantrel.start({"--settings"}));
     EXPECT_TRUE(tells("marks", "kwin"));
     EXPECT_TRUE(tells("hotkeyError", nullptr));
     EXPECT_TRUE(tells("clickAvailable", true));
     EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
+    EXPECT_FALSE(std::filesystem::exists(copy));
+    // Only KWin is answered.
+    EXPECT_ANY_THROW(session.call(QStringLiteral("org.vantrel.KWinMarks1"),
+                                  QStringLiteral("/org/vantrel/KWinMarks1"),
+                                  "org.vantrel.KWinMarks1", "Next", {0}));
 
     // A window gets the keys of other combinations only.
     const auto window = session.startFullScreenWindow();
@@ -319,11 +349,20 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
         }
     };
     const auto keys = [&](int key) { return window.count("key-" + std::to_string(key)); };
+    session.client().type(KEY_CAPSLOCK, true);
+    session.client().type(KEY_CAPSLOCK, false);
     type(KEY_L);
     EXPECT_TRUE(tells("mode", "laser"));
     type(KEY_K);
     EXPECT_TRUE(waitFor([&] { return keys(KEY_K) == 1; }));
     EXPECT_EQ(keys(KEY_L), 0);
+    // By the places of the keys, whatever they produce.
+    session.call(QStringLiteral("org.kde.keyboard"), QStringLiteral("/Layouts"),
+                 "org.kde.KeyboardLayouts", "setLayout", {1U});
+    EXPECT_TRUE(waitFor([&] {
+        type(KEY_L);
+        return waitFor([&] { return vantrel.status()["mode"] != "laser"; }, 500ms);
+    }));
 
     // Whoever asks for the settings sees them.
     const auto isInFront = [&] {
@@ -340,17 +379,31 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     program->signal(SIGKILL);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
     EXPECT_LT(std::chrono::steady_clock::now() - killed, 2s);
+    const auto before = keys(KEY_L);
     EXPECT_TRUE(waitFor([&] {
         type(KEY_L);
-        return waitFor([&] { return keys(KEY_L) > 0; }, 500ms);
+        return waitFor([&] { return keys(KEY_L) > before; }, 500ms);
     }));
-    stored["laserShortcut"] = {{"keyCode", 2}, {"modifiers", 0x100}, {"display", "⌘D"}};
+    const auto isClean = [&](const char* file) {
+        return readFile(session.folder() / "config" / file).find("antrel") == std::string::npos;
+    };
+    EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));
+
+    // Where the other layout has D, with which KWin has a shortcut of its own.
+    stored["laserShortcut"] = {{"keyCode", 4}, {"modifiers", 0x100}, {"display", "⌘H"}};
     writePreferences(session.folder() / "config", stored);
+    std::filesystem::create_directories(copy.parent_path());
+    std::ofstream(copy) << "an earlier version's";
     program.emplace(vantrel.start({"--settings"}));
-    EXPECT_TRUE(tells("hotkeyError", "registration")); // KWin's own
+    EXPECT_TRUE(tells("hotkeyError", "registration"));
+    EXPECT_TRUE(waitFor([&] { return readFile(copy) == shipped; }));
     session.restart();
     session.moveTo(300, 300);
     EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
+    EXPECT_TRUE(waitFor([&] {
+        type(KEY_H);
+        return waitFor([&] { return vantrel.status()["mode"] == "off"; }, 500ms);
+    }));
 
     // The program does not know where its item was clicked.
     session.moveTo(600, 100);
@@ -365,9 +418,6 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     }));
     vantrel.start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
-    const auto isClean = [&](const char* file) {
-        return readFile(session.folder() / "config" / file).find("antrel") == std::string::npos;
-    };
     EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));
     EXPECT_TRUE(isClean("kwinrc"));
 }

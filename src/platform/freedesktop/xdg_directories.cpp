@@ -1,5 +1,7 @@
 #include "platform/freedesktop/xdg_directories.h"
 
+#include "platform/freedesktop/files.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <pwd.h>
@@ -65,6 +67,22 @@ bool offerToSession(const path& dataFolder, const path& place) {
     using enum std::filesystem::copy_options;
     std::filesystem::copy(source, copy, recursive | overwrite_existing, error);
     return !error;
+}
+
+void renewOffered(const path& dataFolder, const path& place) {
+    std::error_code error;
+    const auto copy = dataDirectories().front() / place;
+    if (!std::filesystem::exists(copy, error)) {
+        return;
+    }
+    for (std::filesystem::recursive_directory_iterator file(dataFolder / place, error), end;
+         !error && file != end; file.increment(error)) {
+        const auto target = copy / file->path().lexically_relative(dataFolder / place);
+        if (const auto content = readFile(*file); content && content != readFile(target)) {
+            std::filesystem::create_directories(target.parent_path(), error);
+            replaceFile(target, *content, 0644);
+        }
+    }
 }
 
 } // namespace vantrel

@@ -22,6 +22,7 @@ const auto ownName = QStringLiteral("org.vantrel.KWinMarks1");
 const auto ownPath = QStringLiteral("/org/vantrel/KWinMarks1");
 const auto scriptName = QStringLiteral("vantrel");
 const auto effectName = QStringLiteral("vantrel-presses");
+const auto effectPlace = std::filesystem::path("kwin/effects") / effectName.toStdString();
 
 // Milliseconds. A call may take 25 seconds on the bus.
 constexpr int longestHold = 20'000;
@@ -161,6 +162,8 @@ void KWinScript::lookAfterEffect() {
          [this](const QDBusMessage& answer) {
              if (!valueIn(answer).toBool()) {
                  effectAttempts_ = 0;
+                 // An earlier version's would not fit this script.
+                 renewOffered(dataFolder_, effectPlace);
                  loadEffect();
              }
          });
@@ -172,8 +175,7 @@ void KWinScript::loadEffect() {
              const bool isLoaded = valueIn(answer).toBool();
              update(state_, isLoaded);
              if (!isLoaded && ++effectAttempts_ < mostEffectAttempts) {
-                 offerToSession(dataFolder_,
-                                std::filesystem::path("kwin/effects") / effectName.toStdString());
+                 offerToSession(dataFolder_, effectPlace);
                  effectRetry_.start();
              }
          });

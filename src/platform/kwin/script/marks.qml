@@ -203,9 +203,11 @@ Window {
         }
     }
 
-    // The program's panel
+    // Other windows
 
-    // It belongs where the item was clicked, of which the program does not know where that is.
+    // KWin's side of this window.
+    property var managed: null
+
     Connections {
         target: Workspace
         ignoreUnknownSignals: true
@@ -214,17 +216,38 @@ Window {
         function onClientAdded(window) { mark.meet(window); }
     }
 
+    function meet(window) {
+        const ours = /^vantrel-(mark|ring)\b/.exec(window.caption);
+        if (ours) {
+            leaveOut(window);
+            if (ours[0] === title)
+                managed = window;
+            return;
+        }
+        // Without the effect, what opens later might cover it. No script of Plasma 5 raises windows.
+        if (managed && Workspace.raiseWindow)
+            Workspace.raiseWindow(managed);
+        if (isPanel(window))
+            meetPanel(window);
+    }
+
+    function leaveOut(window) {
+        for (const flag of ["skipTaskbar", "skipPager", "skipSwitcher"])
+            window[flag] = true;
+    }
+
+    // The program's panel
+
     // Of the program's own windows it alone has a fixed size. As an X window it says what it is.
     function isPanel(window) {
         return String(window.resourceClass) === "vantrel"
             && (window.utility || window.normalWindow && !window.resizeable && !window.transient);
     }
 
-    function meet(window) {
-        if (!isPanel(window))
-            return;
-        for (const flag of ["keepAbove", "skipTaskbar", "skipPager", "skipSwitcher"])
-            window[flag] = true;
+    // It belongs where the item was clicked, of which the program does not know where that is.
+    function meetPanel(window) {
+        leaveOut(window);
+        window.keepAbove = true;
         Workspace[Workspace.activeWindow === undefined ? "activeClient" : "activeWindow"] = window;
         const at = Qt.point(Workspace.cursorPos.x, Workspace.cursorPos.y);
         const place = () => placePanel(window, at);
