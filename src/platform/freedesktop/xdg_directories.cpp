@@ -1,7 +1,8 @@
 #include "platform/freedesktop/xdg_directories.h"
 
+#include "platform/text.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <pwd.h>
 #include <sstream>
 #include <string>
@@ -14,8 +15,8 @@ namespace {
 using std::filesystem::path;
 
 std::string variable(const char* name, const char* otherwise = "") {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    const auto value = environment(name);
+    return value.empty() ? otherwise : value;
 }
 
 path home() {
