@@ -39,7 +39,7 @@ QWidget* clearButton(ViewContext& view, const ShortcutSlot& slot) {
     const auto shortcut = view.binding(slot.field);
     auto* button =
         iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Clear shortcut", "清除快捷键"},
-                   [shortcut] { shortcut.set(std::nullopt); });
+                   [shortcut] { shortcut.set(std::nullopt); }, {4, 4, 0, 4});
     view.follow(button,
                 [button, &view, slot] { button->setAccessibleDescription(titleOf(view, slot)); });
     return button;

@@ -92,9 +92,10 @@ void PlainButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 PlainButton* iconButton(ViewContext& view, std::string_view symbol, int fontSize, Tone tone,
-                        const Wording& name, const std::function<void()>& action) {
+                        const Wording& name, const std::function<void()>& action,
+                        const QMargins& padding) {
     auto* button = new PlainButton(view, name, action,
-                                   row(0, {new Symbol(symbol, fontSize, tone)})->padded(4));
+                                   row(0, {new Symbol(symbol, fontSize, tone)})->padded(padding));
     view.follow(button, [button, &view, name] { button->setToolTip(view.say(name)); });
     return button;
 }
