@@ -48,7 +48,9 @@ void ShortcutButton::record() {
 void ShortcutButton::updateTitle() {
     const auto& title = recording_ ? prompt : savedTitle;
     setText(QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
-    setAccessibleDescription(title);
+    if (title != accessibleDescription()) {
+        setAccessibleDescription(title);
+    }
 }
 
 // Without the focus nothing would tell that the user has turned to something else.

@@ -119,8 +119,17 @@ TEST_F(ComponentsTest, AScreenReaderIsToldWhatEachPartIs) {
     };
     openSettings(SettingsTab::about);
     expect({{"Privacy", QAccessible::Button}, {"About", QAccessible::PageTab}});
+    QStringList headings;
+    for (auto* text : parts<QLabel>()) {
+        const auto* heard = QAccessible::queryAccessibleInterface(text);
+        if (heard->role() == QAccessible::Heading) {
+            headings << heard->text(QAccessible::Name);
+        }
+    }
+    EXPECT_EQ(headings, (QStringList{QStringLiteral("About"), QStringLiteral("Vantrel")}));
     EXPECT_TRUE(told("About")->state().selected);
     EXPECT_FALSE(told("Effects")->state().selected);
+
     openSettings(SettingsTab::appearance);
     expect({{"Mode", QAccessible::Grouping},
             {"Off", QAccessible::RadioButton, true},
