@@ -1,6 +1,7 @@
 #include "input/shortcut_button.h"
 
-#include <QKeyEvent>
+#include "input/enter_key.h"
+
 #include <QPainter>
 
 namespace vantrel {
@@ -19,10 +20,6 @@ bool clears(const KeyPress& press) {
 
 bool isPlain(const QKeyEvent& event) {
     return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
-}
-
-bool isEnter(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "ui/components/buttons.h"
 
+#include "input/enter_key.h"
 #include "ui/components/accessibility.h"
 #include "ui/components/label.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -107,7 +107,7 @@ PlainButton* labelButton(ViewContext& view, std::string_view symbol, const Wordi
 }
 
 bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event) {
-    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    const bool enter = isEnter(event);
     if (enter && !event.isAutoRepeat()) {
         button.click();
     }
