@@ -2,7 +2,6 @@
 #include "support/views_fixture.h"
 #include "ui/components/color_well.h"
 #include "ui/components/mode_choices.h"
-#include "ui/components/pictogram.h"
 #include "ui/components/plain_style.h"
 #include "ui/components/section_card.h"
 #include "ui/components/slider.h"
@@ -220,18 +219,6 @@ TEST_F(ComponentsTest, ManyChangesAtOnceLeadToOneRoundOfUpdates) {
     EXPECT_EQ(updates, 0);
     update();
     EXPECT_EQ(updates, 1);
-}
-
-TEST_F(ComponentsTest, APictogramTakesItsTint) {
-    const auto picture = pictogram("cursorarrow.rays", 24, Qt::red, 2).toImage();
-    ASSERT_EQ(picture.size(), QSize(48, 48));
-    int inked = 0;
-    for (int i = 0; i < 48 * 48; ++i) {
-        const auto color = picture.pixelColor(i % 48, i / 48);
-        inked += color.alpha() == 255 ? 1 : 0;
-        EXPECT_TRUE(color.alpha() < 255 || color == QColor(Qt::red));
-    }
-    EXPECT_GT(inked, 30);
 }
 
 TEST_F(ComponentsTest, ACardThrowsAShadowBeyondItsEdges) {
