@@ -148,11 +148,6 @@ bool ClientWindow::grabPointer() {
     return granted(ownReply(xcb_grab_pointer_reply(connection_.get(), cookie, nullptr)));
 }
 
-void ClientWindow::releasePointer() {
-    xcb_ungrab_pointer(connection_.get(), XCB_CURRENT_TIME);
-    connection_.sync();
-}
-
 bool ClientWindow::grabKeyboard() {
     const auto cookie = xcb_grab_keyboard(connection_.get(), 0, window_, XCB_CURRENT_TIME,
                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);

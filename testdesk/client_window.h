@@ -41,9 +41,8 @@ public:
 
     void raise();
     void setColor(std::uint32_t color); // of a window that is not translucent: alpha is ignored
-    // Grabs of another program, held until released or until this is destroyed. Whether granted.
+    // Grabs of another program, held until this is destroyed, or released. Whether granted.
     bool grabPointer();
-    void releasePointer();
     bool grabKeyboard();
     void releaseKeyboard();
     bool grabKey(std::uint8_t keycode, std::uint16_t modifiers);

@@ -4,8 +4,6 @@
 #include <cstring>
 #include <stdexcept>
 
-#include <QImage>
-
 namespace vantrel::desktop {
 
 std::uint32_t Picture::at(PixelPoint place) const {
@@ -38,14 +36,6 @@ Picture captureScreen(const XConnection& connection, const PixelRect& area) {
 
 std::uint32_t pixelAt(const XConnection& connection, PixelPoint place) {
     return captureScreen(connection, {place.x, place.y, 1, 1}).pixels.front();
-}
-
-void savePicture(const Picture& picture, const std::filesystem::path& path) {
-    const QImage image(reinterpret_cast<const uchar*>(picture.pixels.data()), picture.area.width,
-                       picture.area.height, QImage::Format_RGB32);
-    if (!image.save(QString::fromStdString(path.string()), "PNG")) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
 }
 
 int channelDistance(std::uint32_t one, std::uint32_t other) {

@@ -3,7 +3,6 @@
 #include "testdesk/x_connection.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <vector>
 
 namespace vantrel::desktop {
@@ -22,9 +21,6 @@ struct Picture {
 // reaches beyond the screen.
 [[nodiscard]] Picture captureScreen(const XConnection& connection, const PixelRect& area);
 [[nodiscard]] std::uint32_t pixelAt(const XConnection& connection, PixelPoint place);
-
-// As a PNG, to look at.
-void savePicture(const Picture& picture, const std::filesystem::path& path);
 
 // The largest difference between the channels of two pixels, 0 to 255.
 [[nodiscard]] int channelDistance(std::uint32_t one, std::uint32_t other);

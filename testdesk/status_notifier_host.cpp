@@ -199,14 +199,6 @@ bool StatusNotifierItem::activate(PixelPoint place) const {
     return call("Activate", place);
 }
 
-bool StatusNotifierItem::secondaryActivate(PixelPoint place) const {
-    return call("SecondaryActivate", place);
-}
-
-bool StatusNotifierItem::contextMenu(PixelPoint place) const {
-    return call("ContextMenu", place);
-}
-
 QString StatusNotifierItem::menuPath() const {
     return property("Menu").value<QDBusObjectPath>().path();
 }

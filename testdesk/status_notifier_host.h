@@ -45,10 +45,8 @@ public:
     [[nodiscard]] std::string toolTip() const; // its first line
     [[nodiscard]] std::vector<StatusIcon> icons() const;
 
-    // As clicks of the left, middle and right button at that place do. Whether it answered.
+    // As a click at that place does. Whether it answered.
     bool activate(PixelPoint place) const;
-    bool secondaryActivate(PixelPoint place) const;
-    bool contextMenu(PixelPoint place) const;
 
     [[nodiscard]] std::vector<MenuEntry> menu() const;
     // Chooses the first entry of that label, at any depth; false when there is none.

@@ -1,6 +1,7 @@
 #include "input/shortcut_button.h"
 
-#include <QKeyEvent>
+#include "input/enter_key.h"
+
 #include <QPainter>
 
 namespace vantrel {
@@ -19,10 +20,6 @@ bool clears(const KeyPress& press) {
 
 bool isPlain(const QKeyEvent& event) {
     return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
-}
-
-bool isEnter(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
 } // namespace
@@ -48,7 +45,9 @@ void ShortcutButton::record() {
 void ShortcutButton::updateTitle() {
     const auto& title = recording_ ? prompt : savedTitle;
     setText(QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
-    setAccessibleDescription(title);
+    if (title != accessibleDescription()) {
+        setAccessibleDescription(title);
+    }
 }
 
 // Without the focus nothing would tell that the user has turned to something else.

@@ -28,7 +28,8 @@ public:
     // Sits at the pointer; its position and hidden flag are the owner's to write.
     [[nodiscard]] Layer& cursorLayer() { return cursorLayer_; }
 
-    // The window that shows this view; null while there is none. Must outlive its being set.
+    // The window that shows this view; null while there is none. Must stay valid until replaced or
+    // reset.
     void setWindow(const OverlayWindow* window) { window_ = window; }
 
     // Builds the effect of a mode anew.
@@ -37,8 +38,6 @@ public:
     // are in, and takes away those that are over or no longer listed. Times are uptime, mediaTime
     // is the same moment for animations.
     void updateClicks(std::span<const ClickAnimation> clicks, double now, double mediaTime);
-
-    [[nodiscard]] std::size_t clickLayerCount() const { return clickLayers_.size(); }
 
     // What the layers were last configured with, kept by the owner.
     std::optional<AppPreferences> renderedPreferences;

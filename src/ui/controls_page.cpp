@@ -39,9 +39,8 @@ QWidget* clearButton(ViewContext& view, const ShortcutSlot& slot) {
     const auto shortcut = view.binding(slot.field);
     auto* button =
         iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Clear shortcut", "清除快捷键"},
-                   [shortcut] { shortcut.set(std::nullopt); });
-    view.follow(button,
-                [button, &view, slot] { button->setAccessibleDescription(titleOf(view, slot)); });
+                   [shortcut] { shortcut.set(std::nullopt); }, {4, 4, 0, 4});
+    describeForScreenReaders(view, button, [&view, slot](bool) { return titleOf(view, slot); });
     return button;
 }
 
@@ -119,7 +118,7 @@ QWidget* bindingRow(ViewContext& view, const ShortcutSlot& slot, const char* com
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* copy = pushButton(view, Text{"Copy", "复制"},
                             [line] { QGuiApplication::clipboard()->setText(line()); });
-    view.follow(copy, [copy, line] { copy->setAccessibleDescription(line()); });
+    describeForScreenReaders(view, copy, [line](bool) { return line(); });
     return row(8, {text, copy});
 }
 

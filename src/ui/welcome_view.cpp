@@ -86,9 +86,7 @@ WelcomeView::WelcomeView(ViewContext& view, QPushButton* start)
       start_(start) {}
 
 void WelcomeView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        start_->click();
-    } else {
+    if (!clickOnEnter(*start_, *event)) {
         VantrelBackground::keyPressEvent(event);
     }
 }

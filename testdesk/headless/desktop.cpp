@@ -94,13 +94,8 @@ QImage OverlayWindow::screenshot() const {
     return image;
 }
 
-bool OverlayWindow::changedSinceFlush() const {
-    return root_ != nullptr && root_->revision() != flushedRevision_;
-}
-
 void OverlayWindow::flush(double mediaTime) {
     if (root_ != nullptr) {
-        flushedRevision_ = root_->revision();
         scene_.update(*root_, mediaTime, *this);
     }
 }

@@ -127,7 +127,6 @@ public:
     // What the sprites of the last flush add up to.
     [[nodiscard]] QImage screenshot() const;
 
-    [[nodiscard]] bool changedSinceFlush() const;
     void flush(double mediaTime);
 
     SpriteCounts counts;
@@ -149,7 +148,6 @@ private:
     Screen screen_;
     Layer* root_ = nullptr;
     bool front_ = false;
-    std::uint64_t flushedRevision_ = 0;
     SpriteScene scene_;
     std::map<SpriteId, Sprite> sprites_;
 };

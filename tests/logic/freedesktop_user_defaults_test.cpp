@@ -1,7 +1,6 @@
 #include "support/freedesktop_support.h"
 
 #include "platform/freedesktop/file_user_defaults.h"
-#include "platform/freedesktop/files.h"
 
 #include <gmock/gmock.h>
 
@@ -275,25 +274,6 @@ TEST_F(UserDefaultsFiles, OnASlowDiskNeitherHoldUpTheCallerNorHideTheNewestValue
     diskIsSlow = false;
     EXPECT_TRUE(defaults.flush());
     EXPECT_EQ(contentOf(file), "newest");
-}
-
-TEST_F(UserDefaultsFiles, OfTwoProgramsAtOnceAreAlwaysTheWholeDocumentOfOne) {
-    const std::string mine(50'000, 'm');
-    const std::string theirs(20'000, 't');
-    save(mine);
-    const pid_t other = fork();
-    if (other == 0) {
-        for (int i = 0; i < 300; ++i) {
-            replaceFile(file, theirs, 0600);
-        }
-        _exit(0);
-    }
-    do {
-        EXPECT_TRUE(replaceFile(file, mine, 0600));
-        const auto found = readFile(file);
-        EXPECT_TRUE(found == mine || found == theirs) << found->size();
-    } while (waitpid(other, nullptr, WNOHANG) == 0);
-    EXPECT_THAT(namesIn(folder), ElementsAre(key));
 }
 
 } // namespace

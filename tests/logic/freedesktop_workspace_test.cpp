@@ -3,7 +3,6 @@
 #include "support/mock_login_manager.h"
 
 #include "platform/freedesktop/desktop_workspace.h"
-#include "platform/freedesktop/file_user_defaults.h"
 #include "platform/freedesktop/termination_signals.h"
 
 #include <gmock/gmock.h>
@@ -37,29 +36,9 @@ protected:
     Subscription waking = manager->onDidWake([this] { events.emplace_back("wake"); });
 };
 
-TEST_F(LoginManagerEvents, HoldTheMachineUntilTheSaveIsOnDisk) {
-    const TemporaryFolder home;
-    FileUserDefaults defaults(home.path());
-    int locksDuringSave = 0;
-    const auto saving = manager->onWillSleep([&] {
-        locksDuringSave = mock->sleepLocks();
-        defaults.setData("key", "saved");
-        defaults.flush();
-    });
-    ASSERT_TRUE(waitUntilHeld());
-
-    mock->announce("PrepareForSleep", true);
-    ASSERT_TRUE(runUntil([this] { return mock->sleepLocks() == 0; }));
-    EXPECT_EQ(contentOf(home / "key"), "saved");
-    EXPECT_EQ(locksDuringSave, 1);
-    EXPECT_THAT(events, ElementsAre("sleep"));
-
-    mock->announce("PrepareForSleep", false);
-    ASSERT_TRUE(runUntil([this] { return events.size() == 2 && isHeld(); }));
-    EXPECT_THAT(events, ElementsAre("sleep", "wake"));
-}
-
-TEST_F(LoginManagerEvents, ComeOnceForEachChange) {
+TEST_F(LoginManagerEvents, ComeOnceForEachChangeAndHoldTheMachineMeanwhile) {
+    std::vector<int> locks;
+    const auto saving = manager->onWillSleep([&] { locks.push_back(mock->sleepLocks()); });
     ASSERT_TRUE(waitUntilHeld());
     for (const bool going : {false, true, true, false, false, true, false}) {
         mock->announce("PrepareForSleep", going);
@@ -67,6 +46,7 @@ TEST_F(LoginManagerEvents, ComeOnceForEachChange) {
     ASSERT_TRUE(runUntil([this] { return events.size() >= 4; }));
     ASSERT_TRUE(waitUntilHeld());
     EXPECT_THAT(events, ElementsAre("sleep", "wake", "sleep", "wake"));
+    EXPECT_EQ(locks.front(), 1);
 }
 
 TEST_F(LoginManagerEvents, ComeFromALoginManagerThatAppearsLaterOrRestarts) {

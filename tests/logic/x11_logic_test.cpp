@@ -20,14 +20,6 @@
 namespace vantrel::x11 {
 namespace {
 
-TEST(PixelMapTest, PutsTheOriginAtTheBottomLeftOfThePrimaryDisplay) {
-    const PixelMap map({{QRect(1920, 0, 2560, 1440), 1}, {QRect(0, 200, 1920, 1080), 1}});
-    EXPECT_EQ(map.frame(0), (GlobalRect{0, 0, 2560, 1440}));
-    EXPECT_EQ(map.frame(1), (GlobalRect{-1920, 160, 1920, 1080}));
-    EXPECT_EQ(map.toGlobal(QPoint(1920, 1439)), (GlobalPoint{0, 1}));
-    EXPECT_EQ(map.toGlobal(QPoint(0, 200)), (GlobalPoint{-1920, 1240}));
-}
-
 TEST(PixelMapTest, KeepsScaledDisplaysTouching) {
     const PixelMap alike({{QRect(0, 0, 3840, 2160), 2}, {QRect(3840, 0, 3840, 2160), 2}});
     EXPECT_EQ(alike.frame(1), (GlobalRect{1920, 0, 1920, 1080}));

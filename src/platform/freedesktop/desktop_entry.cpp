@@ -1,5 +1,7 @@
 #include "platform/freedesktop/desktop_entry.h"
 
+#include "platform/text.h"
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -10,7 +12,6 @@ namespace vantrel {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view blanks = " \t\r\n\v\f";
 constexpr std::string_view mainGroupName = "[Desktop Entry]";
 // A word with one of these has to be quoted, and these four be escaped even then.
 constexpr std::string_view reserved = " \t\n\"'\\><~|&;$*?#()`";
@@ -21,12 +22,6 @@ constexpr std::array<std::pair<char, char>, 5> escapes{
 
 bool contains(std::string_view set, char character) {
     return set.find(character) != std::string_view::npos;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = std::min(text.find_first_not_of(blanks), text.size());
-    text.remove_prefix(first);
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
 std::string_view lineEnd(std::string_view line) {

@@ -1,16 +1,12 @@
 #include "platform/freedesktop/environment_locale.h"
 
-#include <cstdlib>
+#include "platform/text.h"
+
 #include <sstream>
 #include <string_view>
 
 namespace vantrel {
 namespace {
-
-std::string variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
 
 // "zh_CN.UTF-8@modifier" without its encoding and modifier.
 std::string tagOf(const std::string& locale) {
@@ -33,7 +29,8 @@ std::string localeOf(const LocaleVariables& variables) {
 } // namespace
 
 LocaleVariables LocaleVariables::fromEnvironment() {
-    return {variable("LANGUAGE"), variable("LC_ALL"), variable("LC_MESSAGES"), variable("LANG")};
+    return {environment("LANGUAGE"), environment("LC_ALL"), environment("LC_MESSAGES"),
+            environment("LANG")};
 }
 
 std::vector<std::string> preferredLanguages(const LocaleVariables& variables) {

@@ -1,9 +1,8 @@
 #include "platform/freedesktop/xdg_directories.h"
 
-#include "platform/freedesktop/files.h"
+#include "platform/text.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <pwd.h>
 #include <sstream>
 #include <string>
@@ -16,8 +15,8 @@ namespace {
 using std::filesystem::path;
 
 std::string variable(const char* name, const char* otherwise = "") {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    const auto value = environment(name);
+    return value.empty() ? otherwise : value;
 }
 
 path home() {
@@ -67,22 +66,6 @@ bool offerToSession(const path& dataFolder, const path& place) {
     using enum std::filesystem::copy_options;
     std::filesystem::copy(source, copy, recursive | overwrite_existing, error);
     return !error;
-}
-
-void renewOffered(const path& dataFolder, const path& place) {
-    std::error_code error;
-    const auto copy = dataDirectories().front() / place;
-    if (!std::filesystem::exists(copy, error)) {
-        return;
-    }
-    for (std::filesystem::recursive_directory_iterator file(dataFolder / place, error), end;
-         !error && file != end; file.increment(error)) {
-        const auto target = copy / file->path().lexically_relative(dataFolder / place);
-        if (const auto content = readFile(*file); content && content != readFile(target)) {
-            std::filesystem::create_directories(target.parent_path(), error);
-            replaceFile(target, *content, 0644);
-        }
-    }
 }
 
 } // namespace vantrel

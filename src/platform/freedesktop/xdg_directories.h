@@ -15,7 +15,4 @@ std::vector<std::filesystem::path> dataDirectories();
 // they will.
 bool offerToSession(const std::filesystem::path& dataFolder, const std::filesystem::path& place);
 
-// Brings such a copy up to date, where there is one: the session finds it before any other.
-void renewOffered(const std::filesystem::path& dataFolder, const std::filesystem::path& place);
-
 } // namespace vantrel

@@ -162,8 +162,8 @@ void KWinScript::lookAfterEffect() {
          [this](const QDBusMessage& answer) {
              if (!valueIn(answer).toBool()) {
                  effectAttempts_ = 0;
-                 // An earlier version's would not fit this script.
-                 renewOffered(dataFolder_, effectPlace);
+                 // In place of an earlier version's, which would not fit this script.
+                 offerToSession(dataFolder_, effectPlace);
                  loadEffect();
              }
          });
@@ -175,7 +175,6 @@ void KWinScript::loadEffect() {
              const bool isLoaded = valueIn(answer).toBool();
              update(state_, isLoaded);
              if (!isLoaded && ++effectAttempts_ < mostEffectAttempts) {
-                 offerToSession(dataFolder_, effectPlace);
                  effectRetry_.start();
              }
          });

@@ -1,6 +1,6 @@
 #include "platform/x11/activation.h"
 
-#include <optional>
+#include "platform/x11/property.h"
 
 namespace vantrel::x11 {
 
@@ -21,18 +21,6 @@ void tellWindowManager(const Connection& connection, xcb_window_t window, Atom w
     xcb_send_event(connection.xcb(), 0, connection.root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
-}
-
-std::optional<std::uint32_t> numberOf(const Connection& connection, xcb_window_t window,
-                                      Atom property) {
-    const auto cookie = xcb_get_property(connection.xcb(), 0, window, connection.atom(property),
-                                         XCB_ATOM_CARDINAL, 0, 1);
-    const Owned<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection.xcb(), cookie, nullptr));
-    if (!reply || reply->format != 32 || reply->value_len != 1) {
-        return std::nullopt;
-    }
-    return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
 }
 
 } // namespace

@@ -32,6 +32,8 @@ struct X11Desktop {
 
     EventLoop eventLoop;
     SystemClock clock;
+    // Events are drained by each in this order: the displays are read anew before presses and
+    // motion are told of, which go by them.
     X11Screens screens;
     X11Pointer pointer;
     X11EventMonitors eventMonitors;

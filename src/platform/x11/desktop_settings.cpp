@@ -1,5 +1,8 @@
 #include "platform/x11/desktop_settings.h"
 
+#include "platform/text.h"
+#include "platform/x11/property.h"
+#include "platform/x11/selection.h"
 #include "platform/x11/text.h"
 
 #include <variant>
@@ -76,21 +79,6 @@ std::optional<Setting> settingOf(std::string_view block, std::string_view name) 
     return std::nullopt;
 }
 
-// The whole of a property of bytes; empty when there is none.
-std::string readBytes(const Connection& connection, xcb_window_t window, xcb_atom_t property) {
-    constexpr std::uint32_t maximumWords = 1 << 18;
-    const Owned<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection.xcb(),
-                               xcb_get_property(connection.xcb(), 0, window, property,
-                                                XCB_GET_PROPERTY_TYPE_ANY, 0, maximumWords),
-                               nullptr));
-    if (!reply || reply->format != 8) {
-        return {};
-    }
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-}
-
 } // namespace
 
 std::optional<std::string_view> resourceOf(std::string_view resources, std::string_view name) {
@@ -121,25 +109,15 @@ std::optional<std::string_view> textSetting(std::string_view block, std::string_
 }
 
 std::string readResources(const Connection& connection) {
-    return readBytes(connection, connection.root(), connection.atom(Atom::resourceManager));
+    return bytesOf(connection, connection.root(), Atom::resourceManager);
 }
 
 xcb_window_t settingsOwner(const Connection& connection) {
-    const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection.xcb(),
-        xcb_get_selection_owner(connection.xcb(), connection.atom(Atom::xsettings)), nullptr));
-    return reply ? reply->owner : xcb_window_t{XCB_NONE};
+    return selectionOwner(connection, connection.atom(Atom::xsettings));
 }
 
 std::string readSettings(const Connection& connection, xcb_window_t owner) {
-    return owner == XCB_NONE
-               ? std::string()
-               : readBytes(connection, owner, connection.atom(Atom::xsettingsSettings));
-}
-
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
+    return owner == XCB_NONE ? std::string() : bytesOf(connection, owner, Atom::xsettingsSettings);
 }
 
 } // namespace vantrel::x11

@@ -27,7 +27,4 @@ namespace vantrel::x11 {
 [[nodiscard]] xcb_window_t settingsOwner(const Connection& connection);
 [[nodiscard]] std::string readSettings(const Connection& connection, xcb_window_t owner);
 
-// A variable; empty when it is not set.
-[[nodiscard]] std::string environment(const char* name);
-
 } // namespace vantrel::x11

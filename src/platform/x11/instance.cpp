@@ -1,5 +1,6 @@
 #include "platform/x11/instance.h"
 
+#include "platform/x11/property.h"
 #include "platform/x11/selection.h"
 
 #include <utility>
@@ -49,21 +50,11 @@ std::unique_ptr<Instance> Instance::claim(const Connection& connection,
 }
 
 std::optional<std::string> Instance::find(const Connection& connection) {
-    constexpr std::uint32_t maximumWords = 64;
     const auto owner = selectionOwner(connection, connection.atom(Atom::instance));
     if (owner == XCB_NONE) {
         return std::nullopt;
     }
-    const auto cookie =
-        xcb_get_property(connection.xcb(), 0, owner, connection.atom(Atom::instanceAddress),
-                         connection.atom(Atom::utf8String), 0, maximumWords);
-    const Owned<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection.xcb(), cookie, nullptr));
-    if (!reply || reply->format != 8) {
-        return "";
-    }
-    return std::string(static_cast<const char*>(xcb_get_property_value(reply.get())),
-                       static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+    return bytesOf(connection, owner, Atom::instanceAddress);
 }
 
 } // namespace vantrel::x11

@@ -1,5 +1,7 @@
 #include "platform/x11/screens.h"
 
+#include "platform/x11/property.h"
+
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -106,23 +108,13 @@ void readRate(const Connection& connection, Monitor& monitor, const Rates& rates
 
 // What the desktop's panels leave, in pixels; the whole root window when nobody tells.
 QRect readWorkArea(const Connection& connection) {
-    const auto number = [&connection](Atom property, std::uint32_t offset, std::uint32_t count) {
-        return Owned<xcb_get_property_reply_t>(xcb_get_property_reply(
-            connection.xcb(),
-            xcb_get_property(connection.xcb(), 0, connection.root(), connection.atom(property),
-                             XCB_ATOM_CARDINAL, offset, count),
-            nullptr));
-    };
-    const auto desktop = number(Atom::currentDesktop, 0, 1);
-    const bool known = desktop && xcb_get_property_value_length(desktop.get()) == 4;
-    const auto index =
-        known ? *static_cast<const std::uint32_t*>(xcb_get_property_value(desktop.get())) : 0U;
-    const auto area = number(Atom::workArea, index * 4, 4);
-    if (!area || xcb_get_property_value_length(area.get()) != 16) {
+    const auto desktop = numberOf(connection, connection.root(), Atom::currentDesktop).value_or(0);
+    const auto area = numbersOf(connection, connection.root(), Atom::workArea, desktop * 4, 4);
+    if (area.size() != 4) {
         return {QPoint(0, 0), connection.rootSize()};
     }
-    const auto* values = static_cast<const std::int32_t*>(xcb_get_property_value(area.get()));
-    return {values[0], values[1], values[2], values[3]};
+    const auto pixels = [&area](std::size_t at) { return static_cast<int>(area[at]); };
+    return {pixels(0), pixels(1), pixels(2), pixels(3)};
 }
 
 } // namespace

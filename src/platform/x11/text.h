@@ -6,8 +6,6 @@
 
 namespace vantrel::x11 {
 
-// Without the blanks at its ends.
-[[nodiscard]] std::string_view trimmed(std::string_view text);
 [[nodiscard]] std::vector<std::string_view> split(std::string_view text, char separator);
 // A number above zero, with nothing but blanks around it.
 [[nodiscard]] std::optional<double> positiveNumber(std::string_view text);

@@ -1,5 +1,7 @@
 #include "platform/x11/xwayland.h"
 
+#include "platform/x11/property.h"
+
 #include <span>
 #include <string_view>
 #include <utility>
@@ -104,15 +106,8 @@ bool XwaylandPointer::isInside(xcb_window_t window) {
 // along would hand the clicks on the upper window to the lower one.
 bool XwaylandPointer::isFocused() {
     if (std::exchange(focusIsStale_, false)) {
-        const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-            connection_.xcb(),
-            xcb_get_property(connection_.xcb(), 0, connection_.root(),
-                             connection_.atom(Atom::activeWindow), XCB_ATOM_WINDOW, 0, 1),
-            nullptr));
         // Not every compositor says.
-        focused_ =
-            !reply || xcb_get_property_value_length(reply.get()) != sizeof(xcb_window_t) ||
-            *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get())) != XCB_NONE;
+        focused_ = numberOf(connection_, connection_.root(), Atom::activeWindow) != XCB_NONE;
     }
     return focused_;
 }

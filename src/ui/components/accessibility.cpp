@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QAccessibleWidget>
+#include <QLabel>
 #include <QVariant>
 #include <QWidget>
 
@@ -26,6 +27,11 @@ public:
 
     [[nodiscard]] QAccessible::Role role() const override {
         return roleOf(*object()).value_or(QAccessible::NoRole);
+    }
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        const auto* label = qobject_cast<QLabel*>(widget());
+        return label != nullptr && kind == QAccessible::Name ? label->text()
+                                                             : QAccessibleWidget::text(kind);
     }
     [[nodiscard]] QAccessible::State state() const override {
         auto state = QAccessibleWidget::state();
@@ -106,6 +112,14 @@ void nameForScreenReaders(ViewContext& view, QWidget* widget, const Wording& nam
     view.follow(widget, [widget, &view, name] {
         if (const auto said = view.say(name); said != widget->accessibleName()) {
             widget->setAccessibleName(said);
+        }
+    });
+}
+
+void describeForScreenReaders(ViewContext& view, QWidget* widget, const Wording& description) {
+    view.follow(widget, [widget, &view, description] {
+        if (const auto said = view.say(description); said != widget->accessibleDescription()) {
+            widget->setAccessibleDescription(said);
         }
     });
 }

@@ -12,7 +12,8 @@ void setAccessibleRole(QWidget* widget, QAccessible::Role role);
 // For decoration, and for the faces of buttons that have a name themselves. Counts for everything
 // inside the widget too.
 void hideFromScreenReaders(QWidget* widget);
-// Follows the language. Screen readers hear of it only when it changes.
+// Follow the language. Screen readers hear of it only when it changes.
 void nameForScreenReaders(ViewContext& view, QWidget* widget, const Wording& name);
+void describeForScreenReaders(ViewContext& view, QWidget* widget, const Wording& description);
 
 } // namespace vantrel

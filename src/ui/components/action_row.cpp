@@ -1,5 +1,6 @@
 #include "ui/components/action_row.h"
 
+#include "ui/components/accessibility.h"
 #include "ui/components/label.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
@@ -26,8 +27,7 @@ ActionRow::ActionRow(ViewContext& view, const Wording& title, std::string_view s
     : PlainButton(view, title, action, face(view, title, symbol, subtitle)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     if (subtitle) {
-        view.follow(this,
-                    [this, &view, text = *subtitle] { setAccessibleDescription(view.say(text)); });
+        describeForScreenReaders(view, this, *subtitle);
     }
 }
 

@@ -47,11 +47,11 @@ void VantrelBackground::keyPressEvent(QKeyEvent* event) {
 }
 
 void VantrelBackground::paintEvent(QPaintEvent* /*event*/) {
-    const auto window = palette().color(QPalette::Window);
+    const auto [from, to] = windowEnds(palette());
     QLinearGradient gradient(0, 0, width(), height());
-    gradient.setColorAt(0, laidOver(window, QColor::fromRgbF(0.0F, 0.48F, 1.0F), 0.08));
-    gradient.setColorAt(0.5, window);
-    gradient.setColorAt(1, laidOver(window, QColor::fromRgbF(1.0F, 0.8F, 0.0F), 0.04));
+    gradient.setColorAt(0, from);
+    gradient.setColorAt(0.5, palette().color(QPalette::Active, QPalette::Window));
+    gradient.setColorAt(1, to);
     QPainter(this).fillRect(rect(), gradient);
 }
 

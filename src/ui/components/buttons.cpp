@@ -1,11 +1,11 @@
 #include "ui/components/buttons.h"
 
+#include "input/enter_key.h"
 #include "ui/components/accessibility.h"
 #include "ui/components/label.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -92,9 +92,10 @@ void PlainButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 PlainButton* iconButton(ViewContext& view, std::string_view symbol, int fontSize, Tone tone,
-                        const Wording& name, const std::function<void()>& action) {
+                        const Wording& name, const std::function<void()>& action,
+                        const QMargins& padding) {
     auto* button = new PlainButton(view, name, action,
-                                   row(0, {new Symbol(symbol, fontSize, tone)})->padded(4));
+                                   row(0, {new Symbol(symbol, fontSize, tone)})->padded(padding));
     view.follow(button, [button, &view, name] { button->setToolTip(view.say(name)); });
     return button;
 }
@@ -106,7 +107,7 @@ PlainButton* labelButton(ViewContext& view, std::string_view symbol, const Wordi
 }
 
 bool clickOnEnter(QAbstractButton& button, const QKeyEvent& event) {
-    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    const bool enter = isEnter(event);
     if (enter && !event.isAutoRepeat()) {
         button.click();
     }

@@ -3,6 +3,7 @@
 #include "ui/components/style.h"
 #include "ui/components/view_context.h"
 
+#include <QMargins>
 #include <QPushButton>
 
 #include <functional>
@@ -27,7 +28,8 @@ protected:
 // A pictogram alone; screen readers are told the name.
 [[nodiscard]] PlainButton* iconButton(ViewContext& view, std::string_view symbol, int fontSize,
                                       Tone tone, const Wording& name,
-                                      const std::function<void()>& action);
+                                      const std::function<void()>& action,
+                                      const QMargins& padding = {4, 4, 4, 4});
 // A pictogram with its title beside it.
 [[nodiscard]] PlainButton* labelButton(ViewContext& view, std::string_view symbol,
                                        const Wording& title, const TextStyle& style,

@@ -1,5 +1,6 @@
 #include "ui/components/label.h"
 
+#include "ui/components/accessibility.h"
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
@@ -8,6 +9,9 @@
 namespace vantrel {
 
 Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) : style_(style) {
+    if (style.size >= titleText.size) {
+        setAccessibleRole(this, QAccessible::Heading);
+    }
     setFont(style.font());
     setTextFormat(Qt::PlainText);
     setForegroundRole(QPalette::WindowText); // also on a button

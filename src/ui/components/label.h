@@ -9,7 +9,8 @@
 namespace vantrel {
 
 // A text in a style, which follows the language and the palette. A single line is as high as one of
-// its own font, whatever font the desktop has for the letters that this one lacks.
+// its own font, whatever font the desktop has for the letters that this one lacks. Screen readers
+// are told of a heading where it is as large as a title.
 class Label : public QLabel {
 public:
     Label(ViewContext& view, const Wording& wording, const TextStyle& style = bodyText);

@@ -25,11 +25,12 @@ double luminance(const QColor& color) {
 // Where a text of that colour is read worst: on what is most like it of all that it may lie on,
 // under a faint fill of its own.
 QColor groundOf(const QColor& text, const QPalette& palette) {
-    QColor worst = palette.color(QPalette::Active, QPalette::Window);
-    for (const auto role : {QPalette::Base, QPalette::Button}) {
-        const auto ground = palette.color(QPalette::Active, role);
-        worst = contrast(ground, text) < contrast(worst, text) ? ground : worst;
-    }
+    const auto [from, to] = windowEnds(palette);
+    const auto worst = std::min({from, to, palette.color(QPalette::Active, QPalette::Base),
+                                 palette.color(QPalette::Active, QPalette::Button)},
+                                [&text](const QColor& a, const QColor& b) {
+                                    return contrast(a, text) < contrast(b, text);
+                                });
     return laidOver(worst, text, 0.1);
 }
 
@@ -59,6 +60,12 @@ QColor laidOver(const QColor& below, const QColor& color, double opacity) {
     return QColor::fromRgbF(mixed(below.redF(), color.redF()),
                             mixed(below.greenF(), color.greenF()),
                             mixed(below.blueF(), color.blueF()));
+}
+
+std::pair<QColor, QColor> windowEnds(const QPalette& palette) {
+    const auto window = palette.color(QPalette::Active, QPalette::Window);
+    return {laidOver(window, QColor::fromRgbF(0.0F, 0.48F, 1.0F), 0.08),
+            laidOver(window, QColor::fromRgbF(1.0F, 0.8F, 0.0F), 0.04)};
 }
 
 bool isDark(const QPalette& palette) {

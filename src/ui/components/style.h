@@ -8,6 +8,8 @@
 #include <QPalette>
 #include <QRectF>
 
+#include <utility>
+
 class QPainter;
 class QWidget;
 
@@ -38,6 +40,9 @@ enum class Density : unsigned char { compact, regular };
 // Over an opaque colour.
 [[nodiscard]] QColor laidOver(const QColor& below, const QColor& color, double opacity);
 
+// From the upper left of a window to its lower right its ground runs from the first of these by the
+// window's colour to the second.
+[[nodiscard]] std::pair<QColor, QColor> windowEnds(const QPalette& palette);
 [[nodiscard]] bool isDark(const QPalette& palette);
 // Where the toolkit has no colours of the desktop's.
 [[nodiscard]] QPalette darkPalette();

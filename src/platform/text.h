@@ -1,0 +1,24 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace vantrel {
+
+inline constexpr std::string_view blanks = " \t\r\n\v\f";
+
+// Without the blanks at its ends.
+[[nodiscard]] inline std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+// A variable of the environment; empty when it is not set.
+[[nodiscard]] inline std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+} // namespace vantrel
