@@ -302,7 +302,8 @@ void Connection::handle(Kinds kinds) {
     dispatching_ = true;
     for (int batches = 0; batches < most; ++batches) {
         beginTurn();
-        if (!deliverBatch(kinds)) {
+        // What is left of a batch is acted on together with what was taken of it.
+        if (!deliverBatch(kinds) || ahead_) {
             break;
         }
         forEachHandler([](EventHandler& handler) { handler.eventsDrained(); });
