@@ -13,9 +13,10 @@ namespace {
 
 // Of a compositor that lets programs draw, and tells them where the pointer is as a rule.
 constexpr Text hiddenPointer{
-    "The compositor does not tell where the pointer is, as while something records it. Let the "
-    "recorder leave the pointer out.",
-    "合成器未告知指针位置，例如正在录制指针时。请让录制程序不包含指针。"};
+    "The compositor does not tell where the pointer is, as while something records it, or without "
+    "a "
+    "mouse. Let the recorder leave the pointer out.",
+    "合成器未告知指针位置，例如正在录制指针或没有鼠标时。请让录制程序不包含指针。"};
 
 // Those that do so in newer versions than this one.
 struct WayOut {
@@ -104,10 +105,6 @@ bool lacksDrawing(const SessionMeans& means) {
     return means.drawing == Means::xwayland || means.drawing == Means::none;
 }
 
-bool lacksSomething(const SessionMeans& means) {
-    return lacksDrawing(means) || lacksPointer(means);
-}
-
 // Whatever the desktop itself comes to draw.
 bool mayLackSomething(const ViewContext& view) {
     const auto means = meansOf(view.desktop().application.offer());
@@ -126,13 +123,15 @@ QString noticeText(const ViewContext& view, bool english) {
     return text(english) + wayOutOf(desktop.application.compositor())(english);
 }
 
+// What passes by itself needs none.
 QWidget* dismissButton(ViewContext& view) {
-    return iconButton(view, "xmark.circle", 13, Tone::secondary, Text{"Dismiss notice", "关闭提示"},
-                      [&view] {
-                          const auto key = dismissedKey(view.state().marks().get());
-                          view.desktop().userDefaults.setBoolean(key, true);
-                          view.refresh();
-                      });
+    auto* button = iconButton(view, "xmark.circle", 13, Tone::secondary,
+                              Text{"Dismiss notice", "关闭提示"}, [&view] {
+                                  const auto key = dismissedKey(view.state().marks().get());
+                                  view.desktop().userDefaults.setBoolean(key, true);
+                                  view.refresh();
+                              });
+    return view.showWhile(button, [&view] { return !lacksPointer(view.state().means()); });
 }
 
 // With a button for it, or null, at its end.
@@ -154,8 +153,10 @@ QWidget* notice(ViewContext& view, const QMargins& around, QWidget* button,
 } // namespace
 
 bool hasWaylandNotice(const ViewContext& view) {
-    return lacksSomething(view.state().means()) &&
-           !view.desktop().userDefaults.boolean(dismissedKey(view.state().marks().get()));
+    const auto means = view.state().means();
+    return lacksPointer(means) ||
+           (lacksDrawing(means) &&
+            !view.desktop().userDefaults.boolean(dismissedKey(view.state().marks().get())));
 }
 
 QWidget* waylandNotice(ViewContext& view, const QMargins& around) {

@@ -139,7 +139,7 @@ TEST_F(WaylandPanelTest, TellsWhenThePointerHasBeenUnknownForAWhile) {
         desktop.mainQueue.advance(seconds);
         update();
         return says("The compositor does not tell where the pointer is, as while something records "
-                    "it. Let the recorder leave the pointer out.");
+                    "it, or without a mouse. Let the recorder leave the pointer out.");
     };
     setMode(CursorMode::laser);
     EXPECT_FALSE(isSaid(3));

@@ -104,8 +104,9 @@ void AppState::showMarks() {
 }
 
 void AppState::watchPointer() {
-    const bool isFollowed =
-        mode_.get() != CursorMode::off && !suspended_ && marks_.get() != MarksState::available;
+    const bool isFollowed = mode_.get() != CursorMode::off && !suspended_ &&
+                            marks_.get() != MarksState::available &&
+                            meansOf(desktop_.application.offer()).pointer == Means::cursorSession;
     pointerTask_.cancel();
     if (!isFollowed || overlays_.knowsPointer()) {
         pointerKnown_.set(true);

@@ -55,7 +55,8 @@ public:
     [[nodiscard]] const Observable<MarksState>& marks() const { return marks_; }
     // By what marks are shown now.
     [[nodiscard]] SessionMeans means() const;
-    // False while it should be followed and the desktop does not tell where it is.
+    // False while it should be followed and a compositor that does so as a rule does not tell where
+    // it is.
     [[nodiscard]] const Observable<bool>& pointerKnown() const { return pointerKnown_; }
     // False only when presses should be seen and cannot be.
     [[nodiscard]] const Observable<bool>& clickAvailable() const { return clickAvailable_; }

@@ -23,8 +23,8 @@ namespace vantrel {
 // All operations are called from one thread.
 //
 // Several programs may share the folder. A value that this one leaves as it was is not written over
-// what another one has stored since. What the program cannot use, or not even read, is kept beside
-// the value that replaces it.
+// what another one has stored since, nor over the same in other words. What the program cannot use,
+// or not even read, is kept beside the value that replaces it.
 class FileUserDefaults final : public UserDefaults {
 public:
     // "vantrel" below $XDG_CONFIG_HOME or ~/.config.

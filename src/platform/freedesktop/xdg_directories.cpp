@@ -61,7 +61,11 @@ bool offerToSession(const path& dataFolder, const path& place) {
     if (found != folders.end() && std::filesystem::equivalent(*found / place, source, error)) {
         return true;
     }
+    // A link is somebody's own arrangement.
     const auto copy = folders.front() / place;
+    if (std::filesystem::is_symlink(copy, error)) {
+        return false;
+    }
     std::filesystem::create_directories(copy.parent_path(), error);
     using enum std::filesystem::copy_options;
     std::filesystem::copy(source, copy, recursive | overwrite_existing, error);

@@ -69,9 +69,10 @@ bool install(const QString& uuid, const std::filesystem::path& dataFolder) {
 
 // What the shell has may be of an earlier program, also where it does not load or work; an update
 // has not reached a copy of the user's own.
-bool mayBeOutdated(MarksState state) {
+bool mayBeOutdated(const ShellReport& report) {
+    const auto state = stateOf(report);
     return state == MarksState::otherVersion || state == MarksState::unsupported ||
-           state == MarksState::failed;
+           (state == MarksState::failed && !report.version);
 }
 
 } // namespace
@@ -331,7 +332,7 @@ void ShellExtension::update(Change change) {
     const auto before = state();
     change(report_);
     if (state() != before) {
-        if (mayBeOutdated(state())) {
+        if (mayBeOutdated(report_)) {
             install(uuid_, dataFolder_);
         }
         changes_.notify();

@@ -30,7 +30,8 @@ inline constexpr std::uint8_t eventNumber(const xcb_generic_event_t& event) {
 }
 
 // Hears every event. Handlers look for what is theirs. They must not run an event loop of their
-// own: nothing is delivered while one of them is busy.
+// own: nothing is delivered while one of them is busy, and they may have been called from within
+// the wait of the loop.
 class EventHandler {
 public:
     virtual ~EventHandler() = default;

@@ -9,7 +9,8 @@ namespace vantrel::x11 {
 
 namespace {
 
-// What is begun meanwhile, such as a timer, comes into effect with the next turn of Qt's loop.
+// What is begun meanwhile, such as a timer, comes into effect with the next turn of Qt's loop,
+// which is no later than after that.
 constexpr std::chrono::milliseconds longestStay(500);
 
 // That which waits in place of the loop; there is one loop.
@@ -57,21 +58,22 @@ void EventLoop::dispatch() {
     }
 }
 
-// As poll(), of which it is the loop's.
+// In place of the loop's poll().
 int EventLoop::wait(GPollFD* descriptors, unsigned count, int timeout) {
+    using std::chrono::milliseconds;
     const auto start = Clock::now();
+    const auto longest = timeout < 0 ? longestStay : std::min(longestStay, milliseconds(timeout));
     int left = timeout;
     while (true) {
         const int ready = formerWait(descriptors, count, left);
-        const std::chrono::milliseconds passed =
-            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-        if (ready != 1 || passed > longestStay || !isAlone(descriptors, count) ||
-            !connection_.dispatchFrames()) {
+        if (ready != 1 || !isAlone(descriptors, count) || !connection_.dispatchFrames()) {
             return ready;
         }
         connection_.beginTurn();
-        if (timeout >= 0) {
-            left = std::max(timeout - static_cast<int>(passed.count()), 0);
+        const auto passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+        left = static_cast<int>((longest - passed).count());
+        if (left <= 0) {
+            return ready;
         }
     }
 }

@@ -217,7 +217,7 @@ Window {
     }
 
     function meet(window) {
-        const ours = /^vantrel-(mark|ring)\b/.exec(window.caption);
+        const ours = /^vantrel-(mark|ring)(?= <\d+>$|$)/.exec(window.caption);
         if (ours) {
             leaveOut(window);
             if (ours[0] === title)
