@@ -231,12 +231,13 @@ TEST_F(ControlTest, ABusThatSaysNothingHoldsNothingUp) {
         EXPECT_EQ(errors(), "vantrel: the session bus does not answer; going on without it\n");
         EXPECT_TRUE(says({"quit"}));
         // Nor is a terminal needed that hears it say so.
-        auto all = server.environment();
-        all.merge(Environment(environment));
+        auto all = environment;
+        all.merge(server.environment());
         const ChildProcess unheard(
             {.arguments = {"sh", "-c", R"("$1" 2>&1 | true)", "sh", programUnderTest()},
              .environment = all});
         EXPECT_TRUE(waitFor([this] { return says({"status"}, "laser"); }));
+        std::this_thread::sleep_for(1500ms);
         EXPECT_TRUE(says({"quit"}));
     }
 }
