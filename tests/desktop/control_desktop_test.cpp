@@ -7,6 +7,8 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 
+#include <thread>
+
 namespace vantrel::desktop {
 namespace {
 

@@ -277,13 +277,9 @@ bool Connection::deliverBatch(Kinds kinds) {
     if (!ahead_) {
         ahead_.reset(xcb_poll_for_event(connection_));
     }
-    while (ahead_ && (kinds == Kinds::all || isFrameOrMotion(*ahead_))) {
+    while (hasQueuedEvents() && (kinds == Kinds::all || isFrameOrMotion(*ahead_))) {
         any = true;
-        const auto event = std::exchange(ahead_, nullptr);
-        deliver(*event);
-        if (!ahead_) {
-            ahead_.reset(xcb_poll_for_queued_event(connection_));
-        }
+        deliver(*std::exchange(ahead_, nullptr));
     }
     return any;
 }
