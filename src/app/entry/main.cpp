@@ -1,14 +1,8 @@
-#include "app/entry/background.h"
 #include "app/entry/command_language.h"
-#include "app/entry/running_instance.h"
 #include "app/entry/start.h"
 #include "platform/freedesktop/installed_bundle.h"
-#include "platform/freedesktop/session_address.h"
-#include "platform/x11/connection.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
@@ -65,8 +59,6 @@ constexpr std::string_view chineseUsage =
     "\n"
     "退出状态：0 完成，1 失败，2 无法理解，3 Vantrel 未在此显示器上运行。";
 
-constexpr std::chrono::seconds startTimeout(30);
-
 using Status = CommandAnswer::Status;
 
 CommandAnswer misunderstood(const CommandWords& words) {
@@ -88,46 +80,25 @@ void openStandardDescriptors() {
     close(descriptor);
 }
 
-// The program itself is a module: a command is answered before its libraries would be loaded.
-int runProgram(const Start& start) {
+// Both the program and a command to the running one are modules: neither loads what only the other
+// needs, and each library that the executable itself needed would be searched for every symbol of
+// the program, before those that have it.
+int run(const Module& module, const Start& start) {
     const auto executable = runningExecutable();
     if (executable.empty()) {
         return report(failure(said("cannot determine its own path", "无法确定自身的路径")));
     }
-    const auto path = executable.parent_path() / VANTREL_PROGRAM_FROM_EXECUTABLE;
-    void* program = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
-    void* function = program != nullptr ? dlsym(program, runProgramName) : nullptr;
+    const auto path = executable.parent_path() / VANTREL_MODULES_FROM_EXECUTABLE / module.file;
+    void* loaded = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    void* function = loaded != nullptr ? dlsym(loaded, module.function) : nullptr;
     if (function == nullptr) {
         return report(failure(said("cannot load the program: ", "无法加载程序：") + dlerror()));
     }
-    return reinterpret_cast<RunProgram*>(function)(start);
+    return reinterpret_cast<RunModule*>(function)(start);
 }
 
-// Nothing when no instance runs.
-std::optional<CommandAnswer> giveCommand(const CommandWords& words, const Command& command) {
-    if (const auto session = sessionAddress()) {
-        return askRunningInstance(instanceAt(*session), words, command);
-    }
-    const ServerTimeout serverTimeout;
-    x11::ConnectionError error;
-    const auto connection = x11::Connection::open({}, error);
-    return connection ? askRunningInstance(instanceOn(*connection), words, command)
-                      : unreachable(error);
-}
-
-int runCommand(const Start& start) {
-    if (const auto answer = giveCommand(start.words, start.command)) {
-        return report(*answer);
-    }
-    if (!start.command.startsProgram()) {
-        return report({.status = Status::notRunning,
-                       .text = said("not running on this display", "未在此显示器上运行")});
-    }
-    return runInBackground(startTimeout, [&start](std::function<void()> ready) {
-        Start again = start;
-        again.launched = std::move(ready);
-        return runProgram(again);
-    });
+int runProgram(const Start& start) {
+    return run(programModule, start);
 }
 
 } // namespace
@@ -147,6 +118,7 @@ int main(int argc, char** argv) {
     if (!command) {
         return vantrel::report(vantrel::misunderstood(words));
     }
-    const vantrel::Start start{argc, argv, words, *command, [] {}};
-    return command->isStart() ? vantrel::runProgram(start) : vantrel::runCommand(start);
+    const vantrel::Start start{argc, argv, words, *command, [] {}, vantrel::runProgram};
+    return vantrel::run(command->isStart() ? vantrel::programModule : vantrel::commandModule,
+                        start);
 }

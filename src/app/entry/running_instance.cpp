@@ -5,12 +5,9 @@
 #include "platform/freedesktop/session_address.h"
 #include "platform/x11/instance.h"
 
-#include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 #include <thread>
 
@@ -100,10 +97,6 @@ std::optional<CommandAnswer> askRunningInstance(const FindInstance& find, const 
     return std::nullopt;
 }
 
-CommandAnswer failure(std::string text) {
-    return {.status = Status::failed, .text = std::move(text)};
-}
-
 CommandAnswer unreachable(const x11::ConnectionError& error) {
     const char* compositor = std::getenv("WAYLAND_DISPLAY");
     const char* server = std::getenv("DISPLAY");
@@ -113,18 +106,6 @@ CommandAnswer unreachable(const x11::ConnectionError& error) {
     const auto name = " \"" + std::string(compositor) + "\"";
     return failure(
         said("cannot connect to the Wayland compositor" + name, "无法连接 Wayland 合成器" + name));
-}
-
-int report(const CommandAnswer& answer) {
-    if (answer.status != Status::done) {
-        std::fprintf(stderr, "vantrel: %s\n", answer.text.c_str());
-    } else if (!answer.text.empty()) {
-        std::puts(answer.text.c_str());
-        if (std::fflush(stdout) != 0) {
-            return report(failure(said("cannot write: ", "无法写出：") + std::strerror(errno)));
-        }
-    }
-    return static_cast<int>(answer.status);
 }
 
 } // namespace vantrel

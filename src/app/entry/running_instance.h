@@ -31,12 +31,7 @@ using FindInstance = std::function<std::optional<std::string>()>;
 [[nodiscard]] std::optional<CommandAnswer>
 askRunningInstance(const FindInstance& find, const CommandWords& words, const Command& command);
 
-// An answer without an instance.
-[[nodiscard]] CommandAnswer failure(std::string text);
-// The same where there is neither a compositor nor, as the error says, an X server.
+// The answer where there is neither a compositor nor, as the error says, an X server.
 [[nodiscard]] CommandAnswer unreachable(const x11::ConnectionError& error);
-
-// Tells the caller of this process, and returns its exit status.
-int report(const CommandAnswer& answer);
 
 } // namespace vantrel

@@ -7,7 +7,11 @@
 
 namespace vantrel {
 
-// A process that is about to be the program, or to find that another one is.
+struct Start;
+// The function of a module. Returns the exit status of the process.
+using RunModule = int(const Start&);
+
+// A process that is about to be the program, or to give the running one a command.
 struct Start {
     int argc;
     char** argv;
@@ -16,10 +20,15 @@ struct Start {
     // Called when the command was carried out, by this process, which has become the program, or by
     // one that was quicker.
     std::function<void()> launched;
+    // For a command that finds none running.
+    RunModule* runProgram;
 };
 
-// The function of the program's module, by its name there. Returns the exit status of the process.
-using RunProgram = int(const Start&);
-inline constexpr auto runProgramName = "vantrelRunProgram";
+struct Module {
+    const char* file;
+    const char* function; // its name there
+};
+inline constexpr Module programModule{"program.so", "vantrelRunProgram"};
+inline constexpr Module commandModule{"command.so", "vantrelRunCommand"};
 
 } // namespace vantrel

@@ -63,7 +63,11 @@ StatusNotifier::StatusNotifier(std::function<void()> activated, std::function<vo
     : hostChanged_(std::move(hostChanged)),
       item_(new StatusNotifierAdaptor(this, std::move(activated))),
       menu_(new BusMenu(&menuObject_)) {
-    QMetaObject::invokeMethod(this, &StatusNotifier::start, Qt::QueuedConnection);
+    // After what was begun together with it: the marks come first.
+    const auto later = [this] {
+        QMetaObject::invokeMethod(this, &StatusNotifier::start, Qt::QueuedConnection);
+    };
+    QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
 }
 
 StatusNotifier::~StatusNotifier() {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unistd.h>
 
+#include <xcb/composite.h>
 #include <xcb/present.h>
 #include <xcb/randr.h>
 #include <xcb/shape.h>
@@ -26,6 +27,13 @@ const xcb_screen_t* screenAt(xcb_connection_t* connection, int number) {
     }
     return screens.rem > 0 ? screens.data : nullptr;
 }
+
+constexpr std::array<std::pair<xcb_extension_t*, const char*>, 4> neededExtensions{{
+    {&xcb_randr_id, "RANDR"},
+    {&xcb_input_id, "XInput"},
+    {&xcb_shape_id, "SHAPE"},
+    {&xcb_xfixes_id, "XFIXES"},
+}};
 
 // Depths of the root window for which opaque pictures can be made.
 constexpr std::array<std::uint8_t, 4> usableDepths{16, 24, 30, 32};
@@ -81,11 +89,17 @@ std::optional<ConnectionError> Connection::prepare() {
     }
     rootSize_ = QSize(screen_->width_in_pixels, screen_->height_in_pixels);
     selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    xcb_prefetch_extension_data(connection_, &xcb_present_id);
+    // What is asked about together is answered together.
+    for (const auto& [extension, name] : neededExtensions) {
+        xcb_prefetch_extension_data(connection_, extension);
+    }
+    for (auto* extension : {&xcb_present_id, &xcb_composite_id}) {
+        xcb_prefetch_extension_data(connection_, extension);
+    }
+    internAtoms();
+    findArgbVisual();
     auto missing = missingExtension();
     if (missing.empty()) {
-        internAtoms();
-        findArgbVisual();
         missing = outdatedExtension();
     }
     return missing.empty() ? std::nullopt
@@ -95,16 +109,7 @@ std::optional<ConnectionError> Connection::prepare() {
 
 // A request of an extension that is not there would end the connection.
 std::string Connection::missingExtension() {
-    const std::array<std::pair<xcb_extension_t*, const char*>, 4> needed{{
-        {&xcb_randr_id, "RANDR"},
-        {&xcb_input_id, "XInput"},
-        {&xcb_shape_id, "SHAPE"},
-        {&xcb_xfixes_id, "XFIXES"},
-    }};
-    for (const auto& [extension, name] : needed) {
-        xcb_prefetch_extension_data(connection_, extension);
-    }
-    for (const auto& [extension, name] : needed) {
+    for (const auto& [extension, name] : neededExtensions) {
         if (majorOpcode(*extension) == 0) {
             return name;
         }
