@@ -202,7 +202,6 @@ std::optional<EventMonitors::Token> EventMonitors::addLocal(EventMask mask, Loca
 }
 
 void EventMonitors::remove(Token token) {
-    ++removals;
     if (global_.erase(token) + local_.erase(token) == 0) {
         faults_.add("an event monitor was removed that was not there");
     }

@@ -193,7 +193,6 @@ public:
     bool refusesGlobal = false;
     bool refusesLocal = false;
     int installs = 0;
-    int removals = 0;
 
 private:
     template <typename Handler>

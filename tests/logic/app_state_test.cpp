@@ -262,14 +262,5 @@ TEST_F(AppStateTest, ShowsTheHelpWhereNothingOpensALink) {
     EXPECT_EQ(opened, std::vector{AppWindow::help});
 }
 
-TEST(SettingsTab, HasItsNameAndNoOther) {
-    EXPECT_EQ(caseNamed<SettingsTab>("appearance"), SettingsTab::appearance);
-    EXPECT_EQ(caseNamed<SettingsTab>("controls"), SettingsTab::controls);
-    EXPECT_EQ(caseNamed<SettingsTab>("about"), SettingsTab::about);
-    for (const auto* other : {"", "About", "about ", "help"}) {
-        EXPECT_EQ(caseNamed<SettingsTab>(other), std::nullopt) << other;
-    }
-}
-
 } // namespace
 } // namespace vantrel
