@@ -2,33 +2,14 @@
 // often memory was taken for one round.
 
 #include "overlay/overlay_window_manager.h"
+#include "testdesk/allocations.h"
 #include "testdesk/headless/desktop.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <optional>
-
-namespace {
-std::uint64_t allocations = 0;
-} // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace vantrel {
 namespace {
@@ -53,11 +34,11 @@ struct Stage {
 };
 
 void measure(benchmark::State& state, auto round) {
-    const auto before = allocations;
+    const auto before = desktop::allocations();
     for ([[maybe_unused]] auto _ : state) {
         round();
     }
-    state.counters["allocations"] = benchmark::Counter(static_cast<double>(allocations - before),
+    state.counters["allocations"] = benchmark::Counter(static_cast<double>(desktop::allocations() - before),
                                                        benchmark::Counter::kAvgIterations);
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
-#include <string>
 #include <string_view>
 
 namespace vantrel {
@@ -13,12 +11,6 @@ inline constexpr std::string_view blanks = " \t\r\n\v\f";
 [[nodiscard]] inline std::string_view trimmed(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
-
-// A variable of the environment; empty when it is not set.
-[[nodiscard]] inline std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
 }
 
 } // namespace vantrel

@@ -1,32 +1,7 @@
 #include "support/overlay_fixture.h"
-
-#include <cstdlib>
-#include <new>
+#include "testdesk/allocations.h"
 
 #include <poll.h>
-
-namespace {
-std::uint64_t allocations = 0;
-} // namespace
-
-// None of them inline: the compiler would see std::free() given what another new has made.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    ++allocations;
-    return std::malloc(size);
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace vantrel::desktop {
 namespace {
@@ -44,9 +19,9 @@ TEST_F(OverlayDesktopTest, TakesNoMemoryToFollowThePointer) {
     const auto handleWhatComes = [&] {
         pollfd descriptor{connection->descriptor(), POLLIN, 0};
         poll(&descriptor, 1, 20);
-        const auto before = allocations;
+        const auto before = allocations();
         connection->dispatch();
-        taken += allocations - before;
+        taken += allocations() - before;
     };
     for (int x = 0; x < 200; ++x) {
         input.moveTo({100 + x, 200});

@@ -1,6 +1,6 @@
 #include "platform/freedesktop/environment_locale.h"
 
-#include "platform/text.h"
+#include "platform/environment.h"
 
 #include <sstream>
 #include <string_view>

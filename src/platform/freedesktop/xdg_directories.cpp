@@ -1,6 +1,6 @@
 #include "platform/freedesktop/xdg_directories.h"
 
-#include "platform/text.h"
+#include "platform/environment.h"
 
 #include <algorithm>
 #include <pwd.h>

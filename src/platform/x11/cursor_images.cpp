@@ -1,6 +1,6 @@
 #include "platform/x11/cursor_images.h"
 
-#include "platform/text.h"
+#include "platform/environment.h"
 #include "platform/x11/desktop_settings.h"
 #include "platform/x11/text.h"
 

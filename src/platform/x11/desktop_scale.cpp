@@ -1,5 +1,6 @@
 #include "platform/x11/desktop_scale.h"
 
+#include "platform/environment.h"
 #include "platform/text.h"
 #include "platform/x11/desktop_settings.h"
 #include "platform/x11/text.h"
