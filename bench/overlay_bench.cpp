@@ -38,8 +38,8 @@ void measure(benchmark::State& state, auto round) {
     for ([[maybe_unused]] auto _ : state) {
         round();
     }
-    state.counters["allocations"] = benchmark::Counter(static_cast<double>(desktop::allocations() - before),
-                                                       benchmark::Counter::kAvgIterations);
+    state.counters["allocations"] = benchmark::Counter(
+        static_cast<double>(desktop::allocations() - before), benchmark::Counter::kAvgIterations);
 }
 
 void tickWithNothingChanged(benchmark::State& state) {

@@ -1,13 +1,32 @@
 #include "testdesk/vantrel_program.h"
 
-#include "preferences/preference_encoding.h"
-
 #include <fstream>
 
 namespace vantrel::desktop {
 
 nlohmann::json defaultPreferences() {
-    return nlohmann::json::parse(encodePreferences({}).value());
+    return nlohmann::json::parse(R"({
+        "schemaVersion": 1,
+        "lastMode": "off",
+        "highlight": {
+            "style": "filled",
+            "color": {"red": 0.9803921568627451, "green": 0.8, "blue": 0.08235294117647059},
+            "diameter": 64,
+            "opacity": 0.35,
+            "idleHide": false,
+            "idleSeconds": 3
+        },
+        "click": {"style": "ripple", "left": true, "right": true},
+        "laser": {
+            "color": {"red": 1.0, "green": 0.27058823529411763, "blue": 0.22745098039215686},
+            "diameter": 12,
+            "glow": "medium"
+        },
+        "highlightShortcut": {"keyCode": 4, "modifiers": 6144, "display": "⌃⌥H"},
+        "laserShortcut": {"keyCode": 37, "modifiers": 6144, "display": "⌃⌥L"},
+        "launchAtLogin": false,
+        "language": "system"
+    })");
 }
 
 nlohmann::json preferencesShowing(const std::string& mode) {
