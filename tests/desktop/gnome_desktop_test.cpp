@@ -120,6 +120,11 @@ TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
     };
     session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
     EXPECT_TRUE(comesToTheTop("vantrel"));
+    // Its pale middle.
+    EXPECT_TRUE(waitFor([&] {
+        const QColor color = session.picture().pixelColor(640, 120);
+        return color.red() > 248 && std::abs(color.green() - 228) < 6;
+    }));
     // It gives in to who comes back each time.
     session.evaluate("const {Clutter, GLib} = imports.gi;"
                      "const group = Main.layoutManager.uiGroup;"

@@ -50,6 +50,14 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     type(KEY_K);
     EXPECT_TRUE(waitFor([&] { return window.count("key-" + std::to_string(KEY_K)) == 1; }));
     EXPECT_EQ(window.count("key-" + std::to_string(KEY_L)), 0);
+    for (const int lock : {KEY_CAPSLOCK, KEY_NUMLOCK}) {
+        session.typeChord({lock});
+        type(KEY_L);
+        EXPECT_TRUE(tells("mode", "off")) << lock;
+        type(KEY_L);
+        EXPECT_TRUE(tells("mode", "laser")) << lock;
+        session.typeChord({lock});
+    }
 
     // In menus and the overview too.
     session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
