@@ -68,6 +68,10 @@ TEST(GnomeTest, PlaysARingForEachPressAboveEverything) {
         session.moveTo(++place, 300);
         return waitFor([&] { return window.count("enter") > 0; }, 500ms);
     }));
+    EXPECT_TRUE(waitFor([&] {
+        const QColor middle = session.picture().pixelColor(static_cast<int>(place), 300);
+        return middle.red() > 220 && middle.blue() < 60;
+    }));
     constexpr int most = 8;
     const auto click = [&](int count) {
         for (int press = 0; press < count; ++press) {
@@ -120,11 +124,15 @@ TEST(GnomeTest, StaysAboveMenusAndLetsGoOfTheScreenAtRest) {
     };
     session.evaluate("Main.panel.statusArea.dateMenu.menu.open(); 1");
     EXPECT_TRUE(comesToTheTop("vantrel"));
-    // Its pale middle.
-    EXPECT_TRUE(waitFor([&] {
-        const QColor color = session.picture().pixelColor(640, 120);
-        return color.red() > 248 && std::abs(color.green() - 228) < 6;
-    }));
+    const auto isMarkedAt = [&](int x, int y) {
+        session.moveTo(x, y);
+        return waitFor([&] {
+            const QColor middle = session.picture().pixelColor(x, y);
+            return middle.red() > 248 && std::abs(middle.green() - 228) < 6;
+        });
+    };
+    EXPECT_TRUE(isMarkedAt(640, 120)) << "on the menu";
+    EXPECT_TRUE(isMarkedAt(500, 14)) << "on the top bar";
     // It gives in to who comes back each time.
     session.evaluate("const {Clutter, GLib} = imports.gi;"
                      "const group = Main.layoutManager.uiGroup;"
