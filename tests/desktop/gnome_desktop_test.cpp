@@ -213,10 +213,10 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
         change(*effect.left);
         return messageOf(effect);
     };
-    EXPECT_FALSE(refuses(disc(4096, 0, {{0, Qt::red}})));
+    EXPECT_FALSE(refuses(disc(1024, 0, {{0, Qt::red}})));
     EXPECT_FALSE(refuses(ring([](auto&) {})));
     for (const auto& [what, effect] : std::map<std::string, QVariantMap>{
-             {"too large", disc(4097, 0, {{0, Qt::red}})},
+             {"too large", disc(1025, 0, {{0, Qt::red}})},
              {"no number", disc(std::nan(""), 0, {{0, Qt::red}})},
              {"negative", disc(-1, 0, {{0, Qt::red}})},
              {"line wider than the disc", disc(10, 11, {{0, Qt::red}})},
@@ -226,7 +226,8 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
              {"too many stops", disc(10, 0, std::vector(17, ColorStop{0, Qt::red}))},
              {"too many discs", messageOf({.discs = std::vector(17, Disc{10, 0, {{0, Qt::red}}})})},
              {"endless ring", ring([](auto& click) { click.duration = infinite; })},
-             {"instant ring", ring([](auto& click) { click.duration = 0; })},
+             {"instant ring", ring([](auto& click) { click.duration = 1e-4; })},
+             {"wide ring", ring([](auto& click) { click.endDiameter = 1024; })},
              {"infinite ring", ring([](auto& click) { click.endDiameter = infinite; })},
              {"rest without end", messageOf({.hideAfter = infinite})},
              {"another type", {{QStringLiteral("idle"), QStringLiteral("1")}}},
@@ -243,12 +244,14 @@ TEST(GnomeTest, RefusesWhatCannotBeShown) {
     const auto text = [](int length) { return QString(length, QLatin1Char('1')); };
     using Shortcuts = QList<ShellShortcut>;
     for (const auto& shortcuts :
-         {Shortcuts{{1, text(1)}, {1, text(2)}}, Shortcuts{{1, text(65)}}}) {
+         {Shortcuts{{1, QStringLiteral("<Alt>0x26")}, {1, QStringLiteral("<Alt>0x27")}},
+          Shortcuts{{1, QStringLiteral("<Alt>nonsense")}}}) {
         EXPECT_EQ(session.errorOf(session.bus(), "Grab", {QVariant::fromValue(shortcuts)}),
                   refusal);
     }
     for (const auto& [picture, description, entries] :
-         std::vector<ShellItem>{{.picture = QByteArray(65537, '1')},
+         std::vector<ShellItem>{{.picture = QByteArray(100, '1')},
+                                {.picture = QByteArray("\x89PNG\r\n\x1a\n").append(16, '\1')},
                                 {.description = text(257)},
                                 {.entries = {{text(257), 0}}},
                                 {.entries = {{text(1), 3}}},

@@ -72,6 +72,7 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     program->signal(SIGKILL);
     EXPECT_TRUE(session.comesToShow(0));
     stored["laserShortcut"] = {{"keyCode", 1}, {"modifiers", 0x100}, {"display", "⌘S"}};
+    stored["highlightShortcut"] = {{"keyCode", 18}, {"modifiers", 6144}, {"display", "⌃⌥1"}};
     writePreferences(session.folder() / "config", stored);
     program.emplace(vantrel.start({"--settings"}));
     EXPECT_TRUE(session.comesToShow(1));
@@ -82,9 +83,27 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     session.evaluate("Main.sessionMode.popMode('unlock-dialog'); 1");
     EXPECT_TRUE(session.comesToShow(1));
     EXPECT_TRUE(tells("marks", "gnome-shell"));
-    type(KEY_H);
+    type(KEY_1);
     EXPECT_TRUE(tells("mode", "off"));
     EXPECT_TRUE(session.comesToShow(0));
+
+    // While another program is served, and after it.
+    program->signal(SIGKILL);
+    stored["lastMode"] = "off";
+    writePreferences(session.folder() / "config", stored);
+    const auto other = QStringLiteral("other");
+    const auto address = session.environment().at("DBUS_SESSION_BUS_ADDRESS");
+    std::optional bus(QDBusConnection::connectToBus(QString::fromStdString(address), other));
+    EXPECT_TRUE(waitFor([&] { return session.errorOf(*bus, "Clear").empty(); }));
+    program.emplace(vantrel.start({"--settings"}));
+    EXPECT_TRUE(tells("marksMissing", "busy"));
+    bus.reset();
+    QDBusConnection::disconnectFromBus(other);
+    EXPECT_TRUE(tells("marks", "gnome-shell"));
+    EXPECT_TRUE(waitFor([&] {
+        type(KEY_1);
+        return waitFor([&] { return vantrel.status()["mode"] == "highlight"; }, 2s);
+    }));
 }
 
 TEST(GnomeTest, RecordsCombinationsThatTheShellTakesOtherwise) {
@@ -212,7 +231,7 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
     const CoreApplication application;
     MarkingSession session;
     writePreferences(session.folder() / "config", preferencesShowing("off"));
-    const auto program = ProgramOf(session).start();
+    auto program = ProgramOf(session).start();
     // The middle of the first part of the shell for which that is true, and whether it would get a
     // press; null without one.
     const auto find = [&](const std::string& condition) {
@@ -260,7 +279,7 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
     EXPECT_TRUE(press(item, BTN_RIGHT, [&] { return !find(laser).is_null(); }));
     EXPECT_TRUE(press(laser, BTN_LEFT, [&] { return session.countPictures() == 1; }));
     // The panel, a native window, opens below the item.
-    EXPECT_TRUE(press(itemOfLaser, BTN_LEFT, [&] {
+    const auto hasPanel = [&] {
         const auto pointer = session.pointer();
         const auto windows = session.evaluate("global.get_window_actors().filter(window =>"
                                               "    window.meta_window.get_client_type() === 0)"
@@ -272,13 +291,34 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
             const QRect area(window[0], window[1], window[2], window[3]);
             return area.top() < 60 && area.contains(qRound(pointer.x()), 100);
         });
-    }));
+    };
+    EXPECT_TRUE(press(itemOfLaser, BTN_LEFT, hasPanel));
+    session.typeChord({KEY_ESC});
+    EXPECT_TRUE(waitFor([&] { return !hasPanel(); }));
+    session.evaluate("Main.panel.statusArea.vantrel.grab_key_focus(); 1");
+    session.typeChord({KEY_ENTER});
+    EXPECT_TRUE(waitFor(hasPanel));
+    session.typeChord({KEY_ESC});
+    EXPECT_TRUE(waitFor([&] { return !hasPanel(); }));
+    session.evaluate("const {Clutter, GLib} = imports.gi;"
+                     "const item = Main.panel.statusArea.vantrel;"
+                     "const [x, y] = item.get_transformed_position();"
+                     "global.vantrelFinger = Clutter.get_default_backend().get_default_seat()"
+                     "    .create_virtual_device(Clutter.InputDeviceType.TOUCHSCREEN_DEVICE);"
+                     "const now = GLib.get_monotonic_time();"
+                     "global.vantrelFinger.notify_touch_down(now, 0, x + 5, y + 5);"
+                     "global.vantrelFinger.notify_touch_up(now + 50000, 0); 1");
+    EXPECT_TRUE(waitFor(hasPanel));
     {
         const StatusNotifierHost host(session.sessionBus());
         EXPECT_TRUE(host.waitForItem());
         EXPECT_TRUE(waitFor([&] { return find(itemOfLaser).is_null(); }));
     }
     EXPECT_TRUE(waitFor([&] { return !find(itemOfLaser).is_null(); }));
+    EXPECT_TRUE(press(itemOfLaser, BTN_RIGHT, [&] { return !find(laser).is_null(); }));
+    program.signal(SIGKILL);
+    EXPECT_TRUE(waitFor([&] { return find(itemOfLaser).is_null(); }));
+    EXPECT_EQ(session.evaluate("Main.panel.menuManager.activeMenu ?? null"), nullptr);
 }
 
 TEST(GnomeTest, TheShellFindsWhatWasAskedForAtTheNextLogin) {

@@ -9,6 +9,8 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -39,11 +41,16 @@ QString acceleratorOf(const KeyCombination& keys) {
             accelerator += QLatin1String(name);
         }
     }
-    return accelerator + QStringLiteral("0x%1").arg(keys.keycode, 0, 16);
+    // The shell takes it for a name unless there are two digits.
+    return accelerator + QStringLiteral("0x%1").arg(keys.keycode, 2, 16, QLatin1Char('0'));
 }
 
 bool isError(const QDBusMessage& answer) {
     return answer.type() == QDBusMessage::ErrorMessage;
+}
+
+bool isBusy(const QDBusMessage& answer) {
+    return answer.errorName() == agentService + QStringLiteral(".Error.Busy");
 }
 
 // The shell hangs, and may carry it out all the same.
@@ -139,6 +146,9 @@ void ShellExtension::takeExtension(const QVariantMap& info) {
     const auto state = info.value(QStringLiteral("state"));
     const auto known =
         state.isValid() ? std::optional(ExtensionState(state.toInt())) : std::nullopt;
+    if (known == ExtensionState::enabled && defaults_.boolean(awaitedKey)) {
+        defaults_.setBoolean(awaitedKey, false);
+    }
     const bool isAwaited = defaults_.boolean(awaitedKey);
     update([&](auto& report) {
         report.hasShell = true;
@@ -151,8 +161,13 @@ void ShellExtension::takeExtension(const QVariantMap& info) {
     }
 }
 
+// None works while the shell has all of them off.
 void ShellExtension::enable() {
     if (!shell_.isEmpty()) {
+        const QVariant on = QVariant::fromValue(QDBusVariant(true));
+        call(callOf(shell_, shellPath, properties, QStringLiteral("Set"),
+                    {extensionsInterface, QStringLiteral("UserExtensionsEnabled"), on}),
+             [](const QDBusMessage& /*answer*/) {});
         switchOn();
     }
 }
@@ -194,13 +209,17 @@ void ShellExtension::setAgent(const QString& owner) {
             }
             update([&](auto& report) { report.version = valueIn(answer).toUInt(); });
             tellEffect();
-            if (!shortcuts_.isEmpty()) {
-                tellShortcuts();
-            }
-            if (item_) {
-                tellItem();
-            }
+            tellTheRest();
         });
+}
+
+void ShellExtension::tellTheRest() {
+    if (!shortcuts_.isEmpty()) {
+        tellShortcuts();
+    }
+    if (item_) {
+        tellItem();
+    }
 }
 
 void ShellExtension::connectAgent(bool on) {
@@ -225,11 +244,12 @@ void ShellExtension::clear() {
 }
 
 void ShellExtension::tellEffect() {
-    const bool isTold = effect_ == toldEffect_ && !report_.servesOther && !report_.hasFailed;
+    const bool isTold =
+        toldEffect_ && *toldEffect_ == effect_ && !report_.servesOther && !report_.hasFailed;
     if (report_.version != extensionVersion || isTold) {
         return;
     }
-    toldEffect_ = effect_;
+    toldEffect_.emplace(effect_);
     call(effect_ ? callOf(agent_, agentPath, agentService, QStringLiteral("Show"),
                           {messageOf(*effect_)})
                  : callOf(agent_, agentPath, agentService, QStringLiteral("Clear")),
@@ -241,9 +261,9 @@ void ShellExtension::tellEffect() {
 }
 
 void ShellExtension::takeAnswer(const QDBusMessage& answer) {
-    const bool servesOther = answer.errorName() == agentService + QStringLiteral(".Error.Busy");
-    if (report_.servesOther && !servesOther && item_) {
-        tellItem();
+    const bool servesOther = isBusy(answer);
+    if (report_.servesOther && !servesOther) {
+        tellTheRest();
     }
     update([&](auto& report) {
         report.servesOther = servesOther;
@@ -272,7 +292,11 @@ void ShellExtension::tellShortcuts() {
     call(callOf(agent_, agentPath, agentService, QStringLiteral("Grab"),
                 {QVariant::fromValue(shortcuts_)}),
          [this, shortcuts = shortcuts_](const QDBusMessage& answer) {
-             const auto refused = qdbus_cast<QList<std::uint32_t>>(valueIn(answer));
+             auto refused = qdbus_cast<QList<std::uint32_t>>(valueIn(answer));
+             if (isError(answer) && !isBusy(answer) && !isMissing(answer)) {
+                 std::ranges::transform(shortcuts, std::back_inserter(refused),
+                                        &ShellShortcut::number);
+             }
              if (shortcuts == shortcuts_ && !refused.isEmpty() && onRefused) {
                  onRefused({refused.begin(), refused.end()});
              }

@@ -93,6 +93,7 @@ private:
     void takeExtension(const QVariantMap& info);
     void switchOn();
     void tellEffect();
+    void tellTheRest();
     void tellShortcuts();
     void tellItem();
     void connectAgent(bool on);
@@ -112,7 +113,8 @@ private:
     QString agent_;
     QString uuid_; // of the flavour for this shell
     std::optional<Effect> effect_;
-    std::optional<Effect> toldEffect_; // and answered for, or on its way
+    // And answered for, or on its way; nothing at all before the first time.
+    std::optional<std::optional<Effect>> toldEffect_;
     QList<ShellShortcut> shortcuts_;
     std::optional<ShellItem> item_;
     QTimer retry_; // while it serves another program

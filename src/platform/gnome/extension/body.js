@@ -49,8 +49,8 @@ const MostRings = 8;
 
 const isWithin = (low, high) => value => value >= low && value <= high; // not for NaN
 const isShare = isWithin(0, 1);
-const isSize = isWithin(0, 4096);
-const isDuration = isWithin(0, 60);
+const isSize = isWithin(0, 1024);
+const isDuration = isWithin(0.001, 60); // the shell counts milliseconds, and none would be for ever
 const isEach = (values, isSound, most) => values.length <= most && values.every(isSound);
 
 function isDisc([diameter, width, stops]) {
@@ -60,8 +60,8 @@ function isDisc([diameter, width, stops]) {
 }
 
 function isRing([button, duration, width, start, end, ...color]) {
-    return isWithin(1, 16)(button) && isDuration(duration) && duration > 0 &&
-        [width, start, end].every(isSize) && color.every(isShare);
+    return isWithin(1, 16)(button) && isDuration(duration) &&
+        [width, start, end, width + Math.max(start, end)].every(isSize) && color.every(isShare);
 }
 
 const Parts = {
@@ -85,13 +85,26 @@ function readEffect(options) {
     return effect;
 }
 
+// By the place of the key: two digits, or the shell takes it for a name.
+const Accelerator = /^(<(Control|Alt|Shift|Super)>){0,4}0x[0-9a-f]{2}$/;
+
 function areAccelerators(list) {
-    return isEach(list, ([, accelerator]) => accelerator.length <= 64, 16) &&
+    return isEach(list, ([, accelerator]) => Accelerator.test(accelerator), 16) &&
         new Set(list.map(([number]) => number)).size === list.length;
 }
 
+const PngStart = [0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a];
+
+// A PNG, whose width and height are four bytes each; an empty one is none.
+function isPicture(bytes) {
+    const sizeAt = index => new DataView(bytes.buffer, bytes.byteOffset).getUint32(index);
+    return bytes.length === 0 || (bytes.length >= 24 && bytes.length <= 65536 &&
+        PngStart.every((byte, index) => bytes[index] === byte) &&
+        [16, 20].every(index => isWithin(1, 256)(sizeAt(index))));
+}
+
 function isItem(picture, description, entries) {
-    return picture.length <= 65536 && description.length <= 256 &&
+    return isPicture(picture) && description.length <= 256 &&
         isEach(entries, ([title, choice]) => title.length <= 256 && choice <= 2, 64);
 }
 
@@ -481,28 +494,33 @@ class Item {
         this._button = new PanelMenu.Button(0.5, '', true);
         this._icon = new St.Icon({style_class: 'system-status-icon'});
         this._button.add_child(this._icon);
-        this._menu = new PopupMenu.PopupMenu(this._button, 0.5, St.Side.TOP);
-        this._menu.actor.hide();
-        Main.layoutManager.uiGroup.add_child(this._menu.actor);
-        Main.panel.menuManager.addMenu(this._menu);
         const click = () => {
             clicked(this.place());
             return Clutter.EVENT_STOP;
         };
+        // Before the menu connects its own, which takes these keys.
+        this._button.connect('key-press-event', (_button, event) => {
+            const key = event.get_key_symbol();
+            if (key === Clutter.KEY_Return || key === Clutter.KEY_space)
+                return click();
+            if (key === Clutter.KEY_Menu) {
+                this._menu.toggle();
+                return Clutter.EVENT_STOP;
+            }
+            return Clutter.EVENT_PROPAGATE;
+        });
+        this._menu = new PopupMenu.PopupMenu(this._button, 0.5, St.Side.TOP);
+        this._menu.actor.hide();
+        Main.layoutManager.uiGroup.add_child(this._menu.actor);
+        Main.panel.menuManager.addMenu(this._menu);
         this._button.connect('button-press-event', (_button, event) => {
             if (event.get_button() === 1)
                 return click();
             this._menu.toggle();
             return Clutter.EVENT_STOP;
         });
-        this._button.connect('key-press-event', (_button, event) => {
-            const key = event.get_key_symbol();
-            if (key === Clutter.KEY_Return || key === Clutter.KEY_space)
-                return click();
-            if (key === Clutter.KEY_Down || key === Clutter.KEY_Menu)
-                this._menu.toggle();
-            return Clutter.EVENT_PROPAGATE;
-        });
+        this._button.connect('touch-event', (_button, event) =>
+            event.type() === Clutter.EventType.TOUCH_BEGIN ? click() : Clutter.EVENT_PROPAGATE);
         Main.panel.addToStatusArea('vantrel', this._button);
         // The empty one that a button has counts as open, and the panel would change from it to this one
         // as soon as the pointer comes to the button.
@@ -510,7 +528,6 @@ class Item {
     }
 
     destroy() {
-        Main.panel.menuManager.removeMenu(this._menu);
         this._menu.destroy();
         this._button.destroy();
     }
@@ -567,7 +584,10 @@ class Panel {
         const at = this._itemPlace() ?? [pointerX, pointerY, 0, 0];
         const place = () => this._place(window, at);
         this._window = window;
-        window.connectObject('size-changed', place, 'unmanaged', () => (this._window = null), this);
+        window.connectObject('size-changed', place, 'unmanaged', () => {
+            if (this._window === window)
+                this._window = null;
+        }, this);
         window.make_above();
         place();
         window.activate(global.display.get_current_time_roundtrip());
@@ -613,8 +633,13 @@ class Service {
     ShowAsync([options], invocation) {
         const effect = readEffect(options);
         this._serve(invocation, effect !== null, () => {
-            this._overlay ??= new Overlay();
-            this._overlay.show(effect);
+            try {
+                this._overlay ??= new Overlay();
+                this._overlay.show(effect);
+            } catch (error) {
+                this._clear();
+                throw error;
+            }
             return null;
         });
     }
