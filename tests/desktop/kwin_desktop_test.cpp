@@ -319,7 +319,9 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     const auto tells = [&](const char* key, const auto& value) {
         return vantrel.tells(key, value);
     };
-    writePreferences(session.folder() / "config", stored);
+    auto first = stored;
+    first["highlightShortcut"] = {{"keyCode", 18}, {"modifiers", 0x1200}, {"display", "⌃⇧1"}};
+    writePreferences(session.folder() / "config", first);
     std::ofstream(session.folder() / "config/kxkbrc") << "[Layout]\nUse=true\n"
                                                          "LayoutList=us,us\nVariantList=,dvorak\n";
     session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Layouts"),
@@ -341,12 +343,14 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
 
     // A window gets the keys of other combinations only.
     const auto window = session.startFullScreenWindow();
+    const auto hold = [&](int key, bool down, int modifier = KEY_LEFTALT) {
+        session.client().type(KEY_LEFTCTRL, down);
+        session.client().type(modifier, down);
+        session.client().type(key, down);
+    };
     const auto type = [&](int key) {
-        for (const bool down : {true, false}) {
-            session.client().type(KEY_LEFTCTRL, down);
-            session.client().type(KEY_LEFTALT, down);
-            session.client().type(key, down);
-        }
+        hold(key, true);
+        hold(key, false);
     };
     const auto keys = [&](int key) { return window.count("key-" + std::to_string(key)); };
     session.client().type(KEY_CAPSLOCK, true);
@@ -356,6 +360,16 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     type(KEY_K);
     EXPECT_TRUE(waitFor([&] { return keys(KEY_K) == 1; }));
     EXPECT_EQ(keys(KEY_L), 0);
+    hold(KEY_L, true);
+    EXPECT_TRUE(tells("mode", "off"));
+    std::this_thread::sleep_for(1500ms);
+    EXPECT_TRUE(tells("mode", "off"));
+    hold(KEY_L, false);
+    hold(KEY_1, true, KEY_LEFTSHIFT);
+    hold(KEY_1, false, KEY_LEFTSHIFT);
+    EXPECT_TRUE(tells("mode", "highlight"));
+    type(KEY_L);
+    EXPECT_TRUE(tells("mode", "laser"));
     // By the places of the keys, whatever they produce.
     session.call(QStringLiteral("org.kde.keyboard"), QStringLiteral("/Layouts"),
                  "org.kde.KeyboardLayouts", "setLayout", {1U});

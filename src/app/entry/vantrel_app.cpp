@@ -184,7 +184,7 @@ void VantrelApp::joinShortcuts(const QDBusConnection& bus) {
     kwinShortcuts_.emplace(
         bus, *kwin_,
         DesktopShortcuts::Means{
-            .keyOf = [this](auto keycode, auto layout) { return keyOf(keycode, layout); },
+            .keyOf = [this](const auto& keys, auto layout) { return keyOf(keys, layout); },
             .nameOf = nameOf,
         });
     keyboardChanges_ = keyboard().changes.add([this] { kwinShortcuts_->grabAgain(); });
@@ -207,16 +207,22 @@ KeymapKeyboard& VantrelApp::keyboard() {
     return hasNativeWindows() ? static_cast<KeymapKeyboard&>(*waylandKeyboard_) : x11_->keyboard;
 }
 
-// As the toolkit has the key, by what it produces.
-int VantrelApp::keyOf(std::uint8_t keycode, std::uint32_t layout) {
-    const auto press = keyboard().pressIn(layout, keycode);
-    if (!press) {
-        return 0;
+// As the toolkit has the key, by what it produces. Where Shift makes another character of it than
+// the capital of a letter, Plasma looks for that one, without Shift.
+int VantrelApp::keyOf(const KeyCombination& keys, std::uint32_t layout) {
+    const auto produced = [&](bool withShift) -> int {
+        const auto press = keyboard().pressIn(layout, keys.keycode, withShift);
+        const auto name = press ? press->charactersIgnoringModifiers.value_or(press->name) : "";
+        const QKeySequence sequence(QString::fromStdString(name), QKeySequence::PortableText);
+        const auto key = sequence.isEmpty() ? Qt::Key_unknown : sequence[0].key();
+        return key == Qt::Key_unknown ? 0 : key;
+    };
+    const int key = produced(false);
+    if (key == 0 || (keys.modifiers & modifier::shift) == 0) {
+        return key;
     }
-    const auto name =
-        QString::fromStdString(press->charactersIgnoringModifiers.value_or(press->name));
-    const QKeySequence keys(name, QKeySequence::PortableText);
-    return keys.isEmpty() ? 0 : keys[0].toCombined();
+    const int shifted = produced(true);
+    return shifted == key || shifted == 0 ? key | static_cast<int>(Qt::ShiftModifier) : shifted;
 }
 
 void VantrelApp::observeDesktop() {

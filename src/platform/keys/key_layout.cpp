@@ -15,7 +15,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr std::uint32_t shiftBit = 1U << 0U;
 constexpr std::uint32_t capsLockBit = 1U << 1U;
 constexpr std::uint32_t controlBit = 1U << 2U;
 constexpr std::uint32_t allModifiers = 0xFF;

@@ -21,6 +21,8 @@ struct Unref {
 using KeyContext = std::unique_ptr<xkb_context, Unref<xkb_context_unref>>;
 using Keymap = std::unique_ptr<xkb_keymap, Unref<xkb_keymap_unref>>;
 
+inline constexpr std::uint32_t shiftBit = 1U << 0U;
+
 // Which bits of a key event's modifiers stand for those of shortcuts. Shift, Control and Caps Lock
 // are fixed; the keyboard mapping decides over the others.
 struct ModifierBits {

@@ -22,9 +22,9 @@ public:
     }
 
     // Without modifiers, in that layout of several, from 0.
-    [[nodiscard]] std::optional<KeyPress> pressIn(std::uint32_t layoutNumber,
-                                                  std::uint32_t key) const {
-        return layout().press(key, 0, layoutNumber);
+    [[nodiscard]] std::optional<KeyPress> pressIn(std::uint32_t layoutNumber, std::uint32_t key,
+                                                  bool withShift = false) const {
+        return layout().press(key, withShift ? shiftBit : 0, layoutNumber);
     }
     // What the key produces without modifiers, as keymaps call it; empty where it produces nothing.
     [[nodiscard]] std::string symbolOf(std::uint32_t key) const { return layout().symbolOf(key); }

@@ -39,11 +39,11 @@ QDBusMessage shortcutsCall(const char* method, const QVariantList& arguments) {
                   QString::fromLatin1(method), arguments);
 }
 
+// Shift belongs to the key.
 int toolkitModifiers(std::uint32_t modifiers) {
     unsigned result = 0;
     for (const auto& [bit, key] : {std::pair{modifier::control, Qt::ControlModifier},
                                    std::pair{modifier::option, Qt::AltModifier},
-                                   std::pair{modifier::shift, Qt::ShiftModifier},
                                    std::pair{modifier::command, Qt::MetaModifier}}) {
         if ((modifiers & bit) != 0) {
             result |= static_cast<unsigned>(key);
@@ -66,15 +66,29 @@ DesktopShortcuts::DesktopShortcuts(QDBusConnection bus, KWinScript& script, Mean
     : bus_(std::move(bus)),
       script_(script),
       means_(std::move(means)),
-      scriptChanges_(script_.onChange([this] { changes_.notify(); })) {
+      scriptChanges_(script_.onChange([this] {
+          // Where the script has ended, it has freed all of them.
+          asked_.clear();
+          held_.clear();
+          changes_.notify();
+      })) {
     qDBusRegisterMetaType<DesktopKeys>();
     qDBusRegisterMetaType<QList<DesktopKeys>>();
     // From whoever sends them: the owner of a name would be looked up, and waited for.
     bus_.connect({}, QStringLiteral("/component/") + component,
                  QStringLiteral("org.kde.kglobalaccel.Component"),
                  QStringLiteral("globalShortcutPressed"), this, SLOT(pressed(QString, QString)));
+    bus_.connect({}, QStringLiteral("/component/") + component,
+                 QStringLiteral("org.kde.kglobalaccel.Component"),
+                 QStringLiteral("globalShortcutReleased"), this, SLOT(released(QString, QString)));
     bus_.connect({}, layoutPath, layoutInterface, QStringLiteral("layoutChanged"), this,
                  SLOT(layoutChanged(uint)));
+    bus_.connect({}, layoutPath, layoutInterface, QStringLiteral("layoutListChanged"), this,
+                 SLOT(askForLayout()));
+    askForLayout();
+}
+
+void DesktopShortcuts::askForLayout() {
     callAsync(bus_, callOf(layoutService, layoutPath, layoutInterface, QStringLiteral("getLayout")),
               this, [this](const QDBusMessage& answer) {
                   layoutChanged(answer.type() == QDBusMessage::ErrorMessage
@@ -87,15 +101,23 @@ void DesktopShortcuts::grab(const std::vector<KeyGrab>& grabs) {
     for (const auto& former : std::exchange(grabs_, grabs)) {
         if (std::ranges::find(grabs_, former) == grabs_.end()) {
             free(former.number);
+            std::erase(asked_, former);
         }
     }
+    // One that is asked for anew would count as released.
     for (const auto& each : grabs_) {
-        grabKey(each);
+        if (std::ranges::find(asked_, each) == asked_.end()) {
+            asked_.push_back(each);
+            grabKey(each);
+        }
     }
 }
 
+// All are free first: the key of one may have become that of another.
 void DesktopShortcuts::grabAgain() {
-    grab(std::vector(grabs_));
+    const auto grabs = grabs_;
+    grab({});
+    grab(grabs);
     changes_.notify();
 }
 
@@ -105,7 +127,7 @@ void DesktopShortcuts::grabKey(const KeyGrab& grab) {
             onRefused({grab.number});
         }
     };
-    const int key = means_.keyOf(grab.keys.keycode, layout_);
+    const int key = means_.keyOf(grab.keys, layout_);
     if (key == 0) {
         QMetaObject::invokeMethod(this, refuse, Qt::QueuedConnection);
         return;
@@ -133,12 +155,27 @@ void DesktopShortcuts::free(std::uint32_t number) {
               [](const QDBusMessage&) {});
 }
 
+// Up to Plasma 6.6 also again and again while the keys are held.
 void DesktopShortcuts::pressed(const QString& /*component*/, const QString& action) {
+    // Longer than until a key repeats, should a release be missed.
+    constexpr qint64 longestPause = 1000; // milliseconds
+    const bool isRepeated = held_ == action && heldSince_.elapsed() < longestPause;
+    held_ = action;
+    heldSince_.start();
+    if (isRepeated) {
+        return;
+    }
     for (const auto& grab : grabs_) {
         if (actionOf(grab.number) == action && onPressed) {
             onPressed(grab.number);
             return;
         }
+    }
+}
+
+void DesktopShortcuts::released(const QString& /*component*/, const QString& action) {
+    if (held_ == action) {
+        held_.clear();
     }
 }
 

@@ -4,6 +4,7 @@
 #include "platform/kwin/kwin_script.h"
 
 #include <QDBusConnection>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 
@@ -21,8 +22,9 @@ class DesktopShortcuts final : public QObject, public KeyGrabber {
 
 public:
     struct Means {
-        // What the toolkit calls the key in that layout of several, from 0; 0 without a name.
-        std::function<int(std::uint8_t keycode, std::uint32_t layout)> keyOf;
+        // What the toolkit calls the key in that layout of several, from 0, and Shift where it is
+        // held for it; 0 without a name.
+        std::function<int(const KeyCombination& keys, std::uint32_t layout)> keyOf;
         // As the system's settings list the shortcut, in the user's language.
         std::function<QString(std::uint32_t number)> nameOf;
     };
@@ -44,7 +46,9 @@ public:
 
 private:
     Q_SLOT void pressed(const QString& component, const QString& action);
+    Q_SLOT void released(const QString& component, const QString& action);
     Q_SLOT void layoutChanged(uint layout);
+    Q_SLOT void askForLayout();
 
     void grabKey(const KeyGrab& grab);
     void free(std::uint32_t number);
@@ -53,7 +57,10 @@ private:
     KWinScript& script_;
     Means means_;
     std::vector<KeyGrab> grabs_;
+    std::vector<KeyGrab> asked_; // of these, in the layout that is in use
     std::uint32_t layout_ = 0;
+    QString held_;            // the action whose keys are down
+    QElapsedTimer heldSince_; // or heard of again since
     Observers<> changes_;
     Subscription scriptChanges_;
 };

@@ -241,7 +241,8 @@ Window {
     // Of the program's own windows it alone has a fixed size. As an X window it says what it is.
     function isPanel(window) {
         return String(window.resourceClass) === "vantrel"
-            && (window.utility || window.normalWindow && !window.resizeable && !window.transient);
+            && (window.utility || window.normalWindow && !window.resizeable && !window.transient
+                && /^Vantrel( <\d+>)?$/.test(window.caption));
     }
 
     // It belongs where the item was clicked, of which the program does not know where that is.
