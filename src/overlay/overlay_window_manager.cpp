@@ -76,6 +76,7 @@ void OverlayWindowManager::apply(CursorMode mode, const AppPreferences& preferen
         stop();
         return;
     }
+    stopped_ = false;
     if (windows_.empty()) {
         rebuild();
     }
@@ -88,7 +89,7 @@ void OverlayWindowManager::rebuild() {
     displayLink_.reset();
     // Until the new ones show what they showed.
     const auto former = std::exchange(windows_, {});
-    if (mode_ == CursorMode::off) {
+    if (stopped_) {
         return;
     }
     for (const auto& screen : desktop_.screens.list()) {
@@ -132,6 +133,7 @@ void OverlayWindowManager::startMotionMonitors() {
 }
 
 void OverlayWindowManager::stop() {
+    stopped_ = true;
     needsRender_ = true;
     lastHidden_.reset();
     displayLink_.reset();

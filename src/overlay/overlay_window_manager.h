@@ -67,6 +67,7 @@ private:
     std::optional<EventMonitors::Token> localMotionMonitor_;
     std::optional<GlobalPoint> lastPoint_; // nothing while the desktop does not know
     double lastActivity_ = 0;
+    bool stopped_ = true;                // also in a mode that shows something, as before sleep
     std::vector<ClickAnimation> clicks_; // the oldest first
     CursorMode mode_ = CursorMode::off;
     AppPreferences preferences_;

@@ -7,7 +7,8 @@ namespace vantrel {
 
 MonitorList::Token MonitorList::add(EventMask mask, EventMonitors::GlobalHandler handler,
                                     std::uint32_t number) {
-    monitors_.push_back({++lastToken_, mask, number, std::move(handler)});
+    monitors_.push_back(
+        {.token = ++lastToken_, .mask = mask, .number = number, .handler = std::move(handler)});
     return lastToken_;
 }
 
@@ -36,9 +37,10 @@ EventMask MonitorList::mask() const {
 
 void MonitorList::send(const Event& event, std::uint32_t number) {
     sending_ = true;
-    for (const auto last = lastToken_; const auto& monitor : monitors_) {
-        if ((monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last &&
-            static_cast<std::int32_t>(number - monitor.number) >= 0) {
+    for (const auto last = lastToken_; auto& monitor : monitors_) {
+        // Once for all: the numbers go round.
+        monitor.hears = monitor.hears || static_cast<std::int32_t>(number - monitor.number) >= 0;
+        if ((monitor.mask & maskOf(event.type)) != 0 && monitor.token <= last && monitor.hears) {
             monitor.handler(event);
         }
     }

@@ -26,6 +26,7 @@ private:
         Token token = 0;
         EventMask mask = 0; // 0 once it was removed
         std::uint32_t number = 0;
+        bool hears = false; // since an event of that number
         EventMonitors::GlobalHandler handler;
     };
 

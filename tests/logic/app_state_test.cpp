@@ -176,6 +176,7 @@ TEST_F(AppStateTest, SavesAtOnceBeforeSleepAndComesBackAfterIt) {
     state->suspend();
     EXPECT_EQ(desktop.userDefaults.writes, 1);
     EXPECT_EQ(saved()->lastMode, CursorMode::laser);
+    desktop.screens.set({screen(2, {0, 0, 800, 600})});
     EXPECT_TRUE(desktop.overlayWindows.windows().empty());
     EXPECT_EQ(state->mode().get(), CursorMode::laser);
     desktop.mainQueue.advance(10);

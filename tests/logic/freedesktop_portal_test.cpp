@@ -188,7 +188,15 @@ TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
     shortcuts.grab({first});
     EXPECT_TRUE(runUntil([&] { return refused == std::vector{1U}; }));
 
+    // An answer to what is not wanted any more.
     portal.answer = 0;
+    portal.refused.clear();
+    portal.proposals.clear();
+    shortcuts.grab({{2, first.keys}});
+    EXPECT_TRUE(runUntil([&] { return !portal.proposals.isEmpty(); }));
+    shortcuts.grab({});
+    EXPECT_FALSE(runUntil([&] { return !shortcuts.takesKeys(); }, std::chrono::milliseconds(200)));
+
     portal.trigger.clear(); // all keys are left to the configuration
     shortcuts.grab({{2, first.keys}, first});
     EXPECT_TRUE(runUntil([&] { return !shortcuts.takesKeys(); }));

@@ -309,5 +309,16 @@ TEST(KeyTable, HasAPlaceOfItsOwnForEveryKeyOfAShortcut) {
     EXPECT_EQ(virtualKeyCodeOf(0), std::nullopt);
 }
 
+TEST(MonitorListTest, HearsOnWhenTheNumbersGoRound) {
+    MonitorList monitors;
+    int heard = 0;
+    monitors.add(
+        maskOf(EventType::mouseMoved), [&](const Event&) { ++heard; }, 10);
+    for (const std::uint32_t number : {9U, 11U, 11U + (1U << 31U)}) {
+        monitors.send({.type = EventType::mouseMoved}, number);
+    }
+    EXPECT_EQ(heard, 2);
+}
+
 } // namespace
 } // namespace vantrel::x11

@@ -4,6 +4,7 @@
 #include "app/entry/vantrel_app.h"
 #include "platform/freedesktop/bus_probe.h"
 #include "platform/freedesktop/command_socket.h"
+#include "platform/freedesktop/installed_bundle.h"
 #include "platform/freedesktop/session_address.h"
 #include "platform/freedesktop/termination_signals.h"
 #include "platform/x11/instance.h"
@@ -65,6 +66,8 @@ constexpr std::chrono::seconds returnTimeout(2);
 // For a compositor to answer at its start, and at any other time.
 constexpr std::chrono::seconds compositorReturn(10);
 constexpr std::chrono::seconds compositorTimeout(1);
+// After which the end of a session is not the answer to the program itself.
+constexpr std::chrono::seconds shortestStay(1);
 // In which all connections of a compositor that ends are closed.
 constexpr std::chrono::seconds closingTime(1);
 
@@ -134,15 +137,15 @@ public:
     void setProgram(VantrelApp* program) { program_ = program; }
     // With nothing left to save.
     [[noreturn]] void leave() const {
-        using Clock = std::chrono::steady_clock;
-        if (mayReturn_) {
+        // Nor one that was shown the door as soon as it came, and would be again.
+        if (mayReturn_ && Clock::now() - started_ > shortestStay) {
             sigset_t none;
             sigemptyset(&none);
             pthread_sigmask(SIG_SETMASK, &none, nullptr);
             const auto end = Clock::now() + returnTimeout;
             while (Clock::now() < end) {
                 if (isSessionThere(isNative_)) {
-                    execl("/proc/self/exe", "vantrel", nullptr);
+                    execl(runningExecutable().c_str(), "vantrel", nullptr);
                 }
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             }
@@ -151,6 +154,8 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     [[noreturn]] void endAndLeave() {
         if (VantrelApp* program = program_) {
             program->end();
@@ -171,6 +176,7 @@ private:
 
     static inline SessionLoss* current_ = nullptr;
     const std::thread::id thread_ = std::this_thread::get_id();
+    const Clock::time_point started_ = Clock::now();
     const bool mayReturn_;
     const bool isNative_;
     std::atomic<VantrelApp*> program_ = nullptr;

@@ -4,7 +4,13 @@ namespace vantrel {
 
 std::filesystem::path runningExecutable() {
     std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error);
+    auto path = std::filesystem::read_symlink("/proc/self/exe", error).native();
+    // So it ends once an update has put another file in its place.
+    constexpr std::string_view replaced = " (deleted)";
+    if (path.ends_with(replaced) && !std::filesystem::exists(path, error)) {
+        path.resize(path.size() - replaced.size());
+    }
+    return path;
 }
 
 InstalledBundle::InstalledBundle(const std::filesystem::path& executable)

@@ -84,7 +84,6 @@ void PortalShortcuts::grab(const std::vector<KeyGrab>& grabs) {
     close();
     grabs_ = grabs;
     if (isThere_ && !grabs_.empty()) {
-        ++session_;
         step_ = Step::opening;
         request("CreateSession", {}, {{QStringLiteral("session_handle_token"), token()}});
     }
@@ -97,6 +96,8 @@ void PortalShortcuts::close() {
                          QStringLiteral("org.freedesktop.portal.Session"), QStringLiteral("Close")),
                   this, [](const QDBusMessage&) {});
     }
+    // What the user answers to it from here on is about nothing.
+    ++session_;
 }
 
 void PortalShortcuts::request(const char* method, const QVariantList& arguments,
