@@ -66,8 +66,6 @@ constexpr std::chrono::seconds returnTimeout(2);
 // For a compositor to answer at its start, and at any other time.
 constexpr std::chrono::seconds compositorReturn(10);
 constexpr std::chrono::seconds compositorTimeout(1);
-// After which the end of a session is not the answer to the program itself.
-constexpr std::chrono::seconds shortestStay(1);
 // In which all connections of a compositor that ends are closed.
 constexpr std::chrono::seconds closingTime(1);
 
@@ -137,8 +135,8 @@ public:
     void setProgram(VantrelApp* program) { program_ = program; }
     // With nothing left to save.
     [[noreturn]] void leave() const {
-        // Nor one that was shown the door as soon as it came, and would be again.
-        if (mayReturn_ && Clock::now() - started_ > shortestStay) {
+        using Clock = std::chrono::steady_clock;
+        if (mayReturn_) {
             sigset_t none;
             sigemptyset(&none);
             pthread_sigmask(SIG_SETMASK, &none, nullptr);
@@ -154,8 +152,6 @@ public:
     }
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     [[noreturn]] void endAndLeave() {
         if (VantrelApp* program = program_) {
             program->end();
@@ -176,7 +172,6 @@ private:
 
     static inline SessionLoss* current_ = nullptr;
     const std::thread::id thread_ = std::this_thread::get_id();
-    const Clock::time_point started_ = Clock::now();
     const bool mayReturn_;
     const bool isNative_;
     std::atomic<VantrelApp*> program_ = nullptr;
