@@ -147,8 +147,7 @@ std::string GnomeSession::complaints() const {
     for (std::string line; std::getline(log, line);) {
         const auto has = [&](const char* word) { return line.find(word) != std::string::npos; };
         // Of a session without the services of one.
-        if ((has("JS ERROR") && !has("ServiceUnknown")) || has("vantrel") || has("accelerator") ||
-            has("disposed")) {
+        if ((has("JS ERROR") && !has("ServiceUnknown")) || has("vantrel") || has("accelerator")) {
             complaints += line + "\n";
         }
     }
