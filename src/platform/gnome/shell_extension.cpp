@@ -146,10 +146,11 @@ void ShellExtension::takeExtension(const QVariantMap& info) {
     const auto state = info.value(QStringLiteral("state"));
     const auto known =
         state.isValid() ? std::optional(ExtensionState(state.toInt())) : std::nullopt;
-    if (known == ExtensionState::enabled && defaults_.boolean(awaitedKey)) {
-        defaults_.setBoolean(awaitedKey, false);
+    const bool wasAwaited = defaults_.boolean(awaitedKey);
+    const bool isAwaited = wasAwaited && known != ExtensionState::enabled;
+    if (isAwaited != wasAwaited) {
+        defaults_.setBoolean(awaitedKey, isAwaited);
     }
-    const bool isAwaited = defaults_.boolean(awaitedKey);
     update([&](auto& report) {
         report.hasShell = true;
         report.extension = known;
