@@ -490,37 +490,17 @@ class Shortcuts {
 // The program's item in the top bar.
 class Item {
     constructor(clicked, chosen) {
+        this._clicked = clicked;
         this._chosen = chosen;
         this._button = new PanelMenu.Button(0.5, '', true);
         this._icon = new St.Icon({style_class: 'system-status-icon'});
         this._button.add_child(this._icon);
-        const click = () => {
-            clicked(this.place());
-            return Clutter.EVENT_STOP;
-        };
-        // Before the menu connects its own, which takes these keys.
-        this._button.connect('key-press-event', (_button, event) => {
-            const key = event.get_key_symbol();
-            if (key === Clutter.KEY_Return || key === Clutter.KEY_space)
-                return click();
-            if (key === Clutter.KEY_Menu) {
-                this._menu.toggle();
-                return Clutter.EVENT_STOP;
-            }
-            return Clutter.EVENT_PROPAGATE;
-        });
+        // Before the menu hears of it, which would open for all of this.
+        this._button.connect('captured-event', (_button, event) => this._answer(event));
         this._menu = new PopupMenu.PopupMenu(this._button, 0.5, St.Side.TOP);
         this._menu.actor.hide();
         Main.layoutManager.uiGroup.add_child(this._menu.actor);
         Main.panel.menuManager.addMenu(this._menu);
-        this._button.connect('button-press-event', (_button, event) => {
-            if (event.get_button() === 1)
-                return click();
-            this._menu.toggle();
-            return Clutter.EVENT_STOP;
-        });
-        this._button.connect('touch-event', (_button, event) =>
-            event.type() === Clutter.EventType.TOUCH_BEGIN ? click() : Clutter.EVENT_PROPAGATE);
         Main.panel.addToStatusArea('vantrel', this._button);
         // The empty one that a button has counts as open, and the panel would change from it to this one
         // as soon as the pointer comes to the button.
@@ -530,6 +510,23 @@ class Item {
     destroy() {
         this._menu.destroy();
         this._button.destroy();
+    }
+
+    // The menu for its key and every button but the first; the program for what else means the item.
+    _answer(event) {
+        const type = event.type();
+        const isKey = type === Clutter.EventType.KEY_PRESS;
+        const key = isKey ? event.get_key_symbol() : 0;
+        const isPress = type === Clutter.EventType.BUTTON_PRESS;
+        const isMenu = key === Clutter.KEY_Menu || (isPress && event.get_button() !== 1);
+        if (isMenu)
+            this._menu.toggle();
+        else if (isPress || type === Clutter.EventType.TOUCH_BEGIN || key === Clutter.KEY_Return ||
+            key === Clutter.KEY_space)
+            this._clicked(this.place());
+        else
+            return Clutter.EVENT_PROPAGATE;
+        return Clutter.EVENT_STOP;
     }
 
     place() {
