@@ -133,6 +133,8 @@ function scaleAt(x, y) {
     const number = displayAt(x, y);
     return number < 0 ? 1 : global.display.get_monitor_scale(number);
 }
+const haveDisplaysScale = scale => Main.layoutManager.monitors.every((_display, number) =>
+    global.display.get_monitor_scale(number) === scale);
 
 // The name of an extension whose files are gone, which the shell would keep in its settings. Later, for
 // the shell may be in the midst of switching it off.
@@ -179,13 +181,26 @@ class Picture {
     // for a new position would have everything drawn anew.
     moveTo(x, y) {
         // A resource has whole pixels for each unit of the stage, a display maybe fewer.
-        const pixels = this.actor.get_resource_scale() > 1 ? scaleAt(x, y) : 1;
+        const scale = this.actor.get_resource_scale();
+        const pixels = scale > 1 ? scaleAt(x, y) : 1;
+        this._setExact(scale === 1 || haveDisplaysScale(scale));
         const left = Math.round(x * pixels) / pixels - this._side / 2;
         const top = Math.round(y * pixels) / pixels - this._side / 2;
         if (left === this.actor.translation_x && top === this.actor.translation_y)
             return false;
         this.actor.set_translation(left, top, 0);
         return true;
+    }
+
+    // Whether each pixel of the picture is one of the display's: to read one for each is cheaper than the
+    // four around.
+    _setExact(isExact) {
+        if (this._isExact === isExact)
+            return;
+        this._isExact = isExact;
+        const {NEAREST, LINEAR} = Clutter.ScalingFilter;
+        const filter = isExact ? NEAREST : LINEAR;
+        this.actor.set_content_scaling_filters(filter, filter);
     }
 }
 
