@@ -58,8 +58,8 @@ QWidget* shortcutProblem(ViewContext& view) {
                           : Text{"Registration failed. Choose another shortcut.",
                                  "快捷键注册失败，请选择其他组合。"})(english);
     };
-    return view.showWhile(symbolLabel(view, "exclamationmark.triangle", Tone::orange, wording,
-                                      captionText.toned(Tone::orange)),
+    auto* line = paragraph(view, wording, captionText.toned(Tone::orange))->announced();
+    return view.showWhile(line->beside("exclamationmark.triangle", Tone::orange),
                           [&error] { return error.get().has_value(); });
 }
 

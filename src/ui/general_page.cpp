@@ -24,7 +24,7 @@ QWidget* systemMessage(ViewContext& view) {
     const auto wording = [&message](bool /*english*/) {
         return QString::fromStdString(message.get().value_or(std::string()));
     };
-    return view.showWhile(paragraph(view, wording, captionText.toned(Tone::secondary)),
+    return view.showWhile(paragraph(view, wording, captionText.toned(Tone::secondary))->announced(),
                           [&message] { return message.get().has_value(); });
 }
 

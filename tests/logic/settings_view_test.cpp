@@ -4,6 +4,7 @@
 #include "ui/components/status_badge.h"
 #include "ui/compositor_binding.h"
 
+#include <QAccessible>
 #include <QClipboard>
 
 namespace vantrel {
@@ -86,8 +87,20 @@ TEST_F(SettingsViewTest, TellsWhatIsWrongWithTheShortcuts) {
     constexpr auto registration = "Registration failed. Choose another shortcut.";
     openSettings(SettingsTab::controls);
     EXPECT_FALSE(says(duplicate) || says(registration));
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    static QStringList announced;
+    const auto usual = QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        if (event->type() == QAccessible::Announcement) {
+            announced += static_cast<QAccessibleAnnouncementEvent*>(event)->message();
+        }
+    });
+#endif
     change([](auto& preferences) { preferences.laserShortcut = preferences.highlightShortcut; });
     EXPECT_TRUE(says(duplicate));
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QAccessible::installUpdateHandler(usual);
+    EXPECT_EQ(announced, QStringList(QString::fromUtf8(duplicate)));
+#endif
     EXPECT_FALSE(says(registration));
     desktop.hotKeys.heldByOthers = {{.keyCode = 4, .modifiers = 0x1800}};
     change([](auto& preferences) { preferences.laserShortcut = std::nullopt; });

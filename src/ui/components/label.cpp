@@ -4,6 +4,7 @@
 #include "ui/components/pictogram.h"
 #include "ui/components/stack.h"
 
+#include <QAccessible>
 #include <QEvent>
 
 namespace vantrel {
@@ -20,6 +21,7 @@ Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) 
         if (const QString said = view.say(wording); said != text()) {
             heights_.clear();
             setText(said);
+            announce();
         }
     });
 }
@@ -41,6 +43,29 @@ Label* Label::wrapping() {
 Label* Label::centered() {
     setAlignment(Qt::AlignCenter);
     return this;
+}
+
+Label* Label::announced() {
+    announced_ = true;
+    return this;
+}
+
+QWidget* Label::beside(std::string_view symbol, Tone symbolTone) {
+    return row(6, {new Symbol(symbol, style_.size, symbolTone), this}, Alignment::leading);
+}
+
+void Label::announce() {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    if (announced_ && isVisible()) {
+        QAccessibleAnnouncementEvent event(this, text());
+        QAccessible::updateAccessibility(&event);
+    }
+#endif
+}
+
+void Label::showEvent(QShowEvent* event) {
+    QLabel::showEvent(event);
+    announce();
 }
 
 // Fonts for Chinese leave much room above and below what they draw.
@@ -97,8 +122,7 @@ Label* paragraph(ViewContext& view, const Wording& wording, const TextStyle& sty
 
 QWidget* symbolLabel(ViewContext& view, std::string_view symbol, Tone symbolTone,
                      const Wording& wording, const TextStyle& style) {
-    auto* picture = new Symbol(symbol, style.size, symbolTone);
-    return row(6, {picture, paragraph(view, wording, style)}, Alignment::leading);
+    return paragraph(view, wording, style)->beside(symbol, symbolTone);
 }
 
 } // namespace vantrel

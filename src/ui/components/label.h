@@ -19,6 +19,11 @@ public:
     // Takes as many lines as it needs.
     Label* wrapping();
     Label* centered();
+    // Screen readers say it when it comes up, and when it says something else then. Before Qt 6.8
+    // no program can have them do so.
+    Label* announced();
+    // The label with a pictogram before it.
+    QWidget* beside(std::string_view symbol, Tone symbolTone);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -26,12 +31,15 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void tint();
+    void announce();
     [[nodiscard]] QSize ofOneLine(QSize hint) const;
 
     TextStyle style_;
+    bool announced_ = false;
     // Of the text as it is: nested layouts ask for the same few again and again, and each answer
     // takes laying the text out.
     mutable QHash<int, int> heights_;
