@@ -322,8 +322,9 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     auto first = stored;
     first["highlightShortcut"] = {{"keyCode", 18}, {"modifiers", 0x1200}, {"display", "⌃⇧1"}};
     writePreferences(session.folder() / "config", first);
-    std::ofstream(session.folder() / "config/kxkbrc") << "[Layout]\nUse=true\n"
-                                                         "LayoutList=us,us\nVariantList=,dvorak\n";
+    std::ofstream(session.folder() / "config/kxkbrc")
+        << "[Layout]\nUse=true\n"
+           "LayoutList=us,us,ru\nVariantList=,dvorak,\n";
     session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Layouts"),
                                                   QStringLiteral("org.kde.keyboard"),
                                                   QStringLiteral("reloadConfig")));
@@ -371,12 +372,15 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     type(KEY_L);
     EXPECT_TRUE(tells("mode", "laser"));
     // By the places of the keys, whatever they produce.
-    session.call(QStringLiteral("org.kde.keyboard"), QStringLiteral("/Layouts"),
-                 "org.kde.KeyboardLayouts", "setLayout", {1U});
-    EXPECT_TRUE(waitFor([&] {
-        type(KEY_L);
-        return waitFor([&] { return vantrel.status()["mode"] != "laser"; }, 500ms);
-    }));
+    for (const auto layout : {2U, 1U}) {
+        const auto mode = vantrel.status()["mode"];
+        session.call(QStringLiteral("org.kde.keyboard"), QStringLiteral("/Layouts"),
+                     "org.kde.KeyboardLayouts", "setLayout", {layout});
+        EXPECT_TRUE(waitFor([&] {
+            type(KEY_L);
+            return waitFor([&] { return vantrel.status()["mode"] != mode; }, 500ms);
+        }));
+    }
 
     // Whoever asks for the settings sees them.
     const auto isInFront = [&] {
@@ -405,6 +409,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
 
     // Where the other layout has D, with which KWin has a shortcut of its own.
     stored["laserShortcut"] = {{"keyCode", 4}, {"modifiers", 0x100}, {"display", "⌘H"}};
+    stored["highlightShortcut"] = {{"keyCode", 89}, {"modifiers", 0x1800}, {"display", "⌃⌥7"}};
     writePreferences(session.folder() / "config", stored);
     std::filesystem::create_directories(copy.parent_path());
     std::ofstream(copy) << "an earlier version's";
@@ -415,7 +420,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     session.moveTo(300, 300);
     EXPECT_TRUE(waitFor([&] { return session.isMarked(); }));
     EXPECT_TRUE(waitFor([&] {
-        type(KEY_H);
+        type(KEY_KP7);
         return waitFor([&] { return vantrel.status()["mode"] == "off"; }, 500ms);
     }));
 

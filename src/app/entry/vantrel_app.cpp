@@ -10,7 +10,6 @@
 
 #include <QApplication>
 #include <QEventLoop>
-#include <QKeySequence>
 #include <QPointer>
 #include <QSessionManager>
 #include <QTimer>
@@ -181,12 +180,16 @@ void VantrelApp::joinShortcuts(const QDBusConnection& bus) {
         const auto mode = HotkeyManager::modeOf(number);
         return QString::fromStdString(delegate_.state().shortcutTitle(mode));
     };
-    kwinShortcuts_.emplace(
-        bus, *kwin_,
-        DesktopShortcuts::Means{
-            .keyOf = [this](const auto& keys, auto layout) { return keyOf(keys, layout); },
-            .nameOf = nameOf,
-        });
+    kwinShortcuts_.emplace(bus, *kwin_,
+                           DesktopShortcuts::Means{
+                               .keysOf =
+                                   [this](const auto& keys, auto layout) {
+                                       return keyboard().toolkitKeys(
+                                           keys.keycode, (keys.modifiers & modifier::shift) != 0,
+                                           layout);
+                                   },
+                               .nameOf = nameOf,
+                           });
     keyboardChanges_ = keyboard().changes.add([this] { kwinShortcuts_->grabAgain(); });
     auto& own = x11_ ? static_cast<HotKeys&>(x11_->hotKeys) : absent_.hotKeys;
     if (wayland_) {
@@ -205,24 +208,6 @@ void VantrelApp::joinShortcuts(const QDBusConnection& bus) {
 // That of the toolkit's windows.
 KeymapKeyboard& VantrelApp::keyboard() {
     return hasNativeWindows() ? static_cast<KeymapKeyboard&>(*waylandKeyboard_) : x11_->keyboard;
-}
-
-// As the toolkit has the key, by what it produces. Where Shift makes another character of it than
-// the capital of a letter, Plasma looks for that one, without Shift.
-int VantrelApp::keyOf(const KeyCombination& keys, std::uint32_t layout) {
-    const auto produced = [&](bool withShift) -> int {
-        const auto press = keyboard().pressIn(layout, keys.keycode, withShift);
-        const auto name = press ? press->charactersIgnoringModifiers.value_or(press->name) : "";
-        const QKeySequence sequence(QString::fromStdString(name), QKeySequence::PortableText);
-        const auto key = sequence.isEmpty() ? Qt::Key_unknown : sequence[0].key();
-        return key == Qt::Key_unknown ? 0 : key;
-    };
-    const int key = produced(false);
-    if (key == 0 || (keys.modifiers & modifier::shift) == 0) {
-        return key;
-    }
-    const int shifted = produced(true);
-    return shifted == key || shifted == 0 ? key | static_cast<int>(Qt::ShiftModifier) : shifted;
 }
 
 void VantrelApp::observeDesktop() {

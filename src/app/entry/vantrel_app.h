@@ -82,7 +82,6 @@ private:
     [[nodiscard]] bool drawsItself(const QDBusConnection& bus);
     void joinShortcuts(const QDBusConnection& bus);
     [[nodiscard]] KeymapKeyboard& keyboard();
-    [[nodiscard]] int keyOf(const KeyCombination& keys, std::uint32_t layout);
     [[nodiscard]] RemoteControl remoteControl();
     void takeCommands();
     void observeDesktop();

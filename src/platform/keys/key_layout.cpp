@@ -28,6 +28,14 @@ std::string_view accentOf(xkb_keysym_t symbol) {
     return index < accents.size() ? accents[index] : std::string_view();
 }
 
+bool isDead(xkb_keysym_t symbol) {
+    return symbol >= XKB_KEY_dead_grave && symbol <= XKB_KEY_dead_greek;
+}
+
+bool isLatin(xkb_keysym_t symbol) {
+    return symbol >= XKB_KEY_space && symbol <= XKB_KEY_ydiaeresis;
+}
+
 bool isSeen(std::uint32_t character) {
     return QChar::isPrint(character) && !QChar::isSpace(character);
 }
@@ -124,6 +132,25 @@ bool KeyLayout::isModifier(std::uint32_t key) const {
     return false;
 }
 
+xkb_keysym_t KeyLayout::shortcutSymbol(std::uint32_t key, std::uint32_t modifiers,
+                                       std::uint32_t layout, bool numLock) const {
+    const auto symbolIn = [&](std::uint32_t each) -> xkb_keysym_t {
+        const auto keys = stateWith(modifiers, each, numLock);
+        return keys ? xkb_state_key_get_one_sym(keys.get(), key) : XKB_KEY_NoSymbol;
+    };
+    const auto symbol = symbolIn(layout);
+    if (isDead(symbol)) {
+        return XKB_KEY_NoSymbol;
+    }
+    const auto count = keymap_ ? xkb_keymap_num_layouts(keymap_.get()) : 0;
+    for (std::uint32_t each = 0; !isLatin(symbol) && each < count; ++each) {
+        if (const auto other = symbolIn(each); isLatin(other)) {
+            return other;
+        }
+    }
+    return symbol;
+}
+
 std::uint32_t KeyLayout::layoutWith(xkb_keysym_t symbol, std::uint32_t key,
                                     std::uint32_t modifiers) const {
     const auto count = keymap_ ? xkb_keymap_num_layouts(keymap_.get()) : 0;
@@ -155,12 +182,13 @@ std::uint32_t KeyLayout::flagsOf(std::uint32_t modifiers) const {
     return left == 0 ? flags : 0;
 }
 
-// Num Lock is always on: the keys of the numeric pad are known by their digits.
-KeyLayout::State KeyLayout::stateWith(std::uint32_t modifiers, std::uint32_t layout) const {
+// Num Lock is on elsewhere: the keys of the numeric pad are known by their digits.
+KeyLayout::State KeyLayout::stateWith(std::uint32_t modifiers, std::uint32_t layout,
+                                      bool numLock) const {
     State keys(keymap_ ? xkb_state_new(keymap_.get()) : nullptr);
     if (keys) {
-        xkb_state_update_mask(keys.get(), modifiers, 0, modifiers_.locks & ~capsLockBit, 0, 0,
-                              layout);
+        const auto locks = numLock ? modifiers_.locks & ~capsLockBit : 0;
+        xkb_state_update_mask(keys.get(), modifiers, 0, locks, 0, 0, layout);
     }
     return keys;
 }

@@ -49,6 +49,10 @@ public:
     // What the key produces without modifiers in the first layout, as keymaps call it; empty where
     // it produces nothing.
     [[nodiscard]] std::string symbolOf(std::uint32_t key) const;
+    // Which symbol shortcuts of a Wayland desktop go by: where what the key produces in that layout
+    // is no Latin character, that of the first layout which has one there. None for dead keys.
+    [[nodiscard]] xkb_keysym_t shortcutSymbol(std::uint32_t key, std::uint32_t modifiers,
+                                              std::uint32_t layout, bool numLock) const;
     // In which layout the key produces that symbol with the modifiers; the first for want of any.
     [[nodiscard]] std::uint32_t layoutWith(xkb_keysym_t symbol, std::uint32_t key,
                                            std::uint32_t modifiers) const;
@@ -56,7 +60,8 @@ public:
 private:
     using State = std::unique_ptr<xkb_state, Unref<xkb_state_unref>>;
 
-    [[nodiscard]] State stateWith(std::uint32_t modifiers, std::uint32_t layout) const;
+    [[nodiscard]] State stateWith(std::uint32_t modifiers, std::uint32_t layout,
+                                  bool numLock = true) const;
     [[nodiscard]] xkb_keysym_t plainSymbol(std::uint32_t key, std::uint32_t layout) const;
     [[nodiscard]] std::uint32_t flagsOf(std::uint32_t modifiers) const;
     [[nodiscard]] std::optional<std::string>

@@ -2,10 +2,10 @@
 
 #include "platform/input.h"
 #include "platform/keys/key_layout.h"
+#include "platform/keys/toolkit_key.h"
 #include "platform/subscription.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace vantrel {
@@ -21,10 +21,10 @@ public:
         return layout().isModifier(key);
     }
 
-    // Without modifiers, in that layout of several, from 0.
-    [[nodiscard]] std::optional<KeyPress> pressIn(std::uint32_t layoutNumber, std::uint32_t key,
-                                                  bool withShift = false) const {
-        return layout().press(key, withShift ? shiftBit : 0, layoutNumber);
+    // In that layout of several, from 0.
+    [[nodiscard]] QList<int> toolkitKeys(std::uint32_t key, bool withShift,
+                                         std::uint32_t layoutNumber) const {
+        return toolkitKeysOf(layout(), key, withShift, layoutNumber);
     }
     // What the key produces without modifiers, as keymaps call it; empty where it produces nothing.
     [[nodiscard]] std::string symbolOf(std::uint32_t key) const { return layout().symbolOf(key); }

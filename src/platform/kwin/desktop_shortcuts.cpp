@@ -53,11 +53,11 @@ int toolkitModifiers(std::uint32_t modifiers) {
 }
 
 // What was granted, of what was asked for.
-int firstKeyIn(const QDBusMessage& answer) {
+bool isIn(const QDBusMessage& answer, int combination) {
     const auto granted = qdbus_cast<QList<DesktopKeys>>(answer.arguments().value(0));
-    return answer.type() == QDBusMessage::ErrorMessage || granted.isEmpty()
-               ? 0
-               : granted.front().keys.value(0);
+    return answer.type() != QDBusMessage::ErrorMessage &&
+           std::ranges::any_of(granted,
+                               [&](const auto& each) { return each.keys.value(0) == combination; });
 }
 
 } // namespace
@@ -127,24 +127,26 @@ void DesktopShortcuts::grabKey(const KeyGrab& grab) {
             onRefused({grab.number});
         }
     };
-    const int key = means_.keyOf(grab.keys, layout_);
-    if (key == 0) {
+    QList<DesktopKeys> wanted;
+    for (const int key : means_.keysOf(grab.keys, layout_)) {
+        const int known = script_.tellsPad() ? key : key & ~static_cast<int>(Qt::KeypadModifier);
+        wanted.push_back({{known | toolkitModifiers(grab.keys.modifiers), 0, 0, 0}});
+    }
+    if (wanted.isEmpty()) {
         QMetaObject::invokeMethod(this, refuse, Qt::QueuedConnection);
         return;
     }
-    const int combination = key | toolkitModifiers(grab.keys.modifiers);
     const QStringList names{component, actionOf(grab.number), QStringLiteral("Vantrel"),
                             means_.nameOf(grab.number)};
     const auto ignore = [](const QDBusMessage&) {};
     callAsync(bus_, shortcutsCall("doRegister", {names}), this, ignore);
     // For a program that is there, and not as it was the last time.
     constexpr uint presentWithoutAutoloading = 2 | 4;
-    const QList<DesktopKeys> wanted{{{combination, 0, 0, 0}}};
     callAsync(bus_,
               shortcutsCall("setShortcutKeys",
                             {names, QVariant::fromValue(wanted), presentWithoutAutoloading}),
-              this, [combination, refuse](const QDBusMessage& answer) {
-                  if (firstKeyIn(answer) != combination) {
+              this, [first = wanted.front().keys.front(), refuse](const QDBusMessage& answer) {
+                  if (!isIn(answer, first)) {
                       refuse();
                   }
               });

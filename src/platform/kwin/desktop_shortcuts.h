@@ -5,6 +5,7 @@
 
 #include <QDBusConnection>
 #include <QElapsedTimer>
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -23,8 +24,8 @@ class DesktopShortcuts final : public QObject, public KeyGrabber {
 public:
     struct Means {
         // What the toolkit calls the key in that layout of several, from 0, and Shift where it is
-        // held for it; 0 without a name.
-        std::function<int(const KeyCombination& keys, std::uint32_t layout)> keyOf;
+        // held for it. The first has to be granted.
+        std::function<QList<int>(const KeyCombination& keys, std::uint32_t layout)> keysOf;
         // As the system's settings list the shortcut, in the user's language.
         std::function<QString(std::uint32_t number)> nameOf;
     };

@@ -83,6 +83,7 @@ void KWinScript::setKWin(const QString& owner) {
         return;
     }
     kwin_ = owner;
+    tellsPad_ = true;
     waiting_.reset();
     hold_.stop();
     retry_.stop();
@@ -151,6 +152,7 @@ void KWinScript::run(const QString& path, const QString& otherwise) {
     call(path, QStringLiteral("org.kde.kwin.Script"), "run", {},
          [this, otherwise](const QDBusMessage& answer) {
              if (answer.type() == QDBusMessage::ErrorMessage && !otherwise.isEmpty()) {
+                 tellsPad_ = false;
                  run(otherwise, {});
              }
          });

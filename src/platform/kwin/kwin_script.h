@@ -39,6 +39,8 @@ public:
     [[nodiscard]] std::string_view drawer() const override { return "kwin"; }
     // Also as long as that is not known.
     [[nodiscard]] bool seesPresses() const override { return seesPresses_; }
+    // Whether this KWin knows keys of the numeric pad from others.
+    [[nodiscard]] bool tellsPad() const { return tellsPad_; }
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
     void show(const Effect& effect) override;
     void clear() override;
@@ -74,6 +76,7 @@ private:
     QString kwin_; // its unique name while it is there
     MarksState state_ = MarksState::none;
     bool seesPresses_ = true;
+    bool tellsPad_ = true;          // as Plasma 6 does
     std::vector<double> scales_{1}; // of the displays, pixels for each point
     std::optional<Effect> effect_;
     QString message_ = QStringLiteral("{}"); // for the script
