@@ -282,8 +282,11 @@ Window {
         dbusInterface: "org.vantrel.KWinMarks1"
         method: "Next"
         onFinished: function (answer) {
-            mark.serial = answer[0];
-            mark.show(answer[1]);
+            // Answered in time only for the bus, it is what is shown already.
+            if (answer[0] !== mark.serial) {
+                mark.serial = answer[0];
+                mark.show(answer[1]);
+            }
             mark.ask();
         }
         onFailed: mark.end()
