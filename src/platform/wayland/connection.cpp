@@ -36,7 +36,9 @@ std::unique_ptr<Connection> Connection::open(const std::string& displayName,
 }
 
 Connection::Connection(wl_display* display)
-    : display_(display), registry_(wl_display_get_registry(display)) {
+    : display_(display),
+      frames_(wl_display_create_queue(display)),
+      registry_(wl_display_get_registry(display)) {
     static constexpr wl_registry_listener listener{
         .global = relay<&Connection::addGlobal, wl_registry>,
         .global_remove = relay<&Connection::removeGlobal, wl_registry>,
@@ -54,6 +56,7 @@ Connection::~Connection() {
     subcompositor_.reset();
     compositor_.reset();
     registry_.reset();
+    wl_event_queue_destroy(frames_);
     wl_display_disconnect(display_);
 }
 
@@ -88,10 +91,7 @@ bool Connection::seesEnd(std::chrono::milliseconds limit) const {
 void Connection::dispatch() {
     read();
     if (wl_display_get_error(display_) == 0) {
-        for (auto* handler : handlers_) {
-            handler->eventsDrained();
-        }
-        flush();
+        finishBatch();
     } else if (!std::exchange(isLost_, true)) {
         lost.notify();
     }
@@ -105,6 +105,36 @@ void Connection::read() {
     }
     wl_display_read_events(display_); // which does not wait
     wl_display_dispatch_pending(display_);
+    wl_display_dispatch_queue_pending(display_, frames_);
+}
+
+bool Connection::dispatchFrames() {
+    // Fails while there are events of other kinds.
+    if (wl_display_prepare_read(display_) != 0) {
+        return false;
+    }
+    wl_display_read_events(display_); // which does not wait
+    wl_display_dispatch_queue_pending(display_, frames_);
+    if (wl_display_get_error(display_) != 0) {
+        return false;
+    }
+    finishBatch();
+    if (wl_display_prepare_read(display_) != 0) {
+        return false;
+    }
+    wl_display_cancel_read(display_);
+    return true;
+}
+
+void Connection::finishBatch() {
+    for (auto* handler : handlers_) {
+        handler->eventsDrained();
+    }
+    flush();
+}
+
+void Connection::tellFramesOf(wl_proxy* object) const {
+    wl_proxy_set_queue(object, frames_);
 }
 
 void Connection::flush() {

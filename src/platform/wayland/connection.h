@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+struct wl_event_queue;
 struct wl_interface;
+struct wl_proxy;
 
 namespace vantrel::wayland {
 
@@ -73,6 +75,14 @@ public:
     [[nodiscard]] int descriptor() const;
     // Handles what has arrived, without waiting, and sends what that led to.
     void dispatch();
+    // The same when nothing but frames and motions has arrived. False when something else is left
+    // to dispatch().
+    [[nodiscard]] bool dispatchFrames();
+    // Makes the events of an object that nothing was heard of yet such frames or motions.
+    template <typename Proxy>
+    void tellFramesOf(Proxy* object) const {
+        tellFramesOf(reinterpret_cast<wl_proxy*>(object));
+    }
     void flush();
     // Handles what the compositor has to say to all that was sent. False when it does not answer in
     // that time.
@@ -81,12 +91,15 @@ public:
 private:
     explicit Connection(wl_display* display);
 
+    void tellFramesOf(wl_proxy* object) const;
     void read();
+    void finishBatch();
     void addGlobal(std::uint32_t name, const char* interface, std::uint32_t version);
     void removeGlobal(std::uint32_t name);
     void bindSingle(const Global& global);
 
     wl_display* display_;
+    wl_event_queue* frames_; // and motions
     Handle<wl_registry> registry_;
     std::vector<Global> globals_;
     Handle<wl_compositor> compositor_;

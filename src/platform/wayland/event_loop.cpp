@@ -6,6 +6,7 @@ namespace vantrel::wayland {
 
 EventLoop::EventLoop(Connection& connection)
     : notifier_(connection.descriptor(), QSocketNotifier::Read),
+      wait_(connection.descriptor(), [&connection] { return connection.dispatchFrames(); }),
       loss_(connection.lost.add([this] { notifier_.setEnabled(false); })) {
     connect(&notifier_, &QSocketNotifier::activated, this,
             [&connection] { connection.dispatch(); });

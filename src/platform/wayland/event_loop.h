@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/loop_wait.h"
 #include "platform/wayland/connection.h"
 
 #include <QObject>
@@ -7,7 +8,8 @@
 
 namespace vantrel::wayland {
 
-// Makes the connection one more descriptor of Qt's event loop.
+// Makes the connection one more descriptor of Qt's event loop. Frames and motions are handled while
+// that waits.
 class EventLoop final : public QObject {
 public:
     // An event dispatcher must exist, as it does once the application object does.
@@ -15,6 +17,7 @@ public:
 
 private:
     QSocketNotifier notifier_;
+    LoopWait wait_;
     Subscription loss_;
 };
 

@@ -151,6 +151,7 @@ void WaylandOverlayWindow::askForFrame() {
         .done = relay<&WaylandOverlayWindow::noteFrame, wl_callback>,
     };
     frame_.reset(wl_surface_frame(surface_.get()));
+    owner_.connection_.tellFramesOf(frame_.get());
     wl_callback_add_listener(frame_.get(), &listener, this);
 }
 

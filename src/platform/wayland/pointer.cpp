@@ -40,6 +40,7 @@ CursorSession::CursorSession(const Connection& connection, wl_output* output, wl
                                                                        output)),
       session_(ext_image_copy_capture_manager_v1_create_pointer_cursor_session(
           connection.captures(), source_.get(), pointer)) {
+    connection.tellFramesOf(session_.get());
     static constexpr ext_image_copy_capture_cursor_session_v1_listener listener{
         .enter = relay<&CursorSession::enter, ext_image_copy_capture_cursor_session_v1>,
         .leave = relay<&CursorSession::leave, ext_image_copy_capture_cursor_session_v1>,
