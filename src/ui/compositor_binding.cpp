@@ -26,7 +26,10 @@ constexpr std::array syntaxes{
            {"C-", "A-", "S-", "W-"},
            R"(<keybind key="%m%k"><action name="Execute" command="%c"/></keybind>)"},
     Syntax{"niri", {"Ctrl+", "Alt+", "Shift+", "Super+"}, "%m%k { spawn %w; }"},
-    Syntax{"Hyprland", {"CTRL ", "ALT ", "SHIFT ", "SUPER "}, "bind = %m, %k, exec, %c", " "},
+    // In Lua, which it has had since 0.55, and nothing else since 0.57.
+    Syntax{"Hyprland",
+           {"CTRL + ", "ALT + ", "SHIFT + ", "SUPER + "},
+           R"lua(hl.bind("%m%k", hl.dsp.exec_cmd("%c")))lua"},
     Syntax{"river",
            {"Control+", "Alt+", "Shift+", "Super+"},
            R"(riverctl map normal %m %k spawn "%c")",

@@ -189,7 +189,8 @@ TEST(CompositorBindingTest, SpeaksAsTheCompositorDoes) {
              {"labwc", "<keybind key=\"C-W-l\"><action name=\"Execute\" "
                        "command=\"vantrel toggle laser\"/></keybind>"},
              {"niri", "Ctrl+Super+l { spawn \"vantrel\" \"toggle\" \"laser\"; }"},
-             {"Hyprland", "bind = CTRL SUPER, l, exec, vantrel toggle laser"},
+             {"Hyprland",
+              "hl.bind(\"CTRL + SUPER + l\", hl.dsp.exec_cmd(\"vantrel toggle laser\"))"},
              {"river", "riverctl map normal Control+Super l spawn \"vantrel toggle laser\""},
              {"COSMIC", command},
          }) {
