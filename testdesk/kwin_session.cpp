@@ -23,7 +23,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr PixelSize outputSize{1280, 720};
 const auto kwinService = QStringLiteral("org.kde.KWin");
 
 // What KWin writes on a pipe, meanwhile.
@@ -61,7 +60,7 @@ private:
 };
 
 // They lie one over the other at first, in the order in which they were made.
-void placeOutputs(const std::string& display) {
+void placeOutputs(const std::string& display, int width) {
     const XConnection connection(display);
     const auto tree = ownReply(xcb_query_tree_reply(
         connection.get(), xcb_query_tree(connection.get(), connection.root()), nullptr));
@@ -73,7 +72,7 @@ void placeOutputs(const std::string& display) {
     for (const auto output : outputs) {
         const auto geometry = ownReply(xcb_get_geometry_reply(
             connection.get(), xcb_get_geometry(connection.get(), output), nullptr));
-        if (geometry && geometry->width >= outputSize.width) {
+        if (geometry && geometry->width >= width) {
             xcb_configure_window(connection.get(), output, XCB_CONFIG_WINDOW_X, &x);
             x += geometry->width;
         }
@@ -91,8 +90,8 @@ KWinSession::KWinSession(const Options& options)
                                          QString::fromStdString(sessionBus_.address()))) {
     environment_ = kwinEnvironment(folder(), sessionBus_.address(), options.dataFolder);
     if (version_ > 5) {
-        screen_.emplace(
-            PrivateServer::virtualScreen({outputSize.width * options.outputs, outputSize.height}));
+        screen_.emplace(PrivateServer::virtualScreen(
+            {options.size.width * options.outputs, options.size.height}));
     }
     start();
 }
@@ -103,7 +102,7 @@ KWinSession::~KWinSession() {
 
 void KWinSession::start() {
     kwin_.emplace(kwinCommand(folder(), environment_,
-                              {.size = outputSize,
+                              {.size = options_.size,
                                .outputs = options_.outputs,
                                .scale = options_.scale,
                                .xwayland = options_.xwayland,
@@ -121,7 +120,7 @@ void KWinSession::awaitReady() {
     }
     client_.emplace(folder() / "runtime/wayland-0");
     if (screen_) {
-        placeOutputs(screen_->display());
+        placeOutputs(screen_->display(), options_.size.width);
         // On an X server Plasma 6 does not take the scale that it is started with.
         for (int output = 0; options_.scale != 1 && output < options_.outputs; ++output) {
             client_->scaleOutput(static_cast<std::size_t>(output), options_.scale);
@@ -195,13 +194,18 @@ nlohmann::json KWinSession::evaluate(const std::string& expression) const {
     const auto path = version_ > 5 ? QStringLiteral("/Scripting/Script%1").arg(number)
                                    : QStringLiteral("/%1").arg(number);
     call(kwinService, path, "org.kde.kwin.Script", "run");
-    const bool hasTold = waitFor([&] {
+    const auto hasTold = [&] {
         QCoreApplication::processEvents();
         return listener.told.has_value();
-    });
+    };
+    // Another script may have its number.
+    if (!waitFor(hasTold, 1s)) {
+        call(kwinService, scripting, interface, "start");
+    }
+    const bool isTold = waitFor(hasTold);
     bus.unregisterObject(QStringLiteral("/evaluation"));
     call(kwinService, scripting, interface, "unloadScript", {name});
-    if (!hasTold) {
+    if (!isTold) {
         throw std::runtime_error(expression + ": " + readFile(folder() / "kwin.err"));
     }
     return nlohmann::json::parse(*listener.told);

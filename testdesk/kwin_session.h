@@ -24,7 +24,8 @@ class KWinSession {
 public:
     struct Options {
         double scale = 1;
-        int outputs = 1; // each of 1280 by 720 pixels
+        int outputs = 1;
+        PixelSize size{1280, 720}; // of each
         bool xwayland = false;
         // In which KWin finds effects, besides those of the system.
         std::filesystem::path dataFolder{};

@@ -278,6 +278,17 @@ TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
     const CoreApplication application;
     Session session;
     const auto effect = effectOf(CursorMode::highlight, strongly());
+    // Somebody's script has the number that KWin gives next.
+    const auto tell = [&](const char* method, const QVariantList& arguments) {
+        session.call(QStringLiteral("org.kde.KWin"), QStringLiteral("/Scripting"),
+                     "org.kde.kwin.Scripting", method, arguments);
+    };
+    for (const auto& name : {QStringLiteral("one"), QStringLiteral("two")}) {
+        const auto script = session.folder() / (name.toStdString() + ".js");
+        std::ofstream(script).close();
+        tell("loadScript", {QString::fromStdString(script), name});
+    }
+    tell("unloadScript", {QStringLiteral("one")});
     std::optional<Script> first(session);
     first->marks.show(effect);
     EXPECT_TRUE(comes([&] { return session.isMarked(); }));

@@ -29,6 +29,8 @@ constexpr int longestHold = 20'000;
 // The script of a program that was killed a moment ago goes in so many.
 constexpr int scriptRetry = 100;
 constexpr int mostAttempts = 20;
+// As a rule the script speaks up sooner.
+constexpr int numberCheck = 1'000;
 // KWin looks for new effects from time to time only.
 constexpr int effectRetry = 5'000;
 constexpr int mostEffectAttempts = 12;
@@ -154,8 +156,17 @@ void KWinScript::run(const QString& path, const QString& otherwise) {
              if (answer.type() == QDBusMessage::ErrorMessage && !otherwise.isEmpty()) {
                  tellsPad_ = false;
                  run(otherwise, {});
+             } else {
+                 QTimer::singleShot(numberCheck, this, &KWinScript::runWithoutNumber);
              }
          });
+}
+
+// KWin counts its scripts for the number of the next one, and another may have that one already.
+void KWinScript::runWithoutNumber() {
+    if (state_ != MarksState::available) {
+        call(scriptingPath, scriptingInterface, "start", {}, [](const QDBusMessage&) {});
+    }
 }
 
 // KWin drops effects when it starts to draw anew, as after a fault of the graphics.

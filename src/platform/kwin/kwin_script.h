@@ -59,6 +59,7 @@ private:
     void load();
     void takeNumber(int number);
     void run(const QString& path, const QString& otherwise);
+    void runWithoutNumber();
     void lookAfterEffect();
     void loadEffect();
     void next(const QDBusMessage& message);
