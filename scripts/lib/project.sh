@@ -53,7 +53,7 @@ gnome_session_packages=("${gnome_packages[@]}" dbus-daemon)
 kde_session_packages=("${kwin_packages[@]}" dbus-daemon)
 sway_session_packages=(sway x11-xserver-utils xwayland)
 screenshot_packages=(
-    "${desktop_packages[@]}" "${gnome_packages[@]}"
+    "${desktop_packages[@]}" "${gnome_packages[@]}" "${kwin_packages[@]}"
     dmz-cursor-theme fonts-inter fonts-jetbrains-mono fonts-noto-cjk libxcursor1 trayer
 )
 check_packages=(

@@ -1,11 +1,13 @@
 #include "demo/interruption.h"
 #include "gnome_shot.h"
+#include "session_windows.h"
 #include "shots.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <stdexcept>
+#include <string_view>
 
 #include <QGuiApplication>
 
@@ -15,10 +17,6 @@ namespace vantrel::screenshots {
 namespace {
 
 void takeAll(const std::filesystem::path& program, const std::filesystem::path& folder) {
-    if (access(program.c_str(), X_OK) != 0) {
-        throw std::runtime_error("there is no program " + program.string());
-    }
-    std::filesystem::create_directories(folder);
     std::puts("Starting a private desktop");
     Desk desk(program, folder);
     for (const Shot& shot : shots()) {
@@ -28,13 +26,27 @@ void takeAll(const std::filesystem::path& program, const std::filesystem::path& 
     }
     std::puts("Starting GNOME Shell");
     takeGnomePicture(program, folder);
-    std::printf("Pictures: %s\n", (folder / "*.png").c_str());
 }
 
-int run(const std::filesystem::path& program, const std::filesystem::path& folder) {
+using Take = void(const std::filesystem::path& program, const std::filesystem::path& folder);
+
+// Null for no session that is known.
+Take* takerOf(std::string_view session) {
+    return session == "x11"     ? takeAll
+           : session == "gnome" ? takeGnomeWindows
+           : session == "kde"   ? takeKdeWindows
+                                : nullptr;
+}
+
+int run(Take& take, const std::filesystem::path& program, const std::filesystem::path& folder) {
     try {
         demo::catchInterruptions();
-        takeAll(program, folder);
+        if (access(program.c_str(), X_OK) != 0) {
+            throw std::runtime_error("there is no program " + program.string());
+        }
+        std::filesystem::create_directories(folder);
+        take(program, folder);
+        std::printf("Pictures: %s\n", (folder / "*.png").c_str());
         return EXIT_SUCCESS;
     } catch (const demo::Interrupted&) {
         std::fputs("The taking of pictures was interrupted.\n", stderr);
@@ -49,12 +61,14 @@ int run(const std::filesystem::path& program, const std::filesystem::path& folde
 } // namespace vantrel::screenshots
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fputs("usage: vantrel_screenshots <vantrel> <folder for the pictures>\n", stderr);
+    auto* take = argc == 4 ? vantrel::screenshots::takerOf(argv[1]) : nullptr;
+    if (take == nullptr) {
+        std::fputs("usage: vantrel_screenshots x11|gnome|kde <vantrel> <folder for the pictures>\n",
+                   stderr);
         return 2;
     }
     // It paints the stage, and has no windows of its toolkit.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    return vantrel::screenshots::run(argv[1], argv[2]);
+    return vantrel::screenshots::run(*take, argv[2], argv[3]);
 }
