@@ -9,6 +9,19 @@
 
 namespace vantrel {
 
+namespace {
+
+void announceIf([[maybe_unused]] bool wanted, [[maybe_unused]] QLabel& label) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    if (wanted && label.isVisible()) {
+        QAccessibleAnnouncementEvent event(&label, label.text());
+        QAccessible::updateAccessibility(&event);
+    }
+#endif
+}
+
+} // namespace
+
 Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) : style_(style) {
     if (style.size >= titleText.size) {
         setAccessibleRole(this, QAccessible::Heading);
@@ -21,7 +34,7 @@ Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) 
         if (const QString said = view.say(wording); said != text()) {
             heights_.clear();
             setText(said);
-            announce();
+            announceIf(announced_, *this);
         }
     });
 }
@@ -54,18 +67,9 @@ QWidget* Label::beside(std::string_view symbol, Tone symbolTone) {
     return row(6, {new Symbol(symbol, style_.size, symbolTone), this}, Alignment::leading);
 }
 
-void Label::announce() {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    if (announced_ && isVisible()) {
-        QAccessibleAnnouncementEvent event(this, text());
-        QAccessible::updateAccessibility(&event);
-    }
-#endif
-}
-
 void Label::showEvent(QShowEvent* event) {
     QLabel::showEvent(event);
-    announce();
+    announceIf(announced_, *this);
 }
 
 // Fonts for Chinese leave much room above and below what they draw.

@@ -35,7 +35,6 @@ protected:
 
 private:
     void tint();
-    void announce();
     [[nodiscard]] QSize ofOneLine(QSize hint) const;
 
     TextStyle style_;
