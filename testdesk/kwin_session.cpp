@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -90,8 +91,11 @@ KWinSession::KWinSession(const Options& options)
                                          QString::fromStdString(sessionBus_.address()))) {
     environment_ = kwinEnvironment(folder(), sessionBus_.address(), options.dataFolder);
     if (version_ > 5) {
+        const auto pixels = [&](int points) {
+            return static_cast<int>(std::lround(points * options.scale));
+        };
         screen_.emplace(PrivateServer::virtualScreen(
-            {options.size.width * options.outputs, options.size.height}));
+            {pixels(options.size.width) * options.outputs, pixels(options.size.height)}));
     }
     start();
 }

@@ -25,7 +25,7 @@ public:
     struct Options {
         double scale = 1;
         int outputs = 1;
-        PixelSize size{1280, 720}; // of each
+        PixelSize size{1280, 720}; // of each, in points
         bool xwayland = false;
         // In which KWin finds effects, besides those of the system.
         std::filesystem::path dataFolder{};

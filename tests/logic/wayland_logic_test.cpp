@@ -1,4 +1,4 @@
-#include "platform/keys/key_layout.h"
+#include "platform/keys/toolkit_key.h"
 #include "platform/session_means.h"
 #include "platform/wayland/outputs.h"
 #include "platform/wayland/pointer_track.h"
@@ -68,11 +68,43 @@ TEST(SessionMeansTest, TakesTheBestThatTheSessionOffers) {
     EXPECT_EQ(heldTo("", sway), sway);
 }
 
-TEST(KeyLayoutTest, FindsTheLayoutAndTheModifiersOfAPress) {
+Keymap keymapOf(const char* layouts) {
     const KeyContext context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
-    constexpr xkb_rule_names names{
-        .rules = nullptr, .model = nullptr, .layout = "de,us", .variant = "", .options = ""};
-    Keymap keymap(xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    const xkb_rule_names names{
+        .rules = nullptr, .model = nullptr, .layout = layouts, .variant = "", .options = ""};
+    return Keymap(xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+}
+
+TEST(ToolkitKeyTest, IsTheOneThatPlasmaLooksFor) {
+    constexpr int shift = Qt::ShiftModifier;
+    constexpr int pad = Qt::KeypadModifier;
+    struct Case {
+        const char* layouts;
+        std::uint32_t layout;
+        std::uint32_t key; // a code of Linux
+        bool withShift;
+        QList<int> keys;
+    };
+    for (const auto& [layouts, number, key, withShift, keys] : std::vector<Case>{
+             {"us", 0, KEY_L, true, {Qt::Key_L | shift}},
+             {"us", 0, KEY_1, true, {Qt::Key_Exclam}},
+             {"us", 0, KEY_F5, true, {Qt::Key_F5 | shift}},
+             {"us,ru", 1, KEY_L, false, {Qt::Key_L}},
+             {"ru", 0, KEY_L, false, {0x414}},
+             {"ch", 0, KEY_LEFTBRACE, true, {Qt::Key_Egrave | shift}},
+             {"fr", 0, KEY_BACKSLASH, true, {Qt::Key_mu | shift}},
+             {"de", 0, KEY_EQUAL, false, {}},
+             {"us", 0, KEY_KP7, false, {Qt::Key_7 | pad, Qt::Key_Home | pad}},
+         }) {
+        auto keymap = keymapOf(layouts);
+        const auto modifiers = ModifierBits::of(*keymap);
+        const KeyLayout layout(std::move(keymap), modifiers);
+        EXPECT_EQ(toolkitKeysOf(layout, key + 8, withShift, number), keys) << layouts << key;
+    }
+}
+
+TEST(KeyLayoutTest, FindsTheLayoutAndTheModifiersOfAPress) {
+    auto keymap = keymapOf("de,us");
     ASSERT_TRUE(keymap);
     const auto modifiers = ModifierBits::of(*keymap);
     constexpr std::uint32_t alt = 1U << 3U;

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 
 #include <linux/input-event-codes.h>
 
@@ -47,11 +48,11 @@ void expectWindows(const Windows& windows, int count) {
 void save(const Windows& windows, const std::filesystem::path& path) {
     // Two that are alike: nothing fades in any more.
     QImage last = windows.picture();
-    waitFor([&] {
+    const bool isStill = waitFor([&] {
         const auto before = std::exchange(last, windows.picture());
         return last == before;
     });
-    if (!last.save(QString::fromStdString(path))) {
+    if (!isStill || !last.save(QString::fromStdString(path))) {
         throw std::runtime_error("the picture cannot be written: " + path.string());
     }
 }
@@ -145,7 +146,7 @@ void takeKdeWindows(const std::filesystem::path& program, const std::filesystem:
     for (const double scale : scales) {
         const desktop::KWinSession session(
             {.scale = scale,
-             .size = pixelsAt(scale),
+             .size = displaySize,
              .dataFolder = program.parent_path().parent_path() / "share"});
         takeEach({.folder = session.folder(),
                   .environment = session.environment(),

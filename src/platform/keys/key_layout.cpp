@@ -182,7 +182,8 @@ std::uint32_t KeyLayout::flagsOf(std::uint32_t modifiers) const {
     return left == 0 ? flags : 0;
 }
 
-// Num Lock is on elsewhere: the keys of the numeric pad are known by their digits.
+// Num Lock counts as on unless the caller says otherwise: the keys of the numeric pad are known by
+// their digits.
 KeyLayout::State KeyLayout::stateWith(std::uint32_t modifiers, std::uint32_t layout,
                                       bool numLock) const {
     State keys(keymap_ ? xkb_state_new(keymap_.get()) : nullptr);

@@ -75,18 +75,23 @@ int keyOf(xkb_keysym_t symbol) {
     int key = namedKeyOf(withoutPad(symbol));
     if (key == 0) {
         const auto character = xkb_keysym_to_utf32(symbol);
-        key = QChar::isPrint(character) ? static_cast<int>(QChar::toUpper(character)) : 0;
+        const auto capital = QChar::toUpper(character);
+        // Of two letters of Latin-1 it lies beyond.
+        const bool hasCapital = capital <= 0xff || character > 0xff;
+        key = QChar::isPrint(character) ? static_cast<int>(hasCapital ? capital : character) : 0;
     }
     return key == 0 ? 0 : key | pad;
 }
 
-// Where Shift makes another character of it than the capital of a letter, Plasma looks for that
-// one, without Shift; on the numeric pad with it.
+// Where Shift makes another character of it, Plasma looks for that one, and with Shift only if it
+// is a letter or on the numeric pad.
 int shiftedKeyOf(int key, int shifted) {
     if (key == 0 || shifted == 0 || shifted == key) {
         return key == 0 ? 0 : key | shift;
     }
-    return (shifted & onPad) != 0 ? shifted | shift : shifted;
+    const bool keepsShift =
+        (shifted & onPad) != 0 || QChar::isLetter(static_cast<char32_t>(shifted));
+    return keepsShift ? shifted | shift : shifted;
 }
 
 } // namespace

@@ -24,7 +24,7 @@ class DesktopShortcuts final : public QObject, public KeyGrabber {
 public:
     struct Means {
         // What the toolkit calls the key in that layout of several, from 0, and Shift where it is
-        // held for it. The first has to be granted.
+        // held for it. Counts as refused if the first of them is.
         std::function<QList<int>(const KeyCombination& keys, std::uint32_t layout)> keysOf;
         // As the system's settings list the shortcut, in the user's language.
         std::function<QString(std::uint32_t number)> nameOf;

@@ -154,7 +154,7 @@ void KWinScript::run(const QString& path, const QString& otherwise) {
     call(path, QStringLiteral("org.kde.kwin.Script"), "run", {},
          [this, otherwise](const QDBusMessage& answer) {
              if (answer.type() == QDBusMessage::ErrorMessage && !otherwise.isEmpty()) {
-                 tellsPad_ = false;
+                 tellsPad_ = QDBusError(answer).type() != QDBusError::UnknownObject;
                  run(otherwise, {});
              } else {
                  QTimer::singleShot(numberCheck, this, &KWinScript::runWithoutNumber);
@@ -162,7 +162,8 @@ void KWinScript::run(const QString& path, const QString& otherwise) {
          });
 }
 
-// KWin counts its scripts for the number of the next one, and another may have that one already.
+// KWin numbers a script by how many there are, so that another may have that number already. This
+// runs all that do not run yet.
 void KWinScript::runWithoutNumber() {
     if (state_ != MarksState::available) {
         call(scriptingPath, scriptingInterface, "start", {}, [](const QDBusMessage&) {});

@@ -119,11 +119,15 @@ bool Connection::dispatchFrames() {
         return false;
     }
     finishBatch();
+    return !hasRead();
+}
+
+bool Connection::hasRead() const {
     if (wl_display_prepare_read(display_) != 0) {
-        return false;
+        return true;
     }
     wl_display_cancel_read(display_);
-    return true;
+    return false;
 }
 
 void Connection::finishBatch() {

@@ -83,6 +83,9 @@ public:
     void tellFramesOf(Proxy* object) const {
         tellFramesOf(reinterpret_cast<wl_proxy*>(object));
     }
+    // Whether something waits for dispatch() that was read already: the descriptor is silent about
+    // it.
+    [[nodiscard]] bool hasRead() const;
     void flush();
     // Handles what the compositor has to say to all that was sent. False when it does not answer in
     // that time.

@@ -11,7 +11,7 @@ EventLoop::EventLoop(Connection& connection)
     connect(&notifier_, &QSocketNotifier::activated, this,
             [&connection] { connection.dispatch(); });
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-            [&connection] { connection.flush(); });
+            [&connection] { connection.hasRead() ? connection.dispatch() : connection.flush(); });
 }
 
 } // namespace vantrel::wayland

@@ -6,21 +6,9 @@
 
 #include <QAccessible>
 #include <QEvent>
+#include <QTimer>
 
 namespace vantrel {
-
-namespace {
-
-void announceIf([[maybe_unused]] bool wanted, [[maybe_unused]] QLabel& label) {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    if (wanted && label.isVisible()) {
-        QAccessibleAnnouncementEvent event(&label, label.text());
-        QAccessible::updateAccessibility(&event);
-    }
-#endif
-}
-
-} // namespace
 
 Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) : style_(style) {
     if (style.size >= titleText.size) {
@@ -34,7 +22,7 @@ Label::Label(ViewContext& view, const Wording& wording, const TextStyle& style) 
         if (const QString said = view.say(wording); said != text()) {
             heights_.clear();
             setText(said);
-            announceIf(announced_, *this);
+            announce();
         }
     });
 }
@@ -58,9 +46,25 @@ Label* Label::centered() {
     return this;
 }
 
+// Once all that follows the same change has done so: the label may be hidden by it.
 Label* Label::announced() {
-    announced_ = true;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    announcement_ = new QTimer(this);
+    announcement_->setSingleShot(true);
+    connect(announcement_, &QTimer::timeout, this, [this] {
+        if (isVisible() && !text().isEmpty()) {
+            QAccessibleAnnouncementEvent event(this, text());
+            QAccessible::updateAccessibility(&event);
+        }
+    });
+#endif
     return this;
+}
+
+void Label::announce() const {
+    if (announcement_ != nullptr) {
+        announcement_->start(0);
+    }
 }
 
 QWidget* Label::beside(std::string_view symbol, Tone symbolTone) {
@@ -69,7 +73,7 @@ QWidget* Label::beside(std::string_view symbol, Tone symbolTone) {
 
 void Label::showEvent(QShowEvent* event) {
     QLabel::showEvent(event);
-    announceIf(announced_, *this);
+    announce();
 }
 
 // Fonts for Chinese leave much room above and below what they draw.

@@ -6,6 +6,8 @@
 #include <QHash>
 #include <QLabel>
 
+class QTimer;
+
 namespace vantrel {
 
 // A text in a style, which follows the language and the palette. A single line is as high as one of
@@ -35,10 +37,11 @@ protected:
 
 private:
     void tint();
+    void announce() const;
     [[nodiscard]] QSize ofOneLine(QSize hint) const;
 
     TextStyle style_;
-    bool announced_ = false;
+    QTimer* announcement_ = nullptr; // of one that is announced, if it can be
     // Of the text as it is: nested layouts ask for the same few again and again, and each answer
     // takes laying the text out.
     mutable QHash<int, int> heights_;

@@ -183,7 +183,7 @@ class Picture {
         // A resource has whole pixels for each unit of the stage, a display maybe fewer.
         const scale = this.actor.get_resource_scale();
         const pixels = scale > 1 ? scaleAt(x, y) : 1;
-        this._setExact(scale === 1 || haveDisplaysScale(scale));
+        this._setExact((scale === 1 || haveDisplaysScale(scale)) && !Main.magnifier?.isActive());
         const left = Math.round(x * pixels) / pixels - this._side / 2;
         const top = Math.round(y * pixels) / pixels - this._side / 2;
         if (left === this.actor.translation_x && top === this.actor.translation_y)

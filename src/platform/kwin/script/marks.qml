@@ -282,7 +282,7 @@ Window {
         dbusInterface: "org.vantrel.KWinMarks1"
         method: "Next"
         onFinished: function (answer) {
-            // Answered in time only for the bus, it is what is shown already.
+            // With the same number it was answered only so that the bus does not let it expire.
             if (answer[0] !== mark.serial) {
                 mark.serial = answer[0];
                 mark.show(answer[1]);
