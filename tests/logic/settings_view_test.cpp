@@ -99,10 +99,12 @@ TEST_F(SettingsViewTest, TellsWhatIsWrongWithTheShortcuts) {
     change([](auto& preferences) { preferences.laserShortcut = preferences.highlightShortcut; });
     EXPECT_TRUE(says(duplicate));
     EXPECT_FALSE(says(registration));
-    QTest::qWait(1);
-    change([&](auto& preferences) { preferences.laserShortcut = laser; });
-    QTest::qWait(1);
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !announced.empty(); }));
+#endif
+    change([&](auto& preferences) { preferences.laserShortcut = laser; });
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QTest::qWait(20);
     QAccessible::installUpdateHandler(usual);
     EXPECT_EQ(announced, QStringList(QString::fromUtf8(duplicate)));
 #endif
