@@ -125,6 +125,11 @@ TEST_F(ClicksDesktopTest, OfOneBatchComeInTheirOrderBeforeTheMotion) {
     input.click(Button::right);
     settle();
     EXPECT_THAT(order, testing::ElementsAreArray(types));
+    clicks.clear();
+    input.click(Button::left);
+    input.moveTo({300, 300});
+    settle();
+    EXPECT_THAT(clicks, ElementsAre(Click{MouseButton::left, {500, 500}})) << "where it was made";
     x11->eventMonitors.remove(*token);
 }
 

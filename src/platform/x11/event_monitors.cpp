@@ -107,6 +107,7 @@ void X11EventMonitors::handleEvent(const xcb_generic_event_t& event) {
         // What came together with an answer needs no question of its own.
         if (!moved_ && !pointer_.answeredSince(event)) {
             moved_ = true;
+            noteDeparture();
             pointer_.ask();
         }
         break;
@@ -129,6 +130,14 @@ void X11EventMonitors::notePress(const xcb_generic_event_t& event) {
     const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
     if (!isWheel(press.detail)) {
         presses_.push_back({press.deviceid, press.sourceid, press.detail, event.full_sequence});
+    }
+}
+
+// What was pressed before the pointer went on is where it was until then.
+void X11EventMonitors::noteDeparture() {
+    if (!presses_.empty()) {
+        left_ = pointer_.latestAnswer();
+        pressedThere_ = presses_.size();
     }
 }
 
@@ -169,12 +178,15 @@ void X11EventMonitors::deliverPresses() {
         return;
     }
     const auto presses = std::exchange(presses_, {});
+    auto there = std::exchange(pressedThere_, 0);
     ButtonMapping mapping(connection_);
     for (const auto& press : presses) {
         mapping.request(press);
     }
-    const auto place = pointer_.location().value_or(pointer_.lastLocation());
+    const auto now = pointer_.location().value_or(pointer_.lastLocation());
     for (const auto& press : presses) {
+        const auto place = there > 0 ? left_ : now;
+        there -= there > 0 ? 1 : 0;
         const auto button = mapping.buttonOf(press);
         const auto type = button == leftButton    ? EventType::leftMouseDown
                           : button == rightButton ? EventType::rightMouseDown

@@ -30,7 +30,8 @@ private:
 
 // Motion and presses of every mouse, touchpad and tablet, seen whoever has grabbed the pointer.
 // They are told of when all that had arrived was read: first the presses, in their order and each
-// with the place of the pointer, then the motion, once however many there were. A motion carries
+// with the place of the pointer (before it moved on, where it did so at once), then the motion,
+// once however many there were. A motion carries
 // the place of the last query, as the raw events have none and asking is for who needs it. What
 // happens in this program's own windows goes to the global monitors like all else. A monitor that
 // is added hears of no press from before, such as the one that led to it and waits to be read.
@@ -48,6 +49,7 @@ private:
     void eventsDrained() override;
     void select();
     void notePress(const xcb_generic_event_t& event);
+    void noteDeparture();
     void noteFinger(const xcb_generic_event_t& event);
     void deliverPresses();
     void noteDevices(const xcb_generic_event_t& event);
@@ -58,6 +60,8 @@ private:
     std::uint32_t newest_ = 0; // monitor's number
     std::uint32_t selected_ = 0;
     std::vector<RawPress> presses_;
+    std::size_t pressedThere_ = 0; // how many of them, before the pointer left that place
+    GlobalPoint left_;
     Fingers fingers_;
     bool moved_ = false;
     Subscription events_;

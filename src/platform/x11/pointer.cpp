@@ -13,10 +13,15 @@ X11Pointer::X11Pointer(Connection& connection, const X11Screens& screens, const 
 
 std::optional<GlobalPoint> X11Pointer::location() {
     ask();
+    const auto place = latestAnswer();
+    return known_ ? std::optional(place) : std::nullopt;
+}
+
+GlobalPoint X11Pointer::latestAnswer() {
     if (question_) {
         takeAnswer();
     }
-    return known_ ? std::optional(lastLocation()) : std::nullopt;
+    return lastLocation();
 }
 
 void X11Pointer::ask() {

@@ -15,6 +15,8 @@ public:
     [[nodiscard]] std::optional<GlobalPoint> location() override;
     // The place in the last answer, without asking.
     [[nodiscard]] GlobalPoint lastLocation() const;
+    // The same, where what was asked before is answered first.
+    [[nodiscard]] GlobalPoint latestAnswer();
     // Whether that answer tells of the event as well, as the server sent the event before it.
     [[nodiscard]] bool answeredSince(const xcb_generic_event_t& event) const;
 
