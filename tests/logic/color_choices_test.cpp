@@ -56,6 +56,22 @@ TEST_F(ColorChoicesTest, OnlyTheColourInUseIsSelectedAndItsNameIsThatOfThePreset
     }
 }
 
+TEST_F(ColorChoicesTest, TheWellOfACustomColourHasABadgeOverItsEdge) {
+    auto* well = new CustomColorWell(view, laserColor(), Text{"Custom color", "自定义颜色"});
+    show(row(0, {row(0, {well}), spacer()})->padded(20));
+    const auto pixel = [&](int right, int y) {
+        update();
+        const auto place = well->mapTo(window.get(), QPoint(46 + right, 17 + y));
+        return window->grab().toImage().pixelColor(place * window->devicePixelRatio());
+    };
+    const auto beside = pixel(1, -10);
+    well->setChecked(true);
+    EXPECT_GT(pixel(1, -10).blue() - pixel(1, -10).red(), 60);
+    EXPECT_EQ(pixel(4, -10), beside);
+    well->setChecked(false);
+    EXPECT_EQ(pixel(1, -10), beside);
+}
+
 TEST_F(ColorChoicesTest, AWhiteSwatchHasABlackTick) {
     show(new ColorChoices(view, highlightColor(), Palette::highlight));
     const auto darkest = [&](const char* name) {

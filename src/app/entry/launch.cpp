@@ -63,9 +63,9 @@ constexpr std::chrono::seconds busTimeout(1);
 // For whoever starts the compositor or Xwayland to take connections again; where the session goes
 // on, they wait there already.
 constexpr std::chrono::seconds returnTimeout(2);
-// For a compositor to answer at its start, and at any other time.
+// For a compositor to answer at its start, and at any other time; it may be loading the desktop.
 constexpr std::chrono::seconds compositorReturn(10);
-constexpr std::chrono::seconds compositorTimeout(1);
+constexpr std::chrono::seconds compositorTimeout(4);
 // In which all connections of a compositor that ends are closed.
 constexpr std::chrono::seconds closingTime(1);
 

@@ -27,6 +27,62 @@ EffectColor toEffectColor(const QColor& color) {
     return {part(parts.red()), part(parts.green()), part(parts.blue())};
 }
 
+// Ticks a checked well, over the edge of it, and so in the nearest widget around it that has the
+// room.
+class Badge final : public QWidget {
+public:
+    explicit Badge(QAbstractButton& well) : QWidget(&well), well_(&well) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hideFromScreenReaders(this);
+        well.installEventFilter(this);
+        connect(&well, &QAbstractButton::toggled, this, [this] { place(); });
+        connect(&well, &QObject::destroyed, this, &QObject::deleteLater);
+    }
+
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (const auto type = event->type(); type == QEvent::Move || type == QEvent::Resize ||
+                                             type == QEvent::Show || type == QEvent::Hide) {
+            place();
+        }
+        return false;
+    }
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::white);
+        painter.drawEllipse(QRectF(rect()).adjusted(3, 3, -3, -3));
+        painter.drawPixmap(0, 0,
+                           pictogram("checkmark.circle.fill", width(),
+                                     toneColor(Tone::blue, palette()), devicePixelRatio()));
+    }
+
+private:
+    void place() {
+        if (well_ == nullptr) {
+            return;
+        }
+        const int side = pictogramSide(11);
+        QRect area(0, 0, side, side);
+        area.moveCenter(wellRect.center().toPoint() - QPoint(0, 10));
+        area.moveRight(static_cast<int>(wellRect.right()) + 2); // by 3 beyond it
+        QWidget* host = well_;
+        while (!host->rect().contains(area) && host->parentWidget() != nullptr) {
+            area.translate(host->pos());
+            host = host->parentWidget();
+            host->installEventFilter(this);
+        }
+        if (host != parentWidget()) {
+            setParent(host);
+        }
+        setGeometry(area);
+        setVisible(well_->isChecked() && well_->isVisibleTo(host));
+    }
+
+    QPointer<QAbstractButton> well_;
+};
+
 // What a dialog knows of the bound colour.
 struct Picking {
     Binding<EffectColor> color;
@@ -68,6 +124,7 @@ CustomColorWell::CustomColorWell(ViewContext& view, const Binding<EffectColor>& 
     setCheckable(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, &CustomColorWell::openDialog);
+    new Badge(*this);
     nameForScreenReaders(view, this, label);
     view.follow(this, [this] { follow(); });
 }
@@ -144,20 +201,7 @@ void CustomColorWell::paintEvent(QPaintEvent* /*event*/) {
     painter.fillPath(continuousRect(frame.adjusted(4, 4, -4, -4), 3), color_);
     drawChrome(painter, palette(), frame.adjusted(4, 4, -4, -4),
                {.outline = {Tone::primary, 0.12}, .radius = 3});
-    if (isChecked()) {
-        paintBadge(painter);
-    }
     drawFocusRing(painter, *this, frame, cornerRadius);
-}
-
-void CustomColorWell::paintBadge(QPainter& painter) {
-    const int side = pictogramSide(11);
-    const QPointF corner(wellRect.right() - side, wellRect.center().y() - 10 - side / 2.0);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::white);
-    painter.drawEllipse(QRectF(corner, QSizeF(side, side)).adjusted(3, 3, -3, -3));
-    painter.drawPixmap(corner, pictogram("checkmark.circle.fill", side,
-                                         toneColor(Tone::blue, palette()), devicePixelRatio()));
 }
 
 } // namespace vantrel

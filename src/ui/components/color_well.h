@@ -44,7 +44,6 @@ protected:
 private:
     void follow();
     QColorDialog* makeDialog();
-    void paintBadge(QPainter& painter);
 
     ViewContext& view_;
     const Wording label_;
