@@ -95,7 +95,7 @@ TEST_F(OverlayDesktopTest, IsShapedWhereNothingBlends) {
     const auto yellowIn = [&](PixelRect area) {
         const auto colors = captureScreen(watcher, area).pixels;
         return std::ranges::count_if(
-            colors, [](std::uint32_t color) { return channelDistance(color, yellow) <= 12; });
+            colors, [](std::uint32_t color) { return channelDistance(color, yellow) <= 1; });
     };
     paintDesktop();
     input.moveTo({300, 300});

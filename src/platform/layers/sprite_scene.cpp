@@ -131,7 +131,7 @@ QRect SpriteScene::boxOf(const Layer& layer, const Rect& painted) const {
 
 void SpriteScene::render(Sprite& sprite, const Layer& layer, double mediaTime,
                          SpriteSink& sink) const {
-    QImage picture(sprite.box.size(), QImage::Format_ARGB32_Premultiplied);
+    QImage picture(sprite.box.size(), sink.format());
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -16,11 +16,16 @@ namespace vantrel {
 using SpriteId = std::uint64_t;
 
 // Carries out what a scene decides. Pixels are the display's, from its top-left corner, y downward.
-// Pictures are 32-bit premultiplied, and only lent for the call.
+// Pictures are premultiplied, and only lent for the call.
 class SpriteSink {
 public:
     virtual ~SpriteSink() = default;
 
+    // Of what sprites that are not animated are painted. One of 64 bits keeps the colours of
+    // what is nearly transparent; animated ones have 32.
+    [[nodiscard]] virtual QImage::Format format() const {
+        return QImage::Format_ARGB32_Premultiplied;
+    }
     // The sprite's picture from now on; its size may be another than before. False when it cannot
     // be shown now; it is then offered again with the next update.
     virtual bool upload(SpriteId sprite, const QImage& picture) = 0;

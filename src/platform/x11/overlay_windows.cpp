@@ -52,6 +52,7 @@ private:
         SpriteWindow* window = nullptr;
     };
 
+    [[nodiscard]] QImage::Format format() const override;
     bool upload(SpriteId sprite, const QImage& picture) override;
     void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
     void place(SpriteId sprite, QPoint topLeft) override;
@@ -109,6 +110,12 @@ void X11OverlayWindow::forgetSprites() {
 SpriteWindow* X11OverlayWindow::windowOf(SpriteId sprite) const {
     const auto found = std::ranges::find(sprites_, sprite, &Sprite::id);
     return found == sprites_.end() ? nullptr : found->window;
+}
+
+// Where nothing blends, colours are shown without their opacity.
+QImage::Format X11OverlayWindow::format() const {
+    return owner_.stack_.kind() == SpriteKind::shaped ? QImage::Format_RGBA64_Premultiplied
+                                                      : QImage::Format_ARGB32_Premultiplied;
 }
 
 bool X11OverlayWindow::upload(SpriteId sprite, const QImage& picture) {

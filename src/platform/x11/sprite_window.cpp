@@ -26,8 +26,7 @@ QRect fromX(const xcb_rectangle_t& rect) {
 }
 
 // Without its transparency, in the format of a root window of that depth.
-QImage opaque(const QImage& picture, std::uint8_t depth) {
-    auto image = picture.convertToFormat(QImage::Format_ARGB32);
+QImage opaque(QImage image, std::uint8_t depth) {
     image.reinterpretAsFormat(QImage::Format_RGB32);
     switch (depth) {
     case 16:
@@ -170,10 +169,11 @@ void SpriteWindow::setPicture(const QImage& picture) {
                       connection.root(), static_cast<std::uint16_t>(size_.width()),
                       static_cast<std::uint16_t>(size_.height()));
     if (resources_.kind() == SpriteKind::shaped) {
-        cutOut(picture, cut_);
+        auto straight = picture.convertToFormat(QImage::Format_ARGB32);
+        cutOut(straight, cut_);
         shapeStale_ = true;
         const auto depth = resources_.writer().depth();
-        resources_.writer().put(picture_.id(), opaque(picture, depth), picture.rect());
+        resources_.writer().put(picture_.id(), opaque(std::move(straight), depth), picture.rect());
     } else {
         resources_.writer().put(picture_.id(), picture, picture.rect());
     }
