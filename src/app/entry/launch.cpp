@@ -66,6 +66,8 @@ constexpr std::chrono::seconds returnTimeout(2);
 // For a compositor to answer at its start, and at any other time; it may be loading the desktop.
 constexpr std::chrono::seconds compositorReturn(10);
 constexpr std::chrono::seconds compositorTimeout(4);
+// A program that loses its session sooner would lose it again, and start anew for ever.
+constexpr std::chrono::seconds shortestLife(1);
 // In which all connections of a compositor that ends are closed.
 constexpr std::chrono::seconds closingTime(1);
 
@@ -135,8 +137,7 @@ public:
     void setProgram(VantrelApp* program) { program_ = program; }
     // With nothing left to save.
     [[noreturn]] void leave() const {
-        using Clock = std::chrono::steady_clock;
-        if (mayReturn_) {
+        if (mayReturn_ && Clock::now() - begun_ > shortestLife) {
             sigset_t none;
             sigemptyset(&none);
             pthread_sigmask(SIG_SETMASK, &none, nullptr);
@@ -152,6 +153,8 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     [[noreturn]] void endAndLeave() {
         if (VantrelApp* program = program_) {
             program->end();
@@ -172,6 +175,7 @@ private:
 
     static inline SessionLoss* current_ = nullptr;
     const std::thread::id thread_ = std::this_thread::get_id();
+    const Clock::time_point begun_ = Clock::now();
     const bool mayReturn_;
     const bool isNative_;
     std::atomic<VantrelApp*> program_ = nullptr;

@@ -15,7 +15,8 @@ struct KeyPlace {
 };
 
 // Insert stands where the other keyboards have Help, Num Lock where they have Clear. The two
-// language keys beside the space bar go by what is sent for them, which is the same on both.
+// language keys beside the space bar go by what is sent for them, which is the same on both. The
+// last three stand on no keyboard of those that the codes are from, which end at 0x7F.
 constexpr std::array places = std::to_array<KeyPlace>({
     {0x00, KEY_A},        {0x01, KEY_S},         {0x02, KEY_D},          {0x03, KEY_F},
     {0x04, KEY_H},        {0x05, KEY_G},         {0x06, KEY_Z},          {0x07, KEY_X},
@@ -44,7 +45,8 @@ constexpr std::array places = std::to_array<KeyPlace>({
     {0x71, KEY_F15},      {0x72, KEY_INSERT},    {0x73, KEY_HOME},       {0x74, KEY_PAGEUP},
     {0x75, KEY_DELETE},   {0x76, KEY_F4},        {0x77, KEY_END},        {0x78, KEY_F2},
     {0x79, KEY_PAGEDOWN}, {0x7A, KEY_F1},        {0x7B, KEY_LEFT},       {0x7C, KEY_RIGHT},
-    {0x7D, KEY_DOWN},     {0x7E, KEY_UP},
+    {0x7D, KEY_DOWN},     {0x7E, KEY_UP},        {0x80, KEY_SYSRQ},      {0x81, KEY_SCROLLLOCK},
+    {0x82, KEY_PAUSE},
 });
 
 // Keycodes begin at 8.
