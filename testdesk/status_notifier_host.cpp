@@ -51,6 +51,8 @@ MenuEntry readEntry(const QDBusArgument& argument) {
     if (!properties.value(QStringLiteral("toggle-type")).toString().isEmpty()) {
         entry.checked = properties.value(QStringLiteral("toggle-state")).toInt() == 1;
     }
+    const auto keys = qdbus_cast<QList<QStringList>>(properties.value(QStringLiteral("shortcut")));
+    entry.shortcut = keys.value(0).join(QLatin1Char('+')).toStdString();
     argument.beginArray();
     while (!argument.atEnd()) {
         QDBusVariant child;
@@ -94,6 +96,9 @@ StatusNotifierHost::StatusNotifierHost(const PrivateBus& bus, Start start)
       bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()), name_)),
       watcher_(new StatusNotifierWatcher) {
     bus_.registerObject(watcherPath, watcher_, QDBusConnection::ExportAllContents);
+    for (const QString& interface : {itemInterface, menuInterface}) {
+        bus_.connect({}, {}, interface, {}, watcher_, SLOT(note(QDBusMessage)));
+    }
     watcher_->moveToThread(&thread_);
     QObject::connect(&thread_, &QThread::finished, watcher_, &QObject::deleteLater);
     thread_.start();
@@ -151,6 +156,13 @@ std::optional<StatusNotifierItem> StatusNotifierHost::waitForItem() const {
         return !found.empty();
     });
     return found.empty() ? std::nullopt : std::optional(found.back());
+}
+
+bool StatusNotifierHost::hasHeard(const char* signal) const {
+    QStringList heard;
+    QMetaObject::invokeMethod(watcher_, &StatusNotifierWatcher::heard, Qt::BlockingQueuedConnection,
+                              &heard);
+    return heard.contains(QLatin1String(signal));
 }
 
 QVariant StatusNotifierItem::property(const char* name) const {

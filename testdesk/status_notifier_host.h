@@ -31,6 +31,7 @@ struct MenuEntry {
     std::string label{}; // empty for a separator; an underscore marks the letter that chooses it
     bool enabled = true;
     std::optional<bool> checked{}; // absent where it cannot be
+    std::string shortcut{};        // its keys with "+" between them
     std::vector<MenuEntry> entries{};
 };
 
@@ -86,6 +87,8 @@ public:
     [[nodiscard]] std::vector<StatusNotifierItem> items() const;
     // The latest one; absent when there was none in time.
     [[nodiscard]] std::optional<StatusNotifierItem> waitForItem() const;
+    // Whether an item or its menu has said so, such as "NewIcon".
+    [[nodiscard]] bool hasHeard(const char* signal) const;
 
 private:
     QString name_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusContext>
+#include <QDBusMessage>
 #include <QObject>
 #include <QStringList>
 
@@ -18,9 +19,13 @@ public:
     [[nodiscard]] QStringList items() const { return items_; }
     [[nodiscard]] bool isHostRegistered() const { return hasHost_; }
     [[nodiscard]] int protocolVersion() const { return 0; }
+    // The names of what items and their menus have said.
+    [[nodiscard]] QStringList heard() const { return heard_; }
 
     Q_SLOT void RegisterStatusNotifierItem(const QString& service);
     Q_SLOT void RegisterStatusNotifierHost(const QString& /*service*/);
+
+    Q_SLOT void note(const QDBusMessage& message) { heard_.append(message.member()); }
 
     Q_SIGNAL void StatusNotifierItemRegistered(const QString& service);
     Q_SIGNAL void StatusNotifierHostRegistered();
@@ -28,6 +33,7 @@ public:
 private:
     QStringList items_;
     bool hasHost_ = false;
+    QStringList heard_;
 };
 
 } // namespace vantrel::desktop

@@ -43,6 +43,7 @@ TEST_F(NotifierTest, TheItemTellsTheModeAndComesBackWithThePanel) {
     typeShortcut('l');
     EXPECT_TRUE(isDescribedAs("Vantrel laser"));
     EXPECT_NE(item().icons(), off);
+    EXPECT_TRUE(host->hasHeard("NewIcon"));
     host.reset();
     typeShortcut('h');
     ASSERT_TRUE(stores("highlight"));
@@ -127,6 +128,8 @@ TEST_F(NotifierTest, TheMenuShowsTheModeAndDoesWhatItSays) {
             return entry.checked.value_or(false) == (entry.label == "Laser");
         });
     }));
+    EXPECT_TRUE(host->hasHeard("ItemsPropertiesUpdated")) << "panels keep what they have";
+    EXPECT_EQ(std::ranges::count(item().menu(), "Control+,", &MenuEntry::shortcut), 1);
     EXPECT_TRUE(item().choose("About Vantrel"));
     EXPECT_TRUE(shown(settings));
     EXPECT_TRUE(item().choose("Quit"));
