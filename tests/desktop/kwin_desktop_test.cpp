@@ -452,6 +452,16 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     }));
     const auto inFront = session.startFullScreenWindow();
     EXPECT_TRUE(waitFor([&] { return panels().empty(); }));
+
+    // KWin keeps the keys of a program that is killed together with it.
+    EXPECT_FALSE(isClean("kglobalshortcutsrc"));
+    program->signal(SIGSTOP);
+    session.restart();
+    program->signal(SIGKILL);
+    stored["laserShortcut"] = stored["highlightShortcut"];
+    writePreferences(session.folder() / "config", stored);
+    program.emplace(vantrel.start({"--settings"}));
+    EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));
     vantrel.start({"quit"}).wait(10s);
     EXPECT_TRUE(waitFor([&] { return session.hasNothing(); }));
     EXPECT_TRUE(waitFor([&] { return isClean("kglobalshortcutsrc"); }, 30s));

@@ -70,6 +70,7 @@ DesktopShortcuts::DesktopShortcuts(QDBusConnection bus, KWinScript& script, Mean
           // Where the script has ended, it has freed all of them.
           asked_.clear();
           held_.clear();
+          freeOthers();
           changes_.notify();
       })) {
     qDBusRegisterMetaType<DesktopKeys>();
@@ -86,6 +87,7 @@ DesktopShortcuts::DesktopShortcuts(QDBusConnection bus, KWinScript& script, Mean
     bus_.connect({}, layoutPath, layoutInterface, QStringLiteral("layoutListChanged"), this,
                  SLOT(askForLayout()));
     askForLayout();
+    freeOthers();
 }
 
 void DesktopShortcuts::askForLayout() {
@@ -155,6 +157,15 @@ void DesktopShortcuts::grabKey(const KeyGrab& grab) {
 void DesktopShortcuts::free(std::uint32_t number) {
     callAsync(bus_, shortcutsCall("unregister", {component, actionOf(number)}), this,
               [](const QDBusMessage&) {});
+}
+
+// Those of a program that was killed together with KWin, which has stored them.
+void DesktopShortcuts::freeOthers() {
+    for (std::uint32_t number = 1; takesKeys() && number <= actions.size(); ++number) {
+        if (std::ranges::find(grabs_, number, &KeyGrab::number) == grabs_.end()) {
+            free(number);
+        }
+    }
 }
 
 // Up to Plasma 6.6 also again and again while the keys are held.

@@ -53,6 +53,7 @@ private:
 
     void grabKey(const KeyGrab& grab);
     void free(std::uint32_t number);
+    void freeOthers();
 
     QDBusConnection bus_;
     KWinScript& script_;
