@@ -294,7 +294,7 @@ TEST(KWinTest, ServesOneProgramAtATimeInEachKWin) {
     EXPECT_TRUE(comes([&] { return session.isMarked(); }));
     const auto bus = QDBusConnection::connectToBus(
         QString::fromStdString(session.environment().at("DBUS_SESSION_BUS_ADDRESS")),
-        QStringLiteral("second"));
+        QString::fromStdString(session.folder()));
     KWinScript second(bus, VANTREL_DATA, EffectDrawing::picture);
     EXPECT_TRUE(comes([&] { return second.state() == MarksState::busy; }));
     first.reset();
