@@ -145,10 +145,23 @@ xkb_keysym_t KeyLayout::shortcutSymbol(std::uint32_t key, std::uint32_t modifier
     const auto count = keymap_ ? xkb_keymap_num_layouts(keymap_.get()) : 0;
     for (std::uint32_t each = 0; !isLatin(symbol) && each < count; ++each) {
         if (const auto other = symbolIn(each); isLatin(other)) {
-            return other;
+            return isIn(other, each, numLock) ? symbol : other;
         }
     }
     return symbol;
+}
+
+bool KeyLayout::isIn(xkb_keysym_t symbol, std::uint32_t layoutsBefore, bool numLock) const {
+    for (std::uint32_t layout = 0; layout < layoutsBefore; ++layout) {
+        const auto keys = stateWith(0, layout, numLock);
+        const auto last = keys ? xkb_keymap_max_keycode(keymap_.get()) : 0;
+        for (auto key = xkb_keymap_min_keycode(keymap_.get()); key < last; ++key) {
+            if (xkb_state_key_get_one_sym(keys.get(), key) == symbol) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 std::uint32_t KeyLayout::layoutWith(xkb_keysym_t symbol, std::uint32_t key,

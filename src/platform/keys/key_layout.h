@@ -50,7 +50,8 @@ public:
     // it produces nothing.
     [[nodiscard]] std::string symbolOf(std::uint32_t key) const;
     // Which symbol shortcuts of a Wayland desktop go by: where what the key produces in that layout
-    // is no Latin character, that of the first layout which has one there. None for dead keys.
+    // is no Latin character, that of the first layout which has one there, unless another key
+    // produces that one in a layout before. None for dead keys.
     [[nodiscard]] xkb_keysym_t shortcutSymbol(std::uint32_t key, std::uint32_t modifiers,
                                               std::uint32_t layout, bool numLock) const;
     // In which layout the key produces that symbol with the modifiers; the first for want of any.
@@ -62,6 +63,8 @@ private:
 
     [[nodiscard]] State stateWith(std::uint32_t modifiers, std::uint32_t layout,
                                   bool numLock = true) const;
+    // Whether any key produces it in one of so many layouts.
+    [[nodiscard]] bool isIn(xkb_keysym_t symbol, std::uint32_t layoutsBefore, bool numLock) const;
     [[nodiscard]] xkb_keysym_t plainSymbol(std::uint32_t key, std::uint32_t layout) const;
     [[nodiscard]] std::uint32_t flagsOf(std::uint32_t modifiers) const;
     [[nodiscard]] std::optional<std::string>

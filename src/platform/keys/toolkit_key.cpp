@@ -61,6 +61,16 @@ int namedKeyOf(xkb_keysym_t symbol) {
         {XKB_KEY_XF86AudioRaiseVolume, Qt::Key_VolumeUp},
         {XKB_KEY_XF86AudioLowerVolume, Qt::Key_VolumeDown},
         {XKB_KEY_XF86AudioMute, Qt::Key_VolumeMute},
+        // As keymaps have F13 to F18 and F20.
+        {XKB_KEY_XF86Tools, Qt::Key_Tools},
+        {XKB_KEY_XF86Launch5, Qt::Key_Launch7},
+        {XKB_KEY_XF86Launch6, Qt::Key_Launch8},
+        {XKB_KEY_XF86Launch7, Qt::Key_Launch9},
+        {XKB_KEY_XF86Launch8, Qt::Key_LaunchA},
+        {XKB_KEY_XF86Launch9, Qt::Key_LaunchB},
+        {XKB_KEY_XF86AudioMicMute, Qt::Key_MicMute},
+        {XKB_KEY_Hangul, Qt::Key_Hangul},
+        {XKB_KEY_Hangul_Hanja, Qt::Key_Hangul_Hanja},
     });
     const auto* name = std::ranges::find(names, symbol, &Name::symbol);
     return name == names.end() ? 0 : name->key;
