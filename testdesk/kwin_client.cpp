@@ -22,6 +22,12 @@ KWinClient::KWinClient(const std::string& socket) : display_(wl_display_connect(
         throw std::runtime_error("no Wayland at " + socket);
     }
     const Proxy<wl_registry> registry(wl_display_get_registry(display_.get()));
+    static constexpr kde_output_device_registry_v2_listener outputListener{
+        .finished = [](void*, kde_output_device_registry_v2*) {},
+        .output =
+            [](void* data, kde_output_device_registry_v2*, kde_output_device_v2* output) {
+                static_cast<KWinClient*>(data)->add(output);
+            }};
     const wl_registry_listener listener{
         .global =
             [](void* data, wl_registry* all, std::uint32_t name, const char* interface,
@@ -37,9 +43,11 @@ KWinClient::KWinClient(const std::string& socket) : display_(wl_display_connect(
                 } else if (auto* management = bind(kde_output_management_v2_interface, 1)) {
                     self.management_.reset(static_cast<kde_output_management_v2*>(management));
                 } else if (auto* output = bind(kde_output_device_v2_interface, 1)) {
-                    wl_proxy_add_dispatcher(static_cast<wl_proxy*>(output), keepMode, nullptr,
-                                            &self);
-                    self.outputs_.emplace_back(static_cast<kde_output_device_v2*>(output));
+                    self.add(static_cast<kde_output_device_v2*>(output));
+                } else if (auto* outputs = bind(kde_output_device_registry_v2_interface, 21)) {
+                    self.registry_.reset(static_cast<kde_output_device_registry_v2*>(outputs));
+                    kde_output_device_registry_v2_add_listener(self.registry_.get(),
+                                                               &outputListener, data);
                 }
             },
         .global_remove = [](void*, wl_registry*, std::uint32_t) {}};
@@ -50,6 +58,11 @@ KWinClient::KWinClient(const std::string& socket) : display_(wl_display_connect(
     }
     org_kde_kwin_fake_input_authenticate(input_.get(), "test", "test");
     sync();
+}
+
+void KWinClient::add(kde_output_device_v2* output) {
+    wl_proxy_add_dispatcher(reinterpret_cast<wl_proxy*>(output), keepMode, nullptr, this);
+    outputs_.emplace_back(output);
 }
 
 // Of what an output tells, only its modes have to be kept.

@@ -7,6 +7,7 @@
 #include <vector>
 
 struct kde_output_configuration_v2;
+struct kde_output_device_registry_v2;
 struct kde_output_device_v2;
 struct kde_output_management_v2;
 struct org_kde_kwin_fake_input;
@@ -43,6 +44,7 @@ private:
     template <typename T>
     using Proxy = std::unique_ptr<T, Destroy>;
 
+    void add(kde_output_device_v2* output);
     static int keepMode(const void* implementation, void* output, std::uint32_t event,
                         const wl_message* signature, wl_argument* arguments);
     void sync() const;
@@ -52,6 +54,7 @@ private:
     std::unique_ptr<wl_display, Disconnect> display_;
     Proxy<org_kde_kwin_fake_input> input_;
     Proxy<kde_output_management_v2> management_;
+    Proxy<kde_output_device_registry_v2> registry_; // of the outputs, from Plasma 6.7 on
     std::vector<Proxy<kde_output_device_v2>> outputs_;
     std::vector<Proxy<wl_proxy>> modes_; // of the outputs
 };
