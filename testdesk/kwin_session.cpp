@@ -228,6 +228,14 @@ QImage KWinSession::picture(bool withPointer) const {
     return capture("CaptureWorkspace", {}, withPointer);
 }
 
+QImage KWinSession::displayPicture(int output) const {
+    if (screen_) {
+        const auto [width, height] = options_.size;
+        return picture().copy(output * width, 0, width, height);
+    }
+    return capture("CaptureScreen", {QStringLiteral("Virtual-%1").arg(output)}, false);
+}
+
 QRgb KWinSession::pixel(QPoint place) const {
     if (screen_) {
         return pixelAt(XConnection(screen_->display()), {place.x(), place.y()});

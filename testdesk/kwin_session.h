@@ -53,6 +53,8 @@ public:
     [[nodiscard]] nlohmann::json evaluate(const std::string& expression) const;
     // What all displays show, in their scale. KWin on an X server never shows the pointer.
     [[nodiscard]] QImage picture(bool withPointer = false) const;
+    // What one of the displays shows, in its own scale.
+    [[nodiscard]] QImage displayPicture(int output) const;
     // One pixel of that, without the pointer, where the scale is 1: sooner.
     [[nodiscard]] QRgb pixel(QPoint place) const;
     void click(int button) const;

@@ -216,6 +216,22 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
     EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
     session.moveTo(1000, 300);
     EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+
+    // Sharp on displays of different scales.
+    effect.hideAfter.reset();
+    session.client().scaleOutput(1, 1.5);
+    script.reset(); // a window of Plasma 5 keeps the scale that it was made with
+    script.emplace(session);
+    script->marks.show(effect);
+    for (const int output : {0, 1}) {
+        const double scale = output == 0 ? 1 : 1.5;
+        session.moveTo(1280 * output + 200, 100);
+        EXPECT_TRUE(comes([&] {
+            return differences(session.displayPicture(output),
+                               QPointF(200 * scale, 100 * scale).toPoint(), effect, scale)
+                .areSlight();
+        })) << output;
+    }
 }
 
 TEST(KWinTest, IsAtThePointerInEveryFrame) {

@@ -25,7 +25,13 @@ Window {
     readonly property bool isShown: effect.side !== undefined
     readonly property int side: isShown ? effect.side : 2
     readonly property real idle: isShown ? effect.idle : 0
-    readonly property var scales: Array.from(Qt.application.screens, screen => screen.devicePixelRatio)
+    property real scaleHere: 1 // of the display with the pointer
+    readonly property real largestScale: Math.max(...scales)
+    // In which KWin draws this window; Plasma 5 the same on all displays.
+    readonly property real scale: isPlasma5 ? largestScale : scaleHere
+    readonly property bool isPlasma5: Workspace.activeWindow === undefined
+    readonly property var scales: Array.from(isPlasma5 ? Qt.application.screens : Workspace.screens,
+        screen => screen.devicePixelRatio)
 
     // KWin lets every press through, and the effect finds this window by its title.
     property bool outputOnly: true
@@ -37,7 +43,7 @@ Window {
     Image {
         width: mark.side
         height: mark.side
-        source: mark.isShown ? mark.pictureFor(mark.Screen.devicePixelRatio) : ""
+        source: mark.isShown ? mark.pictureFor(mark.scale) : ""
         visible: !mark.resting
         cache: false
         smooth: false
@@ -50,6 +56,8 @@ Window {
 
     function follow() {
         const {x, y} = Workspace.cursorPos;
+        if (!isPlasma5)
+            scaleHere = Workspace.screenAt(Workspace.cursorPos).devicePixelRatio;
         setGeometry(x - side / 2, y - side / 2, side, side);
     }
 
@@ -249,7 +257,7 @@ Window {
     function meetPanel(window) {
         leaveOut(window);
         window.keepAbove = true;
-        Workspace[Workspace.activeWindow === undefined ? "activeClient" : "activeWindow"] = window;
+        Workspace[isPlasma5 ? "activeClient" : "activeWindow"] = window;
         const at = Qt.point(Workspace.cursorPos.x, Workspace.cursorPos.y);
         const place = () => placePanel(window, at);
         // The program may think that it belongs elsewhere.
