@@ -56,9 +56,10 @@ Window {
 
     function follow() {
         const {x, y} = Workspace.cursorPos;
-        if (!isPlasma5)
-            scaleHere = Workspace.screenAt(Workspace.cursorPos).devicePixelRatio;
         setGeometry(x - side / 2, y - side / 2, side, side);
+        const display = isPlasma5 ? null : Workspace.screenAt(Workspace.cursorPos);
+        if (display)
+            scaleHere = display.devicePixelRatio;
     }
 
     Connections {
