@@ -1,5 +1,7 @@
 #include "testdesk/kwin_client.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 
@@ -26,7 +28,10 @@ KWinClient::KWinClient(const std::string& socket) : display_(wl_display_connect(
         .finished = [](void*, kde_output_device_registry_v2*) {},
         .output =
             [](void* data, kde_output_device_registry_v2*, kde_output_device_v2* output) {
-                static_cast<KWinClient*>(data)->add(output);
+                auto& self = *static_cast<KWinClient*>(data);
+                self.add(output);
+                // It names the latest first.
+                std::ranges::rotate(self.outputs_, std::prev(self.outputs_.end()));
             }};
     const wl_registry_listener listener{
         .global =
