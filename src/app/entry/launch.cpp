@@ -66,8 +66,9 @@ constexpr std::chrono::seconds returnTimeout(2);
 // For a compositor to answer at its start, and at any other time; it may be loading the desktop.
 constexpr std::chrono::seconds compositorReturn(10);
 constexpr std::chrono::seconds compositorTimeout(4);
-// A program that loses its session sooner would lose it again, and start anew for ever.
+// One that was started anew and loses its session sooner would lose it again, and so for ever.
 constexpr std::chrono::seconds shortestLife(1);
+constexpr auto startedAnew = "VANTREL_STARTED_ANEW";
 // In which all connections of a compositor that ends are closed.
 constexpr std::chrono::seconds closingTime(1);
 
@@ -110,6 +111,7 @@ public:
     // Whether it is the session of a compositor, and whether that is the one to be seen again.
     SessionLoss(bool mayReturn, bool isNative) : mayReturn_(mayReturn), isNative_(isNative) {
         current_ = this;
+        qunsetenv(startedAnew);
         std::atexit([] {
             if (current_ != nullptr) {
                 current_->endAndLeave();
@@ -137,7 +139,8 @@ public:
     void setProgram(VantrelApp* program) { program_ = program; }
     // With nothing left to save.
     [[noreturn]] void leave() const {
-        if (mayReturn_ && Clock::now() - begun_ > shortestLife) {
+        if (mayReturn_ && (!isAnew_ || Clock::now() - begun_ > shortestLife)) {
+            qputenv(startedAnew, "1");
             sigset_t none;
             sigemptyset(&none);
             pthread_sigmask(SIG_SETMASK, &none, nullptr);
@@ -176,6 +179,7 @@ private:
     static inline SessionLoss* current_ = nullptr;
     const std::thread::id thread_ = std::this_thread::get_id();
     const Clock::time_point begun_ = Clock::now();
+    const bool isAnew_ = qEnvironmentVariableIsSet(startedAnew);
     const bool mayReturn_;
     const bool isNative_;
     std::atomic<VantrelApp*> program_ = nullptr;

@@ -25,10 +25,11 @@ Window {
     readonly property bool isShown: effect.side !== undefined
     readonly property int side: isShown ? effect.side : 2
     readonly property real idle: isShown ? effect.idle : 0
-    property real scaleHere: 1 // of the display with the pointer
     readonly property real largestScale: Math.max(...scales)
     // In which KWin draws this window; Plasma 5 the same on all displays.
-    readonly property real scale: isPlasma5 ? largestScale : scaleHere
+    readonly property real scale: hasManyScales ? scaleHere : largestScale
+    readonly property bool hasManyScales: !isPlasma5 && Math.min(...scales) !== largestScale
+    property real scaleHere: 1 // of the display with the pointer, where there are many
     readonly property bool isPlasma5: Workspace.activeWindow === undefined
     readonly property var scales: Array.from(isPlasma5 ? Qt.application.screens : Workspace.screens,
         screen => screen.devicePixelRatio)
@@ -57,7 +58,7 @@ Window {
     function follow() {
         const {x, y} = Workspace.cursorPos;
         setGeometry(x - side / 2, y - side / 2, side, side);
-        const display = isPlasma5 ? null : Workspace.screenAt(Workspace.cursorPos);
+        const display = hasManyScales ? Workspace.screenAt(Workspace.cursorPos) : null;
         if (display)
             scaleHere = display.devicePixelRatio;
     }
