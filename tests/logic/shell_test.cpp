@@ -188,21 +188,30 @@ TEST_F(ShellTest, ThePopoverClosesWithoutTheKeyboardUnlessThePointerIsOnItsWayTh
         QPoint pointer;
         bool closes;
     };
+    QWidget other;
+    auto& popover = const_cast<Popover&>(delegate.popover());
+    const auto showWithoutKeyboard = [&](QPoint pointer) {
+        chooseFromMenu("Show Panel");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&popover));
+        QCursor::setPos(pointer);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    };
     for (const auto& [what, pointer, closes] :
          {Case{"elsewhere", {100, 700}, true},
           {"at the item", {620, 3}, false},
           {"between the two", {610, 26}, false},
           {"in it, and the keyboard stays away", {610, 90}, true}}) {
-        QWidget other;
-        chooseFromMenu("Show Panel");
-        ASSERT_TRUE(QTest::qWaitForWindowActive(const_cast<Popover*>(&delegate.popover())));
-        QCursor::setPos(pointer);
-        other.show();
-        other.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        showWithoutKeyboard(pointer);
         EXPECT_EQ(QTest::qWaitFor([&] { return !popoverShown(); }, closes ? 5000 : 400), closes)
             << what;
     }
+    showWithoutKeyboard({610, 90});
+    settle();
+    QTest::keyClick(&popover, Qt::Key_Escape);
+    showWithoutKeyboard({620, 3});
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !popoverShown(); }, 400)) << "it is another time";
 }
 
 TEST_F(ShellTest, StartingAgainGivesTheKeyboardToTheWindowUsedLast) {

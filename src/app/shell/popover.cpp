@@ -142,7 +142,7 @@ bool Popover::hasKeyboard() const {
 }
 
 void Popover::loseKeyboard() {
-    if (hasKeyboard()) {
+    if (!isVisible() || hasKeyboard()) {
         return;
     }
     const QPoint pointer = QCursor::pos();
@@ -192,6 +192,7 @@ void Popover::showEvent(QShowEvent* event) {
 
 void Popover::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
+    keyboardReturn_.stop();
     watchPresses();
 }
 
