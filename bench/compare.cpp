@@ -45,7 +45,7 @@ constexpr std::array parts{Part{"latency", measureLatency},
                            Part{"kwin", measureKWin},
                            Part{"sway", measureSway},
                            Part{"day", measureDay, true},
-                           Part{"shell-day", measureShellDay, true},
+                           Part{"gnome-day", measureGnomeDay, true},
                            Part{"kwin-day", measureKWinDay, true},
                            Part{"kwin-memory", measureKWinMemory}};
 

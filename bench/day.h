@@ -1,48 +1,54 @@
 #pragma once
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QString>
+#include "measurements.h"
 
-// What somebody does in ten hours of lessons, and how fast it is done here.
+#include <cstdint>
+#include <string>
+#include <vector>
 
-namespace vantrel::bench::day {
+// What somebody does in ten hours of lessons, in about a minute, whatever the session.
 
-inline constexpr int parts = 10; // each as long and as full as the others
-inline constexpr int motions = 100'000;
-inline constexpr int clicks = 5'000;
-inline constexpr int modeChanges = 500;
-inline constexpr int openings = 200; // of the panel, or of the settings
-inline constexpr int displayChanges = 50;
-inline constexpr int locks = 20;
-inline constexpr int sleeps = 20;
-inline constexpr double motionsPerSecond = 2000;
-inline constexpr double clicksPerSecond = 100;
-inline constexpr double modeChangesPerSecond = 20;
+namespace vantrel::bench {
 
-// Tells of sleep, and holds nothing up.
-class LoginManager {
-public:
-    // The address of a system bus.
-    explicit LoginManager(const std::string& bus)
-        : bus_(
-              QDBusConnection::connectToBus(QString::fromStdString(bus), QStringLiteral("login"))) {
-        bus_.registerService(QStringLiteral("org.freedesktop.login1"));
-    }
-    ~LoginManager() { QDBusConnection::disconnectFromBus(QStringLiteral("login")); }
-    LoginManager(const LoginManager&) = delete;
-    LoginManager& operator=(const LoginManager&) = delete;
-
-    void announceSleep(bool going) const {
-        auto signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),
-                                                 QStringLiteral("org.freedesktop.login1.Manager"),
-                                                 QStringLiteral("PrepareForSleep"));
-        signal << going;
-        bus_.send(signal);
-    }
-
-private:
-    QDBusConnection bus_;
+// Something that a program or a compositor holds.
+struct Holding {
+    std::string what;
+    std::uint64_t amount = 0;
+    std::uint64_t growth = 0; // which is none
+    const char* unit = "";
 };
 
-} // namespace vantrel::bench::day
+// Where a day is spent, with the program running and Off at first. All is done when a call returns,
+// but motions.
+class DayPlace {
+public:
+    DayPlace() = default;
+    virtual ~DayPlace() = default;
+    DayPlace(const DayPlace&) = delete;
+    DayPlace& operator=(const DayPlace&) = delete;
+
+    [[nodiscard]] virtual std::string name() const = 0;
+    [[nodiscard]] virtual std::string systemBus() const = 0; // its address
+
+    virtual void move(int step) = 0; // on a circle
+    virtual void click(bool right) = 0;
+    // Whether another program has a window over everything, which gets the clicks.
+    virtual void cover(bool covered) = 0;
+    virtual void lock(bool locked) = 0;
+    virtual void useDisplays(int count) = 0; // one or two
+    virtual void setMode(const std::string& mode) = 0;
+    virtual void openPanel() = 0;
+    virtual void closePanel() = 0;
+    virtual void rest() {} // before what is held and what shows is looked at
+
+    [[nodiscard]] virtual std::vector<Holding> holdings() = 0;
+    [[nodiscard]] virtual bool isBlank() const = 0;
+    // What the program has written, and the compositor about scripts.
+    [[nodiscard]] virtual std::string errors() const = 0;
+};
+
+// Whether more is held in the evening than at noon, which marks stay on the screen, and what errors
+// are written.
+[[nodiscard]] Report spendDay(DayPlace& place, const Effort& effort);
+
+} // namespace vantrel::bench

@@ -6,82 +6,43 @@
 #include "testdesk/client_window.h"
 #include "testdesk/displays.h"
 #include "testdesk/private_bus.h"
-#include "testdesk/usage.h"
-#include "testdesk/wait.h"
 
-#include <array>
-#include <sstream>
-#include <thread>
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
 
 #include <X11/keysym.h>
 
 namespace vantrel::bench {
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr desktop::PixelRect wholeScreen{0, 0, 1920, 1080};
 
-// A day on a desktop, which begins and ends with the program Off.
-class Day {
+class DayOnX : public DayPlace {
 public:
-    Day(TrayDesktop& desktop, const TrayProgram& program, const day::LoginManager& login)
-        : desktop_(desktop), program_(program), login_(login) {}
-
-    // One of its parts.
-    void live() {
-        using day::parts;
-        toggle('h');
-        setDisplays(1);
-        move(day::motions / parts);
-        clickAround(day::clicks / parts);
-        for (int i = 0; i < day::sleeps / parts; ++i) {
-            login_.announceSleep(true);
-            move(50);
-            login_.announceSleep(false);
-            move(50);
-        }
-        for (int i = 0; i < day::locks / parts; ++i) {
-            const desktop::ClientWindow locker(desktop_.bench.server.display(),
-                                               {.area = wholeScreen, .color = 0});
-            move(50);
-        }
-        for (int i = 0; i < day::displayChanges / parts; ++i) {
-            setDisplays(i % 2 == 0 ? 2 : 1);
-            move(100);
-        }
-        setDisplays(1);
-        const int changes = day::modeChanges / parts;
-        atPace(day::modeChangesPerSecond, changes / day::modeChangesPerSecond, [&](int step) {
-            move(1);
-            toggle(step % 2 == 0 ? 'l' : 'h');
-        });
-        for (int i = 0; i < day::openings / parts; ++i) {
-            openPopup(desktop_, program_);
-            closePopup(desktop_, program_);
-        }
-        toggle('h'); // on, as the last of an even number of changes; off now
+    explicit DayOnX(const Contender& contender)
+        : systemBus_(desktop_.bench.server.folder() / "system-bus") {
+        desktop_.environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus_.address();
+        program_ = rehearse(desktop_, contender, true);
+        process_.emplace(startInTray(desktop_, program_));
+        useDisplays(1);
+        setMode("off");
     }
 
-private:
-    void move(int count) {
-        atPace(day::motionsPerSecond, count / day::motionsPerSecond, [&](int) {
-            const auto [x, y] = onCircle(step_++, 400);
-            desktop_.bench.input.moveTo({static_cast<int>(960 + x), static_cast<int>(500 + y)},
-                                        desktop::SyntheticInput::Wait::no);
-        });
+    [[nodiscard]] std::string name() const override { return "X"; }
+    [[nodiscard]] std::string systemBus() const override { return systemBus_.address(); }
+
+    void move(int step) override {
+        const auto [x, y] = onCircle(step, 400);
+        desktop_.bench.input.moveTo({static_cast<int>(960 + x), static_cast<int>(500 + y)},
+                                    desktop::SyntheticInput::Wait::no);
     }
-    // In another program's window.
-    void clickAround(int count) {
-        constexpr std::array buttons{desktop::Button::left, desktop::Button::right};
-        const desktop::ClientWindow window(desktop_.bench.server.display(), {.area = wholeScreen});
-        atPace(day::clicksPerSecond, count / day::clicksPerSecond, [&](int step) {
-            move(1);
-            desktop_.bench.input.click(buttons[static_cast<std::size_t>(step % 2)]);
-        });
+    void click(bool right) override {
+        desktop_.bench.input.click(right ? desktop::Button::right : desktop::Button::left);
     }
-    // One or two, side by side.
-    void setDisplays(int count) const {
+    void cover(bool covered) override { showOver(other_, covered); }
+    void lock(bool locked) override { showOver(locker_, locked); }
+    void useDisplays(int count) override {
         const int width = 1920 / count;
         std::vector<desktop::PixelRect> monitors{{0, 0, width, 1080}};
         if (count == 2) {
@@ -89,14 +50,60 @@ private:
         }
         desktop::setMonitors(desktop_.bench.connection, monitors);
     }
-    void toggle(char key) const {
-        desktop_.bench.input.typeChord({XK_Control_L, XK_Alt_L, static_cast<std::uint32_t>(key)});
+    // By its shortcut.
+    void setMode(const std::string& mode) override {
+        const auto key = static_cast<std::uint32_t>((mode == "off" ? mode_ : mode).front());
+        desktop_.bench.input.typeChord({XK_Control_L, XK_Alt_L, key});
+        mode_ = mode;
+    }
+    void openPanel() override {
+        desktop_.bench.input.moveTo(desktop::centerOf(program_.icon));
+        desktop_.bench.input.click();
+    }
+    void closePanel() override {
+        const desktop::WindowQuery panel{.program = program_.name,
+                                         .type = "_NET_WM_WINDOW_TYPE_UTILITY"};
+        const auto& connection = desktop_.bench.connection;
+        const auto window = desktop::waitForWindow(connection, panel);
+        if (!window || !typeIn(desktop_.bench.input, connection, *window, {XK_Escape}) ||
+            !desktop::waitUntilGone(connection, panel)) {
+            throw std::runtime_error("the panel does not open and close");
+        }
+        desktop_.bench.input.moveTo({400, 400});
     }
 
-    TrayDesktop& desktop_;
-    const TrayProgram& program_;
-    const day::LoginManager& login_;
-    int step_ = 0;
+    [[nodiscard]] std::vector<Holding> holdings() override {
+        const auto resources = desktop::serverResources(desktop_.bench.connection, process_->pid());
+        return {{"memory", desktop::ownBytes(process_->pid()) / 1024, 512, " KiB"},
+                {"pixmaps", resources.pixmaps},
+                {"windows", resources.windows}};
+    }
+    [[nodiscard]] bool isBlank() const override {
+        const auto picture = captureScreen(desktop_.bench.connection,
+                                           {0, 0, wholeScreen.width, program_.icon.y - 10});
+        return std::ranges::count(picture.pixels, desktop_.bench.background) ==
+               std::ssize(picture.pixels);
+    }
+    [[nodiscard]] std::string errors() const override {
+        return desktop::readFile(desktop_.bench.server.folder() / "contender.err");
+    }
+
+private:
+    void showOver(std::optional<desktop::ClientWindow>& window, bool shown) const {
+        window.reset();
+        if (shown) {
+            window.emplace(desktop_.bench.server.display(),
+                           desktop::ClientWindowOptions{.area = wholeScreen, .color = 0});
+        }
+    }
+
+    TrayDesktop desktop_;
+    desktop::PrivateBus systemBus_;
+    TrayProgram program_;
+    std::optional<desktop::ChildProcess> process_;
+    std::optional<desktop::ClientWindow> other_;
+    std::optional<desktop::ClientWindow> locker_;
+    std::string mode_ = "highlight";
 };
 
 } // namespace
@@ -105,38 +112,8 @@ Report measureDay(const Contenders& contenders, const Effort& effort) {
     if (!contenders.reacts) {
         return {};
     }
-    TrayDesktop desktop;
-    const desktop::PrivateBus systemBus(desktop.bench.server.folder() / "system-bus");
-    const day::LoginManager login(systemBus.address());
-    desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
-    const auto program = rehearse(desktop, contenders.programAsApplication, true);
-    const auto process = startInTray(desktop, program);
-    desktop.bench.input.typeChord({XK_Control_L, XK_Alt_L, 'h'});
-    Day life(desktop, program, login);
-    life.live();
-    const auto isBlank = [&] {
-        const desktop::PixelRect withoutTray{0, 0, 1920, program.icon.y - 10};
-        const auto picture = captureScreen(desktop.bench.connection, withoutTray);
-        return std::ranges::count(picture.pixels, desktop.bench.background) ==
-               std::ssize(picture.pixels);
-    };
-    bool blank = desktop::waitFor(isBlank);
-    const Usage before = usageOf(desktop, process);
-    for (int part = 1; part < effort.partsOfDay; ++part) {
-        life.live();
-        blank = desktop::waitFor(isBlank) && blank;
-    }
-    const Usage after = usageOf(desktop, process);
-    const auto errors = desktop::readFile(desktop.bench.server.folder() / "contender.err");
-    return {.checks = {{.name = "a day's use: held from its first hour to its last",
-                        .met = !after.exceeds(before),
-                        .found = describe(before, after)},
-                       {.name = "a day's use: marks left on the screen",
-                        .met = blank,
-                        .found = blank ? "none" : "some"},
-                       {.name = "a day's use: errors written",
-                        .met = errors.empty(),
-                        .found = errors.empty() ? "none" : errors}}};
+    DayOnX place(contenders.programAsApplication);
+    return spendDay(place, effort);
 }
 
 } // namespace vantrel::bench

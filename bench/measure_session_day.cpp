@@ -8,10 +8,7 @@
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 
-#include <QCoreApplication>
-
-#include <functional>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -22,232 +19,242 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What a day needs of a session in which the compositor draws the marks.
-struct Place {
-    std::string name;
-    pid_t compositor = 0;
-    std::filesystem::path folder;
-    desktop::Environment environment;
-    std::function<void(int step)> move; // on a circle, without waiting
-    std::function<void()> settle;       // with the pointer away from where pixels are looked at
-    std::function<void(int button)> click;
-    std::function<int()> closeWindows; // those of programs; how many there were
-    std::function<bool()> isBlank;
-    std::function<std::string()> complaints; // of the compositor, about scripts
-    // Where it has them.
-    std::function<void(bool two)> setDisplays;
-    std::function<void(bool locked)> lock;
-};
-
-// A day, which begins and ends with the program Off.
-class SessionDay {
+// Where the compositor draws the marks.
+template <typename Session>
+class DayInSession : public DayPlace {
 public:
-    SessionDay(const Place& place, std::string program)
-        : place_(place),
-          program_(std::move(program)),
-          login_(place.environment.at("DBUS_SYSTEM_BUS_ADDRESS")) {}
+    DayInSession(const typename Session::Options& options, std::string program)
+        : session_(options), program_(std::move(program)) {}
 
-    [[nodiscard]] desktop::ChildProcess start(std::vector<std::string> words) const {
-        const bool isProgram = words.empty();
-        words.insert(words.begin(), program_);
-        return desktop::ChildProcess(
-            {.arguments = words,
-             .environment = place_.environment,
-             .errors = isProgram ? place_.folder / "program.err" : std::filesystem::path()});
+    [[nodiscard]] std::string systemBus() const override {
+        return environment().at("DBUS_SYSTEM_BUS_ADDRESS");
     }
-    void command(const std::string& word) const {
-        if (start({word}).wait(10s) != desktop::ExitStatus{.code = 0}) {
-            throw std::runtime_error("the program does not take " + word);
+
+    void click(bool right) override { session_.click(right ? BTN_RIGHT : BTN_LEFT); }
+    void cover(bool covered) override {
+        other_.reset();
+        if (covered) {
+            other_.emplace(session_.startFullScreenWindow());
         }
     }
-    // One of its parts.
-    void live() {
-        using day::parts;
-        command("highlight");
-        move(day::motions / parts);
-        for (int i = 0; i < day::clicks / parts; ++i) {
-            move(1);
-            place_.click(i % 2 == 0 ? BTN_LEFT : BTN_RIGHT);
+    void setMode(const std::string& mode) override {
+        if (!isDone(mode)) {
+            throw std::runtime_error("the program does not take " + mode);
         }
-        for (int i = 0; i < day::sleeps / parts; ++i) {
-            login_.announceSleep(true);
-            move(50);
-            login_.announceSleep(false);
-            move(50);
-        }
-        for (int i = 0; place_.lock && i < day::locks / parts; ++i) {
-            place_.lock(true);
-            move(50);
-            place_.lock(false);
-            move(50);
-        }
-        for (int i = 0; place_.setDisplays && i < day::displayChanges / parts; ++i) {
-            place_.setDisplays(i % 2 == 0);
-            move(100);
-        }
-        if (place_.setDisplays) {
-            place_.setDisplays(false);
-        }
-        for (int i = 0; i < day::modeChanges / parts; ++i) {
-            move(1);
-            command(i % 2 == 0 ? "laser" : "highlight");
-        }
-        for (int i = 0; i < day::openings / parts; ++i) {
-            command("settings");
-            desktop::waitFor([&] { return place_.closeWindows() > 0; });
-            desktop::waitFor([&] { return place_.closeWindows() == 0; });
-        }
-        command("off");
-        place_.settle();
     }
+    void openPanel() override {
+        press();
+        await([&] { return hasKeyboard(); }, "open");
+    }
+    void closePanel() override {
+        type(KEY_ESC);
+        await([&] { return !hasKeyboard(); }, "close");
+    }
+
+    [[nodiscard]] std::vector<Holding> holdings() override {
+        const auto held = [](const char* what, std::uint64_t bytes, std::uint64_t percent) {
+            const auto kibibytes = bytes / 1024;
+            return Holding{what, kibibytes, kibibytes * percent / 100, " KiB"};
+        };
+        return {held("compositor", compositorBytes(), 20),
+                held("program", desktop::ownBytes(process_->pid()), 5)};
+    }
+    [[nodiscard]] bool isBlank() const override {
+        // Without the top bar.
+        const auto part = session_.picture().copy(0, 40, 1280, 680);
+        QImage black(part.size(), part.format());
+        black.fill(Qt::black);
+        return part == black;
+    }
+    [[nodiscard]] std::string errors() const override {
+        return desktop::readFile(session_.folder() / "program.err") + session_.complaints();
+    }
+
+protected:
+    // On its item, by which the panel opens.
+    virtual void press() = 0;
+    virtual void type(int key) = 0;
+    [[nodiscard]] virtual bool hasKeyboard() const = 0;
+    [[nodiscard]] virtual std::uint64_t compositorBytes() const {
+        return desktop::ownBytes(session_.pid());
+    }
+
+    void start() {
+        desktop::writePreferences(session_.folder() / "config", desktop::preferencesShowing("off"));
+        process_.emplace(run({}));
+        // A command that shows something would become the program until then.
+        await([&] { return isDone("status"); }, "start");
+    }
+    [[nodiscard]] desktop::Environment environment() const {
+        auto environment = session_.environment();
+        environment.try_emplace("DBUS_SYSTEM_BUS_ADDRESS",
+                                environment.at("DBUS_SESSION_BUS_ADDRESS"));
+        return environment;
+    }
+    void await(const std::function<bool()>& condition, const std::string& what) const {
+        if (!desktop::waitFor(condition)) {
+            throw std::runtime_error("the program or its panel does not " + what);
+        }
+    }
+
+    Session session_;
 
 private:
-    void move(int count) {
-        atPace(day::motionsPerSecond, count / day::motionsPerSecond,
-               [&](int) { place_.move(step_++); });
-        QCoreApplication::processEvents();
+    [[nodiscard]] desktop::ChildProcess run(std::vector<std::string> words) const {
+        const auto errors = words.empty() ? session_.folder() / "program.err" : "";
+        words.insert(words.begin(), program_);
+        return desktop::ChildProcess(
+            {.arguments = words, .environment = environment(), .errors = errors});
+    }
+    [[nodiscard]] bool isDone(const std::string& command) const {
+        return run({command}).wait(10s) == desktop::ExitStatus{.code = 0};
     }
 
-    const Place& place_;
     std::string program_;
-    day::LoginManager login_;
-    int step_ = 0;
+    std::optional<desktop::ChildProcess> process_;
+    std::optional<desktop::NativeWindow> other_;
 };
 
-Report measureSessionDay(const Place& place, const std::string& program, const Effort& effort) {
-    desktop::writePreferences(place.folder / "config", desktop::preferencesShowing("off"));
-    SessionDay life(place, program);
-    const auto process = life.start({});
-    if (!desktop::waitFor(
-            [&] { return life.start({"status"}).wait(10s) == desktop::ExitStatus{.code = 0}; })) {
-        throw std::runtime_error("the program takes no commands");
+class DayInGnome : public DayInSession<desktop::GnomeSession> {
+public:
+    explicit DayInGnome(const Contenders& contenders)
+        : DayInSession(
+              {.monitors = {"1280x720", "1280x720"}, .dataFolder = contenders.dataFolder()},
+              contenders.program.command.front()) {
+        lossAtChange_ = ownLossAtChange();
+        session_.switchExtension(extensionFor(QString::number(session_.version())), true);
+        start();
+        await([&] { return item().is_array() && item().front().is_number(); }, "have an item");
+        useDisplays(1);
+        rest();
     }
-    // Compositors that draw by software grow in the first hours with nothing of ours shown.
-    const int first = effort.partsOfDay > 2 ? effort.partsOfDay / 2 : 1;
-    bool blank = true;
-    int part = 0;
-    const auto liveTo = [&](int last) {
-        for (; part < last; ++part) {
-            life.live();
-            blank = desktop::waitFor(place.isBlank) && blank;
-        }
-        const auto held = [](pid_t pid) { return desktop::proportionalBytes(pid) / 1024; };
-        return std::pair{held(place.compositor), held(process.pid())};
-    };
-    const auto before = liveTo(first);
-    const auto after = liveTo(effort.partsOfDay);
-    std::ostringstream text;
-    text << "compositor " << before.first << " to " << after.first << " KiB, program "
-         << before.second << " to " << after.second << " KiB";
-    const auto errors = desktop::readFile(place.folder / "program.err") + place.complaints();
-    const auto name = "a day's use in " + place.name;
-    return {.rows = {},
-            .checks = {{.name = name + ": held at noon and in the evening",
-                        .met = after.first < before.first + before.first / 10 &&
-                               after.second < before.second + before.second / 10,
-                        .found = text.str()},
-                       {.name = name + ": marks left on the screen",
-                        .met = blank,
-                        .found = blank ? "none" : "some"},
-                       {.name = name + ": errors written",
-                        .met = errors.empty(),
-                        .found = errors.empty() ? "none" : errors}}};
-}
 
-bool isBlack(const QImage& picture, QRect area) {
-    const auto part = picture.copy(area);
-    QImage black(part.size(), part.format());
-    black.fill(Qt::black);
-    return part == black;
+    [[nodiscard]] std::string name() const override { return "GNOME"; }
+    void move(int step) override {
+        const auto [x, y] = onCircle(step, 1);
+        session_.moveBy(x, y);
+    }
+    void lock(bool locked) override {
+        session_.evaluate(std::string("Main.sessionMode.") + (locked ? "push" : "pop") +
+                          "Mode('unlock-dialog'); 1");
+    }
+    void useDisplays(int count) override {
+        showOn(count);
+        // Version 6.4 of the toolkit falls over a display that goes before the shell has described
+        // it.
+        for (int turn = 0; turn < 2; ++turn) {
+            setMode("status");
+            session_.evaluate("1");
+        }
+    }
+    void rest() override { session_.moveTo(640, 360); }
+
+private:
+    void showOn(int count) {
+        session_.showOn(std::vector<double>(static_cast<std::size_t>(count), 1));
+        ++changes_;
+    }
+    // The shell loses as much as a picture of the screen or more at each change of the displays,
+    // with nothing of ours in it.
+    [[nodiscard]] std::uint64_t ownLossAtChange() {
+        showOn(1);
+        const auto before = compositorBytes();
+        constexpr int times = 4;
+        for (int i = 0; i < times; ++i) {
+            showOn(i % 2 == 0 ? 2 : 1);
+        }
+        return (compositorBytes() - before) / times;
+    }
+    [[nodiscard]] std::uint64_t compositorBytes() const override {
+        // What its scripts are done with goes in several turns.
+        for (int turn = 0; turn < 5; ++turn) {
+            session_.evaluate("imports.system.gc(); 1");
+            std::this_thread::sleep_for(100ms);
+        }
+        return DayInSession::compositorBytes() - changes_ * lossAtChange_;
+    }
+    // Where it is, as soon as there is one and the shell has laid it out.
+    [[nodiscard]] nlohmann::json item() const {
+        return session_.evaluate("Main.panel.statusArea.vantrel?.get_transformed_position()");
+    }
+    void press() override {
+        const auto isReached = [&] {
+            return session_.evaluate("Main.panel.statusArea.vantrel?.has_pointer") == true;
+        };
+        if (!isReached()) {
+            const auto place = item();
+            session_.moveTo(place.at(0).get<double>() + 8, place.at(1).get<double>() + 8);
+            await(isReached, "have the pointer on its item");
+        }
+        session_.click(BTN_LEFT);
+    }
+    void type(int key) override {
+        session_.type(key, true);
+        session_.type(key, false);
+    }
+    [[nodiscard]] bool hasKeyboard() const override {
+        return session_.evaluate("global.display.focus_window?.get_wm_class() === 'vantrel'") ==
+               true;
+    }
+
+    std::uint64_t changes_ = 0; // of the displays
+    std::uint64_t lossAtChange_ = 0;
+};
+
+class DayInKWin : public DayInSession<desktop::KWinSession> {
+public:
+    explicit DayInKWin(const Contenders& contenders)
+        : DayInSession({.outputs = 2, .xwayland = true, .dataFolder = contenders.dataFolder()},
+                       contenders.program.command.front()) {
+        start();
+        useDisplays(1);
+        rest();
+    }
+
+    [[nodiscard]] std::string name() const override { return "KWin"; }
+    void move(int step) override {
+        const auto [x, y] = onCircle(step, 160);
+        // It takes only so many at a time.
+        const auto send =
+            step % 100 == 0 ? &desktop::KWinClient::moveTo : &desktop::KWinClient::sendTo;
+        (session_.client().*send)(640 + x, 360 + y);
+    }
+    void lock(bool /*locked*/) override {}
+    void useDisplays(int count) override { session_.client().enableOutput(1, count == 2); }
+    void rest() override { session_.client().moveTo(640, 360); }
+
+private:
+    void press() override {
+        session_.call(QStringLiteral("org.vantrel.Vantrel"), QStringLiteral("/StatusNotifierItem"),
+                      "org.kde.StatusNotifierItem", "Activate", {0, 0});
+    }
+    void type(int key) override {
+        session_.client().type(key, true);
+        session_.client().type(key, false);
+    }
+    [[nodiscard]] bool hasKeyboard() const override {
+        return session_.evaluate("String((workspace.activeWindow || workspace.activeClient || {})"
+                                 ".resourceClass) === 'vantrel'") == true;
+    }
+};
+
+template <typename Place>
+Report spendDayIn(const Contenders& contenders, const Effort& effort) {
+    if (!contenders.reacts) {
+        return {};
+    }
+    Place place(contenders);
+    return spendDay(place, effort);
 }
 
 } // namespace
 
-Report measureShellDay(const Contenders& contenders, const Effort& effort) {
-    if (!contenders.reacts) {
-        return {};
-    }
-    const desktop::GnomeSession session({.dataFolder = contenders.dataFolder()});
-    session.switchExtension(extensionFor(QString::number(session.version())), true);
-    session.moveTo(640, 500);
-    const Place place{
-        .name = "GNOME",
-        .compositor = session.pid(),
-        .folder = session.folder(),
-        .environment = session.environment(),
-        .move =
-            [&](int step) {
-                const auto [x, y] = onCircle(step, 1);
-                session.moveBy(x, y);
-            },
-        .settle = [&] { session.moveTo(640, 500); },
-        .click = [&](int button) { session.click(button); },
-        .closeWindows =
-            [&] {
-                return session
-                    .evaluate("global.get_window_actors().map(actor => actor.meta_window)"
-                              "    .filter(each => each.window_type === 0)"
-                              "    .map(each => each.delete("
-                              "        global.display.get_current_time_roundtrip())).length")
-                    .get<int>();
-            },
-        .isBlank =
-            [&] {
-                return isBlack(session.picture(), {300, 200, 680, 500});
-            },
-        .complaints = [&] { return session.complaints(); },
-        .setDisplays = {},
-        .lock =
-            [&](bool locked) {
-                session.evaluate(std::string("Main.sessionMode.") + (locked ? "push" : "pop") +
-                                 "Mode('unlock-dialog'); 1");
-            },
-    };
-    return measureSessionDay(place, contenders.program.command.front(), effort);
+Report measureGnomeDay(const Contenders& contenders, const Effort& effort) {
+    return spendDayIn<DayInGnome>(contenders, effort);
 }
 
 Report measureKWinDay(const Contenders& contenders, const Effort& effort) {
-    if (!contenders.reacts) {
-        return {};
-    }
-    desktop::KWinSession session(
-        {.outputs = 2, .xwayland = true, .dataFolder = contenders.dataFolder()});
-    const auto& client = session.client();
-    const auto environment = [&] {
-        auto all = session.environment();
-        all.try_emplace("DBUS_SYSTEM_BUS_ADDRESS", all.at("DBUS_SESSION_BUS_ADDRESS"));
-        return all;
-    }();
-    const std::string windows = session.version() > 5 ? "windowList" : "clientList";
-    const Place place{
-        .name = "KWin",
-        .compositor = session.pid(),
-        .folder = session.folder(),
-        .environment = environment,
-        .move =
-            [&](int step) {
-                const auto [x, y] = onCircle(step, 160);
-                client.sendTo(640 + x, 360 + y);
-            },
-        .settle = [&] { client.moveTo(640, 360); },
-        .click = [&](int button) { session.click(button); },
-        .closeWindows =
-            [&] {
-                return session
-                    .evaluate("workspace." + windows +
-                              "().filter(function (each) { return each.normalWindow; })"
-                              ".map(function (each) { each.closeWindow(); }).length")
-                    .get<int>();
-            },
-        .isBlank =
-            [&] {
-                return isBlack(session.picture(), {0, 0, 1280, 720});
-            },
-        .complaints = [&] { return session.complaints(); },
-        .setDisplays = [&](bool two) { client.enableOutput(1, two); },
-        .lock = {},
-    };
-    return measureSessionDay(place, contenders.program.command.front(), effort);
+    return spendDayIn<DayInKWin>(contenders, effort);
 }
 
 } // namespace vantrel::bench

@@ -14,7 +14,7 @@ struct Effort {
     int openings = 4; // of a window after each start
     int reopenings = 60;
     int commands = 100;
-    int partsOfDay = 10; // of ten
+    int partsOfDay = 5; // of five
 
     static Effort smoke() {
         return {.turns = 1,
@@ -75,12 +75,11 @@ struct Effort {
 // In sway, beside the smallest follower that a layer shell lets there be: from injected motion to
 // the painted mark, and CPU time for 1000 motions a second.
 [[nodiscard]] Report measureSway(const Contenders& contenders, const Effort& effort);
-// A day of use in a few minutes: what the program and the server hold at its end, what is left on
-// the screen, and what was written to standard error.
+// A day of use in a minute: what the program and the server hold at its end, what is left on the
+// screen, and what was written to standard error.
 [[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);
-// The same where the compositor draws the marks, and of what that holds too. The settings are
-// opened instead of the panel. Displays come and go in KWin, and GNOME is locked.
-[[nodiscard]] Report measureShellDay(const Contenders& contenders, const Effort& effort);
+// The same where the compositor draws the marks, and of what that holds too. KWin is not locked.
+[[nodiscard]] Report measureGnomeDay(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureKWinDay(const Contenders& contenders, const Effort& effort);
 
 } // namespace vantrel::bench

@@ -111,7 +111,7 @@ GnomeSession::GnomeSession(const Options& options)
                                  readFile(folder_.path() / "shell.err"));
     }
     if (!options.scales.empty()) {
-        setScales(options.scales);
+        showOn(options.scales);
     }
     if (options.screen.empty()) {
         startInput();
@@ -214,7 +214,7 @@ std::uint32_t GnomeSession::castScreen() const {
     return stream;
 }
 
-void GnomeSession::setScales(const std::vector<double>& scales) const {
+void GnomeSession::showOn(const std::vector<double>& scales) const {
     const auto wanted = nlohmann::json(scales).dump();
     // In the shell, whose own call of itself must not be waited for.
     evaluate("const wanted = " + wanted + R"(;
@@ -223,21 +223,21 @@ void GnomeSession::setScales(const std::vector<double>& scales) const {
         const call = (method, values, then) => Gio.DBus.session.call(name,
             '/org/gnome/Mutter/DisplayConfig', name, method, values, null, 0, -1, null,
             (bus, answer) => then(bus.call_finish(answer).recursiveUnpack()));
-        call('GetCurrentState', null, ([serial, displays]) => {
+        call('GetCurrentState', null, ([serial, displays, , {'layout-mode': layout}]) => {
             let left = 0;
-            const places = displays.map(([[connector], [[mode, width]]], number) => {
-                const scale = wanted[number];
+            const places = wanted.map((scale, number) => {
+                const [[connector], [[mode, width]]] = displays[number];
                 const place = [left, 0, scale, 0, number === 0, [[connector, mode, {}]]];
-                left += width / scale;
+                left += layout === 1 ? width / scale : width;
                 return place;
             });
             call('ApplyMonitorsConfig', new GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})',
-                [serial, 1, places, {'layout-mode': new GLib.Variant('u', 1)}]), () => {});
+                [serial, 1, places, {}]), () => {});
         });
         1)");
     const bool isSet = waitFor([&] {
-        const auto all = wanted + ".map((_, number) => global.display.get_monitor_scale(number))";
-        return evaluate(all) == nlohmann::json(scales);
+        return evaluate("Main.layoutManager.monitors.map((_, number) =>"
+                        "    global.display.get_monitor_scale(number))") == nlohmann::json(scales);
     });
     if (!isSet) {
         throw std::runtime_error("displays do not take " + wanted);

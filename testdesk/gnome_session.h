@@ -62,6 +62,8 @@ public:
     // Begins a screen cast of the only display, without the pointer, for which there must be a
     // PipeWire. The number of its stream.
     [[nodiscard]] std::uint32_t castScreen() const;
+    // On the first displays, side by side in these scales. All others are off.
+    void showOn(const std::vector<double>& scales) const;
     // On or off. Whether the shell knows it.
     bool switchExtension(const QString& extension, bool on) const;
 
@@ -79,7 +81,6 @@ public:
                       const char* method, const QVariantList& arguments = {}) const;
 
 private:
-    void setScales(const std::vector<double>& scales) const;
     void startInput();
     void inputCall(const char* method, const QVariantList& arguments = {}) const;
 

@@ -53,6 +53,15 @@ void addCounts(const XConnection& connection, std::uint32_t client, ServerResour
     }
 }
 
+std::uint64_t bytesOf(pid_t process, const std::string& what) {
+    const std::string text = readFile("/proc/" + std::to_string(process) + "/smaps_rollup");
+    const std::size_t line = text.find(what);
+    if (line == std::string::npos) {
+        throw std::runtime_error("no such process: " + std::to_string(process));
+    }
+    return std::stoull(text.substr(line + what.size())) * 1024;
+}
+
 } // namespace
 
 std::chrono::nanoseconds cpuTime(pid_t process) {
@@ -65,12 +74,11 @@ std::chrono::nanoseconds cpuTime(pid_t process) {
 }
 
 std::uint64_t proportionalBytes(pid_t process) {
-    const std::string text = readFile("/proc/" + std::to_string(process) + "/smaps_rollup");
-    const std::size_t line = text.find("\nPss:");
-    if (line == std::string::npos) {
-        throw std::runtime_error("no such process: " + std::to_string(process));
-    }
-    return std::stoull(text.substr(line + 5)) * 1024;
+    return bytesOf(process, "\nPss:");
+}
+
+std::uint64_t ownBytes(pid_t process) {
+    return bytesOf(process, "\nPss_Anon:") + bytesOf(process, "\nPss_Shmem:");
 }
 
 ServerResources serverResources(const XConnection& connection, pid_t process) {

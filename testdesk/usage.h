@@ -14,6 +14,8 @@ namespace vantrel::desktop {
 [[nodiscard]] std::chrono::nanoseconds cpuTime(pid_t process);
 // Proportional set size: what it shares is divided by those who share it.
 [[nodiscard]] std::uint64_t proportionalBytes(pid_t process);
+// That without what is mapped from files, which depends on who else maps them.
+[[nodiscard]] std::uint64_t ownBytes(pid_t process);
 
 // What the server holds for a client that is connected directly.
 struct ServerResources {
