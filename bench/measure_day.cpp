@@ -18,7 +18,7 @@ namespace {
 
 constexpr desktop::PixelRect wholeScreen{0, 0, 1920, 1080};
 
-class DayOnX : public DayPlace {
+class DayOnX final : public DayPlace {
 public:
     explicit DayOnX(const Contender& contender)
         : systemBus_(desktop_.bench.server.folder() / "system-bus") {
