@@ -52,7 +52,7 @@ public:
     }
     // By its shortcut.
     void setMode(const std::string& mode) override {
-        const auto key = static_cast<std::uint32_t>((mode == "off" ? mode_ : mode).front());
+        const auto key = static_cast<unsigned char>((mode == "off" ? mode_ : mode).front());
         desktop_.bench.input.typeChord({XK_Control_L, XK_Alt_L, key});
         mode_ = mode;
     }
