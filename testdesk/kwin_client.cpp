@@ -31,7 +31,8 @@ KWinClient::KWinClient(const std::string& socket) : display_(wl_display_connect(
                 auto& self = *static_cast<KWinClient*>(data);
                 self.add(output);
                 // It names the latest first.
-                std::ranges::rotate(self.outputs_, std::prev(self.outputs_.end()));
+                std::rotate(self.outputs_.begin(), std::prev(self.outputs_.end()),
+                            self.outputs_.end());
             }};
     const wl_registry_listener listener{
         .global =
