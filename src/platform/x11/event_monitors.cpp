@@ -178,15 +178,15 @@ void X11EventMonitors::deliverPresses() {
         return;
     }
     const auto presses = std::exchange(presses_, {});
-    auto there = std::exchange(pressedThere_, 0);
+    const auto there = std::exchange(pressedThere_, 0);
     ButtonMapping mapping(connection_);
     for (const auto& press : presses) {
         mapping.request(press);
     }
     const auto now = pointer_.location().value_or(pointer_.lastLocation());
-    for (const auto& press : presses) {
-        const auto place = there > 0 ? left_ : now;
-        there -= there > 0 ? 1 : 0;
+    for (std::size_t i = 0; i < presses.size(); ++i) {
+        const auto& press = presses[i];
+        const auto place = i < there ? left_ : now;
         const auto button = mapping.buttonOf(press);
         const auto type = button == leftButton    ? EventType::leftMouseDown
                           : button == rightButton ? EventType::rightMouseDown

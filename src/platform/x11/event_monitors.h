@@ -31,10 +31,10 @@ private:
 // Motion and presses of every mouse, touchpad and tablet, seen whoever has grabbed the pointer.
 // They are told of when all that had arrived was read: first the presses, in their order and each
 // with the place of the pointer (before it moved on, where it did so at once), then the motion,
-// once however many there were. A motion carries
-// the place of the last query, as the raw events have none and asking is for who needs it. What
-// happens in this program's own windows goes to the global monitors like all else. A monitor that
-// is added hears of no press from before, such as the one that led to it and waits to be read.
+// once however many there were. A motion carries the place of the last query, as the raw events
+// have none and asking is for who needs it. What happens in this program's own windows goes to the
+// global monitors like all else. A monitor that is added hears of no press from before, such as the
+// one that led to it and waits to be read.
 class X11EventMonitors final : public EventMonitors, private EventHandler {
 public:
     X11EventMonitors(Connection& connection, X11Pointer& pointer);
