@@ -164,6 +164,7 @@ Environment WlrootsSession::environment() const {
     auto environment = environmentIn(folder());
     environment["DISPLAY"] = display_;
     environment["WAYLAND_DISPLAY"] = socket_;
+    environment["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
     return environment;
 }
 

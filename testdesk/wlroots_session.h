@@ -2,6 +2,7 @@
 
 #include "testdesk/child_process.h"
 #include "testdesk/compositor.h"
+#include "testdesk/private_bus.h"
 #include "testdesk/temporary_folder.h"
 
 #include <QImage>
@@ -38,6 +39,7 @@ public:
     [[nodiscard]] Environment environment() const;
     // Where it listens, as an absolute path.
     [[nodiscard]] std::string socket() const;
+    [[nodiscard]] const PrivateBus& sessionBus() const { return bus_; }
     // Of the Xwayland.
     [[nodiscard]] const std::string& display() const { return display_; }
 
@@ -66,6 +68,7 @@ private:
     [[nodiscard]] ChildProcess start(Compositor compositor, std::size_t outputs);
 
     TemporaryFolder folder_;
+    PrivateBus bus_{folder() / "bus"};
     std::string display_;
     std::string socket_; // the name of it
     ChildProcess process_;

@@ -12,6 +12,10 @@ build_packages=(
     libglib2.0-dev libwayland-dev libxcursor-dev libxkbcommon-dev libxkbcommon-x11-dev wayland-protocols
     libplist-dev nlohmann-json3-dev
 )
+# Of KDE's libraries Debian 12 has those for an older Qt only.
+if ! grep -q '^VERSION_CODENAME=bookworm$' /etc/os-release; then
+    build_packages+=(liblayershellqtinterface-dev)
+fi
 # Besides those of the build.
 package_packages=(dpkg-dev file)
 # Whether a display answers is asked with xdpyinfo.

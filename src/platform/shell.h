@@ -4,6 +4,7 @@
 #include "platform/subscription.h"
 
 #include <QIcon>
+#include <QMargins>
 #include <QRect>
 #include <qwindowdefs.h>
 
@@ -11,6 +12,9 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+class QScreen;
+class QWidget;
 
 // What the program shows in the desktop's own surfaces.
 
@@ -67,6 +71,16 @@ public:
     virtual void beep() = 0;
 };
 
+// Where a window hangs: at edges of a display, beside what the desktop shows there, and so many
+// points from that. In the middle where there are none.
+struct EdgePlace {
+    QScreen* display = nullptr; // null: whichever the desktop likes
+    Qt::Edges edges{};
+    QMargins distance{};
+
+    bool operator==(const EdgePlace&) const = default;
+};
+
 // The running program, as the desktop knows it.
 class Application {
 public:
@@ -78,6 +92,9 @@ public:
     virtual void activate(WId window) = 0;
     // Whether it could now. A compositor may let only a window that comes anew be in front.
     [[nodiscard]] virtual bool canActivate() const = 0;
+    // Has a window come there when it is shown, where windows cannot be moved. Whether it does: its
+    // place is the desktop's affair otherwise.
+    virtual bool hang(QWidget& window, const EdgePlace& place) = 0;
     // The name that the session's compositor goes by, as "sway"; empty where nobody tells.
     [[nodiscard]] virtual std::string compositor() const = 0;
     // What the session has, besides the marks that the desktop itself may draw.

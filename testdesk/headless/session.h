@@ -114,12 +114,18 @@ public:
     void terminate() override { ++terminations; }
     void activate(WId window) override { activated.push_back(window); }
     [[nodiscard]] bool canActivate() const override { return activates; }
+    bool hang(QWidget& /*window*/, const EdgePlace& place) override {
+        hung = place;
+        return hangs;
+    }
     [[nodiscard]] std::string compositor() const override { return compositorName; }
     [[nodiscard]] SessionOffer offer() const override { return session; }
 
     int terminations = 0;
     std::vector<WId> activated;
     bool activates = true;
+    EdgePlace hung;
+    bool hangs = false;
     SessionOffer session;
     std::string compositorName;
 };

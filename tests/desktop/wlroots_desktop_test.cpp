@@ -7,6 +7,7 @@
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/wayland_with_memory.h"
+#include "testdesk/status_notifier_host.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
 #include "testdesk/wlroots_session.h"
@@ -267,6 +268,58 @@ TEST(WlrootsProgramTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer)
     }
     EXPECT_TRUE(waitFor([&] { return !isMarked(); }));
     EXPECT_NE(program.errors().find("In this Wayland session"), std::string::npos);
+}
+
+// What differs from that colour.
+QRect shownOn(const QImage& picture, QRgb color) {
+    QRect shown;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixel(x, y) != color) {
+                shown |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return shown;
+}
+
+TEST(WlrootsProgramTest, ThePanelHangsAtItsItemAsLongAsItIsUsed) {
+    if (!exists(programUnderTest().parent_path() / "../libexec/vantrel/layershell.so")) {
+        GTEST_SKIP() << "built without LayerShellQt";
+    }
+    const CoreApplication application;
+    WlrootsSession session(Compositor::sway);
+    const StatusNotifierHost host(session.sessionBus());
+    const ProgramInSession program(session);
+    const auto item = host.waitForItem();
+    ASSERT_TRUE(item);
+    program.command("off");
+    constexpr QRgb blue = 0xFF204080;
+    const ClientWindow window(session.display(), {.color = blue, .overrideRedirect = false});
+    QRect panel;
+    const auto isShown = [&](auto isRight) {
+        return waitFor([&] {
+            panel = shownOn(session.picture(), blue);
+            return isRight();
+        });
+    };
+    ASSERT_TRUE(isShown([&] { return panel.isEmpty(); }));
+    // The item's place is not known before it was clicked.
+    item->choose("Show Panel");
+    EXPECT_TRUE(isShown([&] {
+        return panel.width() > 300 && (panel.center() - QPoint(640, 360)).manhattanLength() < 3;
+    }));
+    item->activate({1200, 8});
+    EXPECT_TRUE(isShown([&] { return panel.isEmpty(); }));
+    item->activate({1200, 8});
+    EXPECT_TRUE(isShown([&] { return panel.top() == 4 && panel.right() == 1279; }));
+    // Nobody has a keyboard there, so the pointer decides.
+    session.moveTo({1200, 300});
+    EXPECT_FALSE(waitFor([&] { return shownOn(session.picture(), blue).width() < 100; }, 4s));
+    session.moveTo({100, 300});
+    EXPECT_TRUE(isShown([&] { return panel.width() < 100; }));
+    item->activate({10, 710});
+    EXPECT_TRUE(isShown([&] { return panel.left() == 0 && panel.bottom() == 715; }));
 }
 
 } // namespace

@@ -4,15 +4,18 @@
 #include "overlay/effect_drawing.h"
 #include "platform/freedesktop/bus_call.h"
 #include "platform/keys/key_table.h"
+#include "platform/layershell/window_place.h"
 #include "platform/native_windows.h"
 #include "platform/x11/activation.h"
 #include "ui/components/style.h"
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QLibrary>
 #include <QPointer>
 #include <QSessionManager>
 #include <QTimer>
+#include <QWidget>
 
 #include <chrono>
 #include <utility>
@@ -298,6 +301,23 @@ void VantrelApp::activate(WId window) {
 bool VantrelApp::canActivate() const {
     return !hasNativeWindows() || qEnvironmentVariableIsSet(activationToken) ||
            QGuiApplication::focusWindow() != nullptr;
+}
+
+// A desktop that draws the marks puts the panel to its item as well. The module is loaded by the
+// first who needs it, and not there where the library is not.
+bool VantrelApp::hang(QWidget& window, const EdgePlace& place) {
+    if (!hasNativeWindows() || !offer_.layerShell ||
+        sessionMarks_->state() == MarksState::available) {
+        return false;
+    }
+    const auto file = runningExecutable().parent_path() / VANTREL_MODULES_FROM_EXECUTABLE /
+                      layershell::moduleFile;
+    auto* function = QLibrary::resolve(QString::fromStdString(file), layershell::hangWindow);
+    if (function != nullptr) {
+        window.winId();
+        reinterpret_cast<layershell::HangWindow*>(function)(*window.windowHandle(), place);
+    }
+    return function != nullptr;
 }
 
 std::string VantrelApp::compositor() const {

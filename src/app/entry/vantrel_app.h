@@ -73,6 +73,7 @@ private:
     void terminate() override;
     void activate(WId window) override;
     [[nodiscard]] bool canActivate() const override;
+    bool hang(QWidget& window, const EdgePlace& place) override;
     [[nodiscard]] std::string compositor() const override;
     [[nodiscard]] SessionOffer offer() const override;
     [[nodiscard]] Desktop desktop();

@@ -29,7 +29,7 @@ AppDelegate::AppDelegate(const Desktop& desktop)
       store_(desktop.userDefaults, std::string(preferencesKey)),
       state_(store_, desktop),
       view_(state_, desktop),
-      popover_(desktop.eventMonitors, desktop.clock) {}
+      popover_(desktop.application, desktop.eventMonitors, desktop.clock) {}
 
 void AppDelegate::applicationDidFinishLaunching(const Command& command) {
     desktop_.statusItem.setAction([this] { togglePopover(); });

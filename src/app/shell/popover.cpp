@@ -33,6 +33,9 @@ constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventTyp
 
 // In which a keyboard that follows the pointer comes back to where that is.
 constexpr std::chrono::milliseconds keyboardDelay(300);
+// With the pointer elsewhere and without the keyboard, which compositors may give a window that
+// hangs at a click in it only. Nothing tells of presses elsewhere then.
+constexpr std::chrono::milliseconds disuse(3000);
 
 constexpr int frameWidth = 1; // points
 
@@ -44,15 +47,16 @@ bool belongsTo(const QWidget* window, const QWidget& owner) {
     return window != nullptr;
 }
 
-const QScreen& screenOf(const QRect& item) {
-    const auto* screen = QGuiApplication::screenAt(item.center());
+QScreen& screenOf(const QRect& item) {
+    auto* screen = QGuiApplication::screenAt(item.center());
     return screen != nullptr ? *screen : *QGuiApplication::primaryScreen();
 }
 
 } // namespace
 
-Popover::Popover(EventMonitors& monitors, const Clock& clock)
+Popover::Popover(Application& application, EventMonitors& monitors, const Clock& clock)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      application_(application),
       monitors_(monitors),
       clock_(clock) {
     setWindowTitle(QStringLiteral("Vantrel"));
@@ -62,9 +66,8 @@ Popover::Popover(EventMonitors& monitors, const Clock& clock)
     const auto close = [this] { performClose(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, close);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, close);
-    keyboardReturn_.setSingleShot(true);
-    keyboardReturn_.setInterval(keyboardDelay);
-    connect(&keyboardReturn_, &QTimer::timeout, this, [this] {
+    keyboardWait_.setSingleShot(true);
+    connect(&keyboardWait_, &QTimer::timeout, this, [this] {
         if (!hasKeyboard()) {
             dismiss();
         }
@@ -97,6 +100,7 @@ void Popover::fitContent() {
 
 void Popover::placeAt(const std::optional<QRect>& item) {
     item_ = item.value_or(QRect(QCursor::pos(), QSize(1, 1)));
+    isItemKnown_ = item.has_value();
     disconnect(screenChanges_);
     screenChanges_ =
         connect(&screenOf(item_), &QScreen::availableGeometryChanged, this, &Popover::performClose);
@@ -105,9 +109,17 @@ void Popover::placeAt(const std::optional<QRect>& item) {
 }
 
 void Popover::place() {
-    const QRect place = popoverPlacement(item_, size(), availableAreaOf(screenOf(item_)));
+    auto& screen = screenOf(item_);
+    const QRect area = availableAreaOf(screen);
+    const QRect place = popoverPlacement(item_, size(), area);
     setFixedSize(place.size());
     move(place.topLeft());
+    EdgePlace hanging;
+    if (isItemKnown_) {
+        hanging = edgePlace(place, area);
+        hanging.display = &screen;
+    }
+    hangs_ = application_.hang(*this, hanging);
 }
 
 void Popover::performClose() {
@@ -145,12 +157,25 @@ void Popover::loseKeyboard() {
     if (!isVisible() || hasKeyboard()) {
         return;
     }
+    if (hangs_) {
+        // It may lose it by changing its size, too.
+        if (!underMouse()) {
+            keyboardWait_.start(keyboardDelay);
+        }
+        return;
+    }
     const QPoint pointer = QCursor::pos();
     // Native windows know of the pointer only where it was over one of them last.
     if (hasNativeWindows() || geometry().contains(pointer)) {
-        keyboardReturn_.start();
+        keyboardWait_.start(keyboardDelay);
     } else if (!isOnTheWay(pointer, item_, geometry())) {
         dismiss();
+    }
+}
+
+void Popover::awaitUse() {
+    if (hangs_) {
+        keyboardWait_.start(disuse);
     }
 }
 
@@ -173,6 +198,20 @@ bool Popover::event(QEvent* event) {
     return handled;
 }
 
+void Popover::enterEvent(QEnterEvent* event) {
+    QWidget::enterEvent(event);
+    if (hangs_) {
+        keyboardWait_.stop();
+    }
+}
+
+void Popover::leaveEvent(QEvent* event) {
+    QWidget::leaveEvent(event);
+    if (isVisible()) {
+        awaitUse();
+    }
+}
+
 void Popover::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
         performClose();
@@ -188,11 +227,12 @@ void Popover::closeEvent(QCloseEvent* event) {
 void Popover::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     watchPresses();
+    awaitUse();
 }
 
 void Popover::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
-    keyboardReturn_.stop();
+    keyboardWait_.stop(); // or it ends the next opening
     watchPresses();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/input.h"
+#include "platform/shell.h"
 #include "platform/time.h"
 
 #include <QTimer>
@@ -13,12 +14,13 @@ namespace vantrel {
 
 // A window that hangs at an item of the desktop and closes by itself: when a press goes elsewhere,
 // when it loses the keyboard, on Escape, and when the displays change. Where the keyboard follows
-// the pointer it may go to other windows on the way from the item. It grabs nothing, so shortcuts
-// work and clicks reach what they were meant for. It is as large as its content wants.
+// the pointer it may go to other windows on the way from the item. Where it hangs at an
+// edge it also closes when it is not used. It grabs nothing, so shortcuts work and clicks reach
+// what they were meant for. It is as large as its content wants.
 class Popover : public QWidget {
 public:
     // The desktop must outlive it.
-    Popover(EventMonitors& monitors, const Clock& clock);
+    Popover(Application& application, EventMonitors& monitors, const Clock& clock);
     ~Popover() override;
     Popover(const Popover&) = delete;
     Popover& operator=(const Popover&) = delete;
@@ -28,7 +30,8 @@ public:
     // Takes the height that the content wants now; keeps its own when that is none.
     void fitContent();
 
-    // Where it opens: at an item, or near the pointer when the place of that is not known.
+    // Where it opens: at an item, or near the pointer when the place of that is not known; where
+    // that of the pointer is not known either, where the desktop likes.
     void placeAt(const std::optional<QRect>& item);
     // Goes there again, where the desktop has put it elsewhere.
     void place();
@@ -39,6 +42,8 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -54,14 +59,18 @@ private:
     void watchPresses();
     void dismiss();
     void loseKeyboard();
+    void awaitUse();
     [[nodiscard]] bool hasKeyboard() const;
 
+    Application& application_;
     EventMonitors& monitors_;
     const Clock& clock_;
     QWidget* content_ = nullptr;
     QRect item_;
+    bool isItemKnown_ = false;
+    bool hangs_ = false;
     QMetaObject::Connection screenChanges_;
-    QTimer keyboardReturn_;
+    QTimer keyboardWait_; // at whose end it closes unless it has the keyboard
     std::optional<EventMonitors::Token> presses_;
     std::optional<Dismissal> dismissal_;
 };

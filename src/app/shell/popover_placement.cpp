@@ -33,6 +33,30 @@ QRect popoverPlacement(const QRect& item, QSize size, const QRect& available) {
     return {corner, fitting};
 }
 
+EdgePlace edgePlace(const QRect& place, const QRect& area) {
+    const int left = place.left() - area.left();
+    const int right = area.right() - place.right();
+    const int top = place.top() - area.top();
+    const int bottom = area.bottom() - place.bottom();
+    const auto fromBar = [](int distance) { return std::max(gap, distance - itemReach); };
+    EdgePlace result;
+    if (left < right) {
+        result.edges |= Qt::LeftEdge;
+        result.distance.setLeft(left);
+    } else {
+        result.edges |= Qt::RightEdge;
+        result.distance.setRight(right);
+    }
+    if (top < bottom) {
+        result.edges |= Qt::TopEdge;
+        result.distance.setTop(fromBar(top));
+    } else {
+        result.edges |= Qt::BottomEdge;
+        result.distance.setBottom(fromBar(bottom));
+    }
+    return result;
+}
+
 bool isOnTheWay(QPoint pointer, const QRect& item, const QRect& popover) {
     constexpr QMargins around(itemReach, itemReach, itemReach, itemReach);
     return item.marginsAdded(around).united(popover).contains(pointer);

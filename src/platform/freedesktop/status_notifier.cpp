@@ -33,7 +33,7 @@ BusPicture pictureOf(const QImage& image) {
 
 } // namespace
 
-StatusNotifierAdaptor::StatusNotifierAdaptor(QObject* object, std::function<void()> activated)
+StatusNotifierAdaptor::StatusNotifierAdaptor(QObject* object, std::function<void(QPoint)> activated)
     : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {
     qDBusRegisterMetaType<BusPicture>();
     qDBusRegisterMetaType<BusPictures>();
@@ -59,7 +59,8 @@ QDBusObjectPath StatusNotifierAdaptor::menu() const {
     return QDBusObjectPath(menuPath);
 }
 
-StatusNotifier::StatusNotifier(std::function<void()> activated, std::function<void()> hostChanged)
+StatusNotifier::StatusNotifier(std::function<void(QPoint)> activated,
+                               std::function<void()> hostChanged)
     : hostChanged_(std::move(hostChanged)),
       item_(new StatusNotifierAdaptor(this, std::move(activated))),
       menu_(new BusMenu(&menuObject_)) {

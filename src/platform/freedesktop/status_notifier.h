@@ -9,6 +9,7 @@
 #include <QIcon>
 #include <QList>
 #include <QObject>
+#include <QPoint>
 #include <QString>
 
 #include <functional>
@@ -57,7 +58,8 @@ class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
 
 public:
-    StatusNotifierAdaptor(QObject* object, std::function<void()> activated);
+    // The callback gets the place of the click.
+    StatusNotifierAdaptor(QObject* object, std::function<void(QPoint)> activated);
 
     void setImage(const QIcon& image, const QString& description);
 
@@ -72,8 +74,8 @@ public:
     [[nodiscard]] bool itemIsMenu() const { return false; }
     [[nodiscard]] QDBusObjectPath menu() const;
 
-    Q_SLOT void Activate(int /*x*/, int /*y*/) {
-        activated_();
+    Q_SLOT void Activate(int x, int y) {
+        activated_({x, y});
         qunsetenv(activationToken);
     }
     // Comes before Activate, from desktops that ask so who may come to the front. The toolkit takes
@@ -81,16 +83,16 @@ public:
     Q_SLOT void ProvideXdgActivationToken(const QString& token) {
         qputenv(activationToken, token.toUtf8());
     }
-    Q_SLOT void SecondaryActivate(int /*x*/, int /*y*/) {}
-    // Panels show the menu by themselves.
-    Q_SLOT void ContextMenu(int /*x*/, int /*y*/) {}
+    Q_SLOT void SecondaryActivate(int /*x*/, int /*y*/) { qunsetenv(activationToken); }
+    // From panels that do not show the menu by themselves.
+    Q_SLOT void ContextMenu(int x, int y) { Activate(x, y); }
     Q_SLOT void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
     Q_SIGNAL void NewIcon();
     Q_SIGNAL void NewToolTip();
 
 private:
-    std::function<void()> activated_;
+    std::function<void(QPoint)> activated_;
     QIcon image_;
     QString description_;
 };
@@ -102,8 +104,9 @@ class StatusNotifier final : public QObject {
     Q_OBJECT
 
 public:
-    // The second callback comes with each change of hasHost.
-    StatusNotifier(std::function<void()> activated, std::function<void()> hostChanged);
+    // The first callback gets the place of a click as the panel has it, 0, 0 where that does not
+    // know. The second one comes with each change of hasHost.
+    StatusNotifier(std::function<void(QPoint)> activated, std::function<void()> hostChanged);
     ~StatusNotifier() override;
     Q_DISABLE_COPY_MOVE(StatusNotifier)
 

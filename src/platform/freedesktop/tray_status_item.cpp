@@ -1,5 +1,7 @@
 #include "platform/freedesktop/tray_status_item.h"
 
+#include "platform/native_windows.h"
+
 #include <algorithm>
 
 namespace vantrel {
@@ -14,7 +16,12 @@ bool sameKind(const MenuEntry& a, const MenuEntry& b) {
 
 TrayStatusItem::TrayStatusItem(SystemTray& tray)
     : tray_(tray),
-      notifier_([this] { activate(); }, [this] { updateIcon(); }),
+      notifier_(
+          [this](QPoint place) {
+              clicked_ = place;
+              activate();
+          },
+          [this] { updateIcon(); }),
       trayChanges_(tray.onChange([this] { updateIcon(); })) {}
 
 // While the icon is there the toolkit takes the entries back from it; it forgets them later.
@@ -100,7 +107,11 @@ void TrayStatusItem::updateMenuEntries() {
 }
 
 std::optional<QRect> TrayStatusItem::place() const {
-    const QRect place = icon_ ? icon_->geometry() : QRect();
+    // Panels of a compositor tell places in the toolkit's points; of others nobody knows in which.
+    const bool isClickKnown = hasNativeWindows() && !clicked_.isNull();
+    const QRect place = icon_          ? icon_->geometry()
+                        : isClickKnown ? QRect(clicked_, QSize(1, 1))
+                                       : QRect();
     return place.isEmpty() ? std::nullopt : std::optional(place);
 }
 

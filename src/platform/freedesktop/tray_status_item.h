@@ -49,6 +49,7 @@ private:
     QIcon image_;
     QString description_;
     std::function<void()> action_;
+    QPoint clicked_; // last, as the panel has it
     StatusNotifier notifier_;
 
     // Of X's protocol:
