@@ -193,7 +193,7 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
     preferences.laser.glow = GlowStrength::high;
     const std::array modes{CursorMode::highlight, CursorMode::laser};
     std::array<Comparison, modes.size()> comparisons;
-    for (int turn = 0; turn < effort.turns; ++turn) {
+    for (int turn = 0; turn < effort.shellTurns; ++turn) {
         shell.show({});
         const Samples unmarked = shell.motionCost(effort.secondsInTurn);
         for (std::size_t i = 0; i < modes.size(); ++i) {
@@ -211,7 +211,7 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
                            .goesForChangesAlone(
                                "GNOME", [&] { shell.show(effectOf(CursorMode::laser, {})); },
                                [&](double seconds) { shell.move(seconds); }, effort.secondsInTurn),
-                       shell.growth(effort.turns * 160, effort.turns * 25)}};
+                       shell.growth(effort.shellTurns * 160, effort.shellTurns * 25)}};
 }
 
 } // namespace vantrel::bench

@@ -87,7 +87,7 @@ Usage usageAfter(TrayDesktop& desktop, const TrayProgram& program,
 Report measurePopup(const Contenders& contenders, const Effort& effort) {
     TrayDesktop desktop;
     const Openings openings =
-        openingsInTurns(desktop, contenders, effort.starts, [&](const TrayProgram& program) {
+        openingsInTurns(desktop, contenders, effort.windowStarts, [&](const TrayProgram& program) {
             return popupOpenings(desktop, program, effort.openings);
         });
     return {.rows = {
@@ -98,7 +98,7 @@ Report measurePopup(const Contenders& contenders, const Effort& effort) {
 Report measureSettings(const Contenders& contenders, const Effort& effort) {
     TrayDesktop desktop;
     const Openings openings =
-        openingsInTurns(desktop, contenders, effort.starts, [&](const TrayProgram& program) {
+        openingsInTurns(desktop, contenders, effort.windowStarts, [&](const TrayProgram& program) {
             return windowOpenings(desktop, program, effort.openings);
         });
     return {

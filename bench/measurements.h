@@ -5,22 +5,27 @@
 
 namespace vantrel::bench {
 
-// How long and how often; the defaults are those of a real run.
+// How long and how often; the defaults are those of a real run, in which no part takes longer than
+// a minute.
 struct Effort {
     int turns = 12;
+    int shellTurns = 9; // of GNOME Shell, which takes its time
     int motionsInTurn = 25;
     double secondsInTurn = 1;
-    int starts = 12;
-    int openings = 4; // of a window after each start
-    int reopenings = 60;
+    int starts = 30;
+    int windowStarts = 8; // after each of which a window is opened
+    int openings = 2;     // and again
+    int reopenings = 25;
     int commands = 100;
     int partsOfDay = 5; // of five
 
     static Effort smoke() {
         return {.turns = 1,
+                .shellTurns = 1,
                 .motionsInTurn = 10,
                 .secondsInTurn = 0.3,
                 .starts = 1,
+                .windowStarts = 1,
                 .openings = 1,
                 .reopenings = 5,
                 .commands = 3,
