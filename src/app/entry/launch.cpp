@@ -11,6 +11,7 @@
 #include "ui/components/plain_style.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 
 #include <algorithm>
 #include <atomic>
@@ -18,11 +19,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <optional>
 #include <string_view>
 #include <thread>
 #include <utility>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 namespace vantrel {
@@ -76,6 +79,15 @@ constexpr std::chrono::seconds closingTime(1);
 const char* platformIn(bool isWaylandSession) {
     return isWaylandSession ? qEnvironmentVariableIsEmpty("DISPLAY") ? "wayland" : "wayland;xcb"
                             : "xcb";
+}
+
+// To connect is mostly to wait, so the toolkit's plugin is loaded meanwhile. Only that: what the
+// toolkit's objects are made in, it takes for the main thread.
+std::future<void> loadPluginForX() {
+    const auto file =
+        QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms/libqxcb.so");
+    return std::async(std::launch::async,
+                      [path = file.toStdString()] { dlopen(path.c_str(), RTLD_LAZY); });
 }
 
 void prepareToolkit(const char* platform) {
@@ -242,6 +254,7 @@ std::optional<int> runAt(const std::optional<std::string>& session, const Start&
     if (auto compositor = session ? wayland::Connection::open({}, compositorTimeout) : nullptr) {
         return runAsInstance({.compositor = std::move(compositor)}, commands, start);
     }
+    const auto plugin = loadPluginForX();
     std::optional<ServerTimeout> serverTimeout(std::in_place);
     x11::ConnectionError error;
     auto connection = x11::Connection::open({}, error);
@@ -250,6 +263,8 @@ std::optional<int> runAt(const std::optional<std::string>& session, const Start&
     }
     if (auto instance = x11::Instance::claim(*connection, commands.address())) {
         serverTimeout.reset();
+        // Before signals are kept from all threads.
+        plugin.wait();
         return runAsInstance({.server = std::move(connection), .instance = std::move(instance)},
                              commands, start);
     }
