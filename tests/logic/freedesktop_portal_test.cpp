@@ -76,6 +76,13 @@ public:
         from.send(signal);
     }
 
+    void close(const QDBusConnection& from) const {
+        auto signal = QDBusMessage::createSignal(
+            session, QStringLiteral("org.freedesktop.portal.Session"), QStringLiteral("Closed"));
+        signal << QVariantMap();
+        from.send(signal);
+    }
+
     QDBusConnection bus;
     uint version = 2;
     uint answer = 0; // to what the user is asked
@@ -180,6 +187,8 @@ TEST(PortalShortcutsTest, ProposesTheKeysAndHearsOfThoseThatAreGranted) {
         return !pressed.empty();
     }));
     EXPECT_EQ(pressed.front(), 2U);
+    portal.close(portal.bus);
+    EXPECT_TRUE(runUntil([&] { return refused == std::vector{1U, 2U}; }));
 
     portal.refused = {QStringLiteral("shortcut-2")};
     shortcuts.grab({first, {2, {43, modifier::control}}});

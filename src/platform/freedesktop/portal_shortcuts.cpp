@@ -17,6 +17,8 @@ using portal::path;
 using portal::service;
 const auto interface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
 
+const auto sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+
 QString idOf(std::uint32_t number) {
     return QStringLiteral("shortcut-%1").arg(number);
 }
@@ -45,6 +47,8 @@ PortalShortcuts::PortalShortcuts(QDBusConnection bus, Means means)
                  QStringLiteral("Response"), this, SLOT(respond(uint, QVariantMap, QDBusMessage)));
     bus_.connect({}, path, interface, QStringLiteral("Activated"), this,
                  SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap, QDBusMessage)));
+    bus_.connect({}, {}, sessionInterface, QStringLiteral("Closed"), this,
+                 SLOT(lose(QDBusMessage)));
     // Nobody else may have started it in this session yet.
     callAsync(bus_, busCall(QStringLiteral("StartServiceByName"), {service, 0U}), this,
               [](const QDBusMessage&) {});
@@ -92,8 +96,7 @@ void PortalShortcuts::grab(const std::vector<KeyGrab>& grabs) {
 void PortalShortcuts::close() {
     if (std::exchange(step_, Step::none) != Step::none) {
         callAsync(bus_,
-                  callOf(owner_, pathOf("session"),
-                         QStringLiteral("org.freedesktop.portal.Session"), QStringLiteral("Close")),
+                  callOf(owner_, pathOf("session"), sessionInterface, QStringLiteral("Close")),
                   this, [](const QDBusMessage&) {});
     }
     // What the user answers to it from here on is about nothing.
@@ -169,6 +172,15 @@ void PortalShortcuts::activate(const QDBusObjectPath& session, const QString& sh
         std::ranges::find(grabs_, shortcut, [](const KeyGrab& grab) { return idOf(grab.number); });
     if (pressed != grabs_.end()) {
         onPressed(pressed->number);
+    }
+}
+
+// The desktop takes the keys back.
+void PortalShortcuts::lose(const QDBusMessage& message) {
+    if (message.service() == owner_ && message.path() == pathOf("session") &&
+        step_ == Step::bound) {
+        judge({});
+        step_ = Step::none;
     }
 }
 

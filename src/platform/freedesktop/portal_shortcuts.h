@@ -56,6 +56,7 @@ private:
     Q_SLOT void activate(const QDBusObjectPath& session, const QString& shortcut,
                          qulonglong timestamp, const QVariantMap& options,
                          const QDBusMessage& message);
+    Q_SLOT void lose(const QDBusMessage& message);
 
     void ask();
     void note(bool isThere);
