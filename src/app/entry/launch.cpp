@@ -61,6 +61,14 @@ constexpr std::string_view chineseLayerShellRemark =
     "vantrel: 如果合成器也不提供程序快捷键，请在其配置中为 vantrel toggle highlight "
     "和 vantrel toggle laser 绑定按键。\n";
 
+constexpr std::string_view englishNothingRemark =
+    "vantrel: Nothing in this session can draw the marks now; vantrel status --json tells what is "
+    "missing.\n"
+    "vantrel: Commands, the panel and the settings work all the time.\n";
+constexpr std::string_view chineseNothingRemark =
+    "vantrel: 此会话目前无法绘制标记；vantrel status --json 会说明缺少什么。\n"
+    "vantrel: 命令、面板和设置始终可用。\n";
+
 constexpr std::chrono::seconds busTimeout(1);
 
 // For whoever starts the compositor or Xwayland to take connections again; where the session goes
@@ -202,6 +210,8 @@ void remarkOn(const SessionMeans& means) {
         std::fputs(said(englishWaylandRemark, chineseWaylandRemark).c_str(), stderr);
     } else if (means.drawing == Means::layerShell) {
         std::fputs(said(englishLayerShellRemark, chineseLayerShellRemark).c_str(), stderr);
+    } else if (means.drawing == Means::none) {
+        std::fputs(said(englishNothingRemark, chineseNothingRemark).c_str(), stderr);
     }
 }
 

@@ -113,6 +113,12 @@ SessionOffer VantrelApp::offer() const {
     return offer;
 }
 
+SessionMeans VantrelApp::means() const {
+    auto offer = offer_;
+    offer.marks = sessionMarks_ && sessionMarks_->state() == MarksState::available;
+    return meansOf(offer);
+}
+
 void VantrelApp::joinCompositor() {
     constexpr std::chrono::milliseconds limit(1000);
     offer_.wayland = true;

@@ -56,8 +56,8 @@ public:
 
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
-    // By what marks are shown, as long as the desktop itself draws none.
-    [[nodiscard]] SessionMeans means() const { return meansOf(offer_); }
+    // By what marks are shown.
+    [[nodiscard]] SessionMeans means() const;
     // Whether the compositor goes in that time or has gone. Called by any thread.
     [[nodiscard]] bool seesCompositorGo(std::chrono::milliseconds limit) const {
         return compositor_ && compositor_->seesEnd(limit);
