@@ -11,10 +11,13 @@ namespace vantrel {
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
-// What a window may take of a display. Compositors tell programs nothing of the bars that they
-// show.
+// Of the bars that compositors show, and tell programs nothing of: the most that is usual, in
+// points.
+constexpr int barHeight = 48;
+
+// What a window may take of a display.
 [[nodiscard]] inline QRect availableAreaOf(const QScreen& screen) {
-    constexpr QMargins bars(0, 48, 0, 0);
+    constexpr QMargins bars(0, barHeight, 0, 0);
     const auto area = screen.availableGeometry();
     return hasNativeWindows() ? area.marginsRemoved(bars) : area;
 }

@@ -89,13 +89,12 @@ const char* platformIn(bool isWaylandSession) {
                             : "xcb";
 }
 
-// To connect is mostly to wait, so the toolkit's plugin is loaded meanwhile. Only that: what the
-// toolkit's objects are made in, it takes for the main thread.
+// To connect is mostly to wait, so the toolkit's plugin is loaded meanwhile. Only that: the toolkit
+// takes the thread in which its first object is made for the main one.
 std::future<void> loadPluginForX() {
     const auto file =
         QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms/libqxcb.so");
-    return std::async(std::launch::async,
-                      [path = file.toStdString()] { dlopen(path.c_str(), RTLD_LAZY); });
+    return std::async([path = file.toStdString()] { dlopen(path.c_str(), RTLD_LAZY); });
 }
 
 void prepareToolkit(const char* platform) {
@@ -273,7 +272,7 @@ std::optional<int> runAt(const std::optional<std::string>& session, const Start&
     }
     if (auto instance = x11::Instance::claim(*connection, commands.address())) {
         serverTimeout.reset();
-        // Before signals are kept from all threads.
+        // A thread that began before signals are blocked would still take them.
         plugin.wait();
         return runAsInstance({.server = std::move(connection), .instance = std::move(instance)},
                              commands, start);

@@ -84,12 +84,10 @@ void openStandardDescriptors() {
 // needs, and each library that the executable itself needed would be searched for every symbol of
 // the program, before those that have it.
 int run(const Module& module, const Start& start) {
-    const auto executable = runningExecutable();
-    if (executable.empty()) {
+    if (runningExecutable().empty()) {
         return report(failure(said("cannot determine its own path", "无法确定自身的路径")));
     }
-    const auto path = executable.parent_path() / VANTREL_MODULES_FROM_EXECUTABLE / module.file;
-    void* loaded = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    void* loaded = dlopen(moduleFile(module.file).c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* function = loaded != nullptr ? dlsym(loaded, module.function) : nullptr;
     if (function == nullptr) {
         return report(failure(said("cannot load the program: ", "无法加载程序：") + dlerror()));

@@ -4,7 +4,6 @@
 #include "overlay/effect_drawing.h"
 #include "platform/freedesktop/bus_call.h"
 #include "platform/keys/key_table.h"
-#include "platform/layershell/window_place.h"
 #include "platform/native_windows.h"
 #include "platform/x11/activation.h"
 #include "ui/components/style.h"
@@ -113,12 +112,6 @@ SessionOffer VantrelApp::offer() const {
     return offer;
 }
 
-SessionMeans VantrelApp::means() const {
-    auto offer = offer_;
-    offer.marks = sessionMarks_ && sessionMarks_->state() == MarksState::available;
-    return meansOf(offer);
-}
-
 void VantrelApp::joinCompositor() {
     constexpr std::chrono::milliseconds limit(1000);
     offer_.wayland = true;
@@ -132,7 +125,7 @@ void VantrelApp::joinCompositor() {
         offer_.cursorSessions = compositor_->hasCursorSessions();
     }
     offer_ = heldTo(qgetenv("VANTREL_MEANS").toStdString(), offer_);
-    if (means().drawing == Means::layerShell) {
+    if (meansOf(offer_).drawing == Means::layerShell) {
         wayland_.emplace(*compositor_, clock_);
     } else if (compositor_) {
         eventLoop_.emplace(*compositor_);
@@ -145,7 +138,7 @@ void VantrelApp::joinDesktop(const QDBusConnection& bus) {
     kwin_.emplace(bus, bundle_.dataFolder(), EffectDrawing::picture);
     sessionMarks_.emplace(*shell_, *kwin_);
     if (!server_ &&
-        (!hasNativeWindows() || (means().drawing == Means::none && !drawsItself(bus)))) {
+        (!hasNativeWindows() || (meansOf(offer_).drawing == Means::none && !drawsItself(bus)))) {
         joinServer();
     }
     joinShortcuts(bus);
@@ -309,21 +302,23 @@ bool VantrelApp::canActivate() const {
            QGuiApplication::focusWindow() != nullptr;
 }
 
-// A desktop that draws the marks puts the panel to its item as well. The module is loaded by the
-// first who needs it, and not there where the library is not.
+// A desktop that draws the marks puts the panel to its item as well. What the window is, it
+// remains. The module is not there where its library is not.
 bool VantrelApp::hang(QWidget& window, const EdgePlace& place) {
-    if (!hasNativeWindows() || !offer_.layerShell ||
-        sessionMarks_->state() == MarksState::available) {
+    if (!hangWindow_) {
+        const bool isMeant = hasNativeWindows() && offer_.layerShell &&
+                             sessionMarks_->state() != MarksState::available;
+        const auto file = QString::fromStdString(moduleFile(layershell::moduleFile));
+        hangWindow_ = isMeant ? reinterpret_cast<layershell::HangWindow*>(
+                                    QLibrary::resolve(file, layershell::hangWindow))
+                              : nullptr;
+    }
+    if (*hangWindow_ == nullptr) {
         return false;
     }
-    const auto file = runningExecutable().parent_path() / VANTREL_MODULES_FROM_EXECUTABLE /
-                      layershell::moduleFile;
-    auto* function = QLibrary::resolve(QString::fromStdString(file), layershell::hangWindow);
-    if (function != nullptr) {
-        window.winId();
-        reinterpret_cast<layershell::HangWindow*>(function)(*window.windowHandle(), place);
-    }
-    return function != nullptr;
+    window.winId();
+    (*hangWindow_)(*window.windowHandle(), place);
+    return true;
 }
 
 std::string VantrelApp::compositor() const {

@@ -20,6 +20,7 @@
 #include "platform/gnome/shell_status_item.h"
 #include "platform/kwin/desktop_shortcuts.h"
 #include "platform/kwin/kwin_script.h"
+#include "platform/layershell/window_place.h"
 #include "platform/system_clock.h"
 #include "platform/wayland/desktop.h"
 #include "platform/wayland/keyboard.h"
@@ -57,7 +58,7 @@ public:
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
     // By what marks are shown.
-    [[nodiscard]] SessionMeans means() const;
+    [[nodiscard]] SessionMeans means() const { return delegate_.state().means(); }
     // Whether the compositor goes in that time or has gone. Called by any thread.
     [[nodiscard]] bool seesCompositorGo(std::chrono::milliseconds limit) const {
         return compositor_ && compositor_->seesEnd(limit);
@@ -97,6 +98,7 @@ private:
     AbsentDesktop absent_;
     std::optional<x11::X11Desktop> x11_;
     SessionOffer offer_;
+    std::optional<layershell::HangWindow*> hangWindow_; // null where windows do not hang
     std::optional<wayland::EventLoop> eventLoop_;
     std::optional<wayland::WaylandKeyboard> waylandKeyboard_;
     // Where the compositor lets us draw and tells where the pointer is.

@@ -33,8 +33,8 @@ constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventTyp
 
 // In which a keyboard that follows the pointer comes back to where that is.
 constexpr std::chrono::milliseconds keyboardDelay(300);
-// With the pointer elsewhere and without the keyboard, which compositors may give a window that
-// hangs at a click in it only. Nothing tells of presses elsewhere then.
+// With the pointer elsewhere and without the keyboard, which a compositor may give to a window that
+// hangs only once it is clicked. Nothing tells of presses elsewhere then.
 constexpr std::chrono::milliseconds disuse(3000);
 
 constexpr int frameWidth = 1; // points

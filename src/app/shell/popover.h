@@ -14,9 +14,9 @@ namespace vantrel {
 
 // A window that hangs at an item of the desktop and closes by itself: when a press goes elsewhere,
 // when it loses the keyboard, on Escape, and when the displays change. Where the keyboard follows
-// the pointer it may go to other windows on the way from the item. Where it hangs at an
-// edge it also closes when it is not used. It grabs nothing, so shortcuts work and clicks reach
-// what they were meant for. It is as large as its content wants.
+// the pointer it may go to other windows on the way from the item. Where it hangs at an edge it
+// also closes when it is not used. It grabs nothing, so shortcuts work and clicks reach what they
+// were meant for. It is as large as its content wants.
 class Popover : public QWidget {
 public:
     // The desktop must outlive it.

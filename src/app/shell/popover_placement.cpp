@@ -1,5 +1,7 @@
 #include "app/shell/popover_placement.h"
 
+#include "platform/native_windows.h"
+
 #include <QMargins>
 
 #include <algorithm>
@@ -38,7 +40,7 @@ EdgePlace edgePlace(const QRect& place, const QRect& area) {
     const int right = area.right() - place.right();
     const int top = place.top() - area.top();
     const int bottom = area.bottom() - place.bottom();
-    const auto fromBar = [](int distance) { return std::max(gap, distance - itemReach); };
+    const auto fromBar = [](int distance) { return distance < barHeight ? gap : distance; };
     EdgePlace result;
     if (left < right) {
         result.edges |= Qt::LeftEdge;

@@ -2,6 +2,10 @@
 
 namespace vantrel {
 
+std::filesystem::path moduleFile(std::string_view name) {
+    return runningExecutable().parent_path() / VANTREL_MODULES_FROM_EXECUTABLE / name;
+}
+
 std::filesystem::path runningExecutable() {
     std::error_code error;
     auto path = std::filesystem::read_symlink("/proc/self/exe", error).native();

@@ -6,6 +6,8 @@ namespace vantrel {
 
 // The file that this process runs.
 std::filesystem::path runningExecutable();
+// Where a module of the program is, from the folder of its executable on.
+std::filesystem::path moduleFile(std::string_view name);
 
 // The resources that lie beside the executable, where installing puts them and where the build lays
 // them out in the same shape; no path is fixed when the program is built.

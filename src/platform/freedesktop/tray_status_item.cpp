@@ -20,6 +20,7 @@ TrayStatusItem::TrayStatusItem(SystemTray& tray)
           [this](QPoint place) {
               clicked_ = place;
               activate();
+              clicked_ = {};
           },
           [this] { updateIcon(); }),
       trayChanges_(tray.onChange([this] { updateIcon(); })) {}

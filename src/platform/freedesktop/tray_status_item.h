@@ -49,7 +49,7 @@ private:
     QIcon image_;
     QString description_;
     std::function<void()> action_;
-    QPoint clicked_; // last, as the panel has it
+    QPoint clicked_; // just now, as the panel has it
     StatusNotifier notifier_;
 
     // Of X's protocol:
