@@ -48,7 +48,6 @@ Command kwinCommand(const std::filesystem::path& folder, const Environment& envi
         throw std::runtime_error("no kwin_wayland");
     }
     std::vector<std::string> arguments{"kwin_wayland_wrapper",
-                                       "--no-lockscreen",
                                        "--width",
                                        std::to_string(options.size.width),
                                        "--height",
@@ -57,6 +56,9 @@ Command kwinCommand(const std::filesystem::path& folder, const Environment& envi
                                        std::to_string(options.outputs),
                                        "--scale",
                                        std::to_string(options.scale)};
+    if (!options.locks) {
+        arguments.emplace_back("--no-lockscreen");
+    }
     if (options.screen.empty()) {
         arguments.emplace_back("--virtual");
     } else {
@@ -75,6 +77,9 @@ Command kwinCommand(const std::filesystem::path& folder, const Environment& envi
     ofKWin["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
     // Without it there are no effects where nothing but the processor draws.
     ofKWin["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1";
+    if (options.locks) {
+        ofKWin["DBUS_SYSTEM_BUS_ADDRESS"] = ofKWin["DBUS_SESSION_BUS_ADDRESS"];
+    }
     ofKWin["QT_FORCE_STDERR_LOGGING"] = "1";
     ofKWin["QT_LOGGING_RULES"] = "kwin_scripting=true;js=true;qml=true";
     return {.arguments = arguments,

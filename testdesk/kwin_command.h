@@ -15,6 +15,7 @@ struct KWinOptions {
     int outputs = 1;
     double scale = 1;
     bool xwayland = false;
+    bool locks = false;   // has a lock screen
     std::string screen{}; // of the X server that shows it; none: nothing does
 };
 

@@ -90,7 +90,8 @@ KWinSession::KWinSession(const Options& options)
       bus_(QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()),
                                          QString::fromStdString(sessionBus_.address()))) {
     environment_ = kwinEnvironment(folder(), sessionBus_.address(), options.dataFolder);
-    if (version_ > 5) {
+    // KWin takes no pictures while it is locked.
+    if (version_ > 5 || options.locks) {
         const auto pixels = [&](int points) {
             return static_cast<int>(std::lround(points * options.scale));
         };
@@ -110,6 +111,7 @@ void KWinSession::start() {
                                .outputs = options_.outputs,
                                .scale = options_.scale,
                                .xwayland = options_.xwayland,
+                               .locks = options_.locks,
                                .screen = screen_ ? screen_->display() : ""}));
     awaitReady();
 }

@@ -27,6 +27,7 @@ public:
         int outputs = 1;
         PixelSize size{1280, 720}; // of each, in points
         bool xwayland = false;
+        bool locks = false; // has a lock screen
         // In which KWin finds effects, besides those of the system.
         std::filesystem::path dataFolder{};
     };

@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QDBusObjectPath>
+#include <QDBusVirtualObject>
+
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -104,6 +107,29 @@ struct Script {
     }
 
     KWinScript marks;
+};
+
+// Which tells KWin that its session is unlocked. On the session's own bus.
+class LoginManager final : public QDBusVirtualObject {
+public:
+    explicit LoginManager(QDBusConnection bus) : bus_(std::move(bus)) {
+        bus_.registerVirtualObject(path_, this);
+        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.login1")));
+    }
+
+    void unlock() const {
+        bus_.send(QDBusMessage::createSignal(
+            path_, QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("Unlock")));
+    }
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    // Which session is KWin's, and less that matters.
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path_))));
+    }
+
+private:
+    const QString path_ = QStringLiteral("/org/freedesktop/login1");
+    QDBusConnection bus_;
 };
 
 class KWinLookTest : public testing::TestWithParam<double> {};
@@ -232,6 +258,25 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
                 .areSlight();
         })) << output;
     }
+}
+
+TEST(KWinTest, HidesWhileTheScreenIsLocked) {
+    const CoreApplication application;
+    Session session({.locks = true});
+    const LoginManager login(session.bus());
+    Script script(session);
+    script.marks.show(effectOf(CursorMode::highlight, strongly()));
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
+    // Answered once the window of the lock screen is there.
+    session.bus().send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"),
+                                                      service, QStringLiteral("Lock")));
+    EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
+    session.moveTo(310, 300);
+    session.click(BTN_LEFT);
+    EXPECT_FALSE(session.isMarked());
+    login.unlock();
+    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
 }
 
 TEST(KWinTest, IsAtThePointerInEveryFrame) {
