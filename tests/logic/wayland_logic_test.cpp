@@ -82,27 +82,30 @@ TEST(ToolkitKeyTest, IsTheOneThatPlasmaLooksFor) {
         const char* layouts;
         std::uint32_t layout;
         std::uint32_t key; // a code of Linux
-        bool withShift;
+        std::uint32_t modifiers;
         QList<int> keys;
     };
-    for (const auto& [layouts, number, key, withShift, keys] : std::vector<Case>{
-             {"us", 0, KEY_L, true, {Qt::Key_L | shift}},
-             {"us", 0, KEY_1, true, {Qt::Key_Exclam}},
-             {"us", 0, KEY_F5, true, {Qt::Key_F5 | shift}},
-             {"us,ru", 1, KEY_L, false, {Qt::Key_L}},
-             {"ru", 0, KEY_L, false, {0x414}},
-             {"ru,us", 0, KEY_L, false, {Qt::Key_L}},
-             {"ru,us", 0, KEY_DOT, false, {0x42e}},
-             {"us", 0, KEY_F14, false, {Qt::Key_Launch7}},
-             {"ch", 0, KEY_LEFTBRACE, true, {Qt::Key_Egrave | shift}},
-             {"fr", 0, KEY_BACKSLASH, true, {0xb5 | shift}},
-             {"de", 0, KEY_EQUAL, false, {}},
-             {"us", 0, KEY_KP7, false, {Qt::Key_7 | pad, Qt::Key_Home | pad}},
+    for (const auto& [layouts, number, key, held, keys] : std::vector<Case>{
+             {"us", 0, KEY_L, modifier::shift, {Qt::Key_L | shift}},
+             {"us", 0, KEY_1, modifier::shift, {Qt::Key_Exclam}},
+             {"us", 0, KEY_F5, modifier::shift, {Qt::Key_F5 | shift}},
+             {"us,ru", 1, KEY_L, 0, {Qt::Key_L}},
+             {"ru", 0, KEY_L, 0, {0x414}},
+             {"ru,us", 0, KEY_L, 0, {Qt::Key_L}},
+             {"ru,us", 0, KEY_DOT, 0, {0x42e}},
+             {"us", 0, KEY_F14, 0, {Qt::Key_Launch7}},
+             {"ch", 0, KEY_LEFTBRACE, modifier::shift, {Qt::Key_Egrave | shift}},
+             {"fr", 0, KEY_BACKSLASH, modifier::shift, {0xb5 | shift}},
+             {"de", 0, KEY_EQUAL, 0, {}},
+             {"us", 0, KEY_SYSRQ, modifier::control, {Qt::Key_Print}},
+             {"us", 0, KEY_SYSRQ, modifier::option, {}},
+             {"us", 0, KEY_PAUSE, modifier::option, {Qt::Key_Pause}},
+             {"us", 0, KEY_KP7, 0, {Qt::Key_7 | pad, Qt::Key_Home | pad}},
          }) {
         auto keymap = keymapOf(layouts);
         const auto modifiers = ModifierBits::of(*keymap);
         const KeyLayout layout(std::move(keymap), modifiers);
-        EXPECT_EQ(toolkitKeysOf(layout, key + 8, withShift, number), keys) << layouts << key;
+        EXPECT_EQ(toolkitKeysOf(layout, key + 8, held, number), keys) << layouts << key;
     }
 }
 

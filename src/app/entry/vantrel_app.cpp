@@ -186,9 +186,8 @@ void VantrelApp::joinShortcuts(const QDBusConnection& bus) {
                            DesktopShortcuts::Means{
                                .keysOf =
                                    [this](const auto& keys, auto layout) {
-                                       return keyboard().toolkitKeys(
-                                           keys.keycode, (keys.modifiers & modifier::shift) != 0,
-                                           layout);
+                                       return keyboard().toolkitKeys(keys.keycode, keys.modifiers,
+                                                                     layout);
                                    },
                                .nameOf = nameOf,
                            });

@@ -97,6 +97,23 @@ ModifierBits ModifierBits::of(xkb_keymap& keymap) {
     return bits;
 }
 
+std::optional<std::uint32_t> ModifierBits::stateOf(std::uint32_t modifiers) const {
+    const std::array<std::pair<std::uint32_t, std::uint32_t>, 4> bits{{
+        {modifier::command, command},
+        {modifier::shift, shiftBit},
+        {modifier::option, option},
+        {modifier::control, controlBit},
+    }};
+    std::uint32_t state = 0;
+    for (const auto& [modifier, bit] : bits) {
+        if ((modifiers & modifier) != 0) {
+            state |= bit;
+            modifiers &= ~modifier;
+        }
+    }
+    return modifiers == 0 ? std::optional(state) : std::nullopt;
+}
+
 KeyLayout::KeyLayout(Keymap keymap, ModifierBits modifiers)
     : keymap_(std::move(keymap)), modifiers_(modifiers) {}
 

@@ -34,6 +34,9 @@ struct ModifierBits {
 
     // A modifier that no key has keeps its usual bit.
     [[nodiscard]] static ModifierBits of(xkb_keymap& keymap);
+
+    // From the modifier bits of HotKeys; nothing when there are others among them.
+    [[nodiscard]] std::optional<std::uint32_t> stateOf(std::uint32_t modifiers) const;
 };
 
 // What the keys of a keyboard stand for, in one of its layouts, which are numbered from 0.
@@ -42,6 +45,7 @@ public:
     // Without a keymap, keys have their place only.
     KeyLayout(Keymap keymap, ModifierBits modifiers);
 
+    [[nodiscard]] const ModifierBits& modifiers() const { return modifiers_; }
     [[nodiscard]] std::optional<KeyPress> press(std::uint32_t key, std::uint32_t modifiers,
                                                 std::uint32_t layout) const;
     // Whether the key is held for the sake of others, also to change the layout.

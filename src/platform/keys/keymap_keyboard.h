@@ -22,9 +22,9 @@ public:
     }
 
     // In that layout of several, from 0.
-    [[nodiscard]] QList<int> toolkitKeys(std::uint32_t key, bool withShift,
+    [[nodiscard]] QList<int> toolkitKeys(std::uint32_t key, std::uint32_t modifiers,
                                          std::uint32_t layoutNumber) const {
-        return toolkitKeysOf(layout(), key, withShift, layoutNumber);
+        return toolkitKeysOf(layout(), key, modifiers, layoutNumber);
     }
     // What the key produces without modifiers, as keymaps call it; empty where it produces nothing.
     [[nodiscard]] std::string symbolOf(std::uint32_t key) const { return layout().symbolOf(key); }

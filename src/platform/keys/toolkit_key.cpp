@@ -58,6 +58,8 @@ int namedKeyOf(xkb_keysym_t symbol) {
         {XKB_KEY_Page_Up, Qt::Key_PageUp},
         {XKB_KEY_Page_Down, Qt::Key_PageDown},
         {XKB_KEY_Menu, Qt::Key_Menu},
+        {XKB_KEY_Print, Qt::Key_Print},
+        {XKB_KEY_Pause, Qt::Key_Pause},
         {XKB_KEY_XF86AudioRaiseVolume, Qt::Key_VolumeUp},
         {XKB_KEY_XF86AudioLowerVolume, Qt::Key_VolumeDown},
         {XKB_KEY_XF86AudioMute, Qt::Key_VolumeMute},
@@ -106,14 +108,17 @@ int shiftedKeyOf(int key, int shifted) {
 
 } // namespace
 
-QList<int> toolkitKeysOf(const KeyLayout& layout, std::uint32_t key, bool withShift,
+QList<int> toolkitKeysOf(const KeyLayout& layout, std::uint32_t key, std::uint32_t modifiers,
                          std::uint32_t layoutNumber) {
+    const auto held = layout.modifiers().stateOf(modifiers).value_or(0);
+    const auto withoutShift = held & ~shiftBit;
     QList<int> keys;
     for (const bool numLock : {true, false}) {
-        const auto produced = [&](std::uint32_t modifiers) {
-            return keyOf(layout.shortcutSymbol(key, modifiers, layoutNumber, numLock));
+        const auto produced = [&](std::uint32_t bits) {
+            return keyOf(layout.shortcutSymbol(key, bits, layoutNumber, numLock));
         };
-        const int found = withShift ? shiftedKeyOf(produced(0), produced(shiftBit)) : produced(0);
+        const int plain = produced(withoutShift);
+        const int found = held == withoutShift ? plain : shiftedKeyOf(plain, produced(held));
         if (found != 0 && !keys.contains(found)) {
             keys.push_back(found);
         }

@@ -3,7 +3,6 @@
 #include "platform/input.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
 #include <X11/keysym.h>
@@ -89,23 +88,6 @@ ModifierMap ModifierMap::read(const Connection& connection) {
     // One that shares its bit with a modifier cannot be told from it.
     map.locks &= ~(map.option | map.command | XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL);
     return map;
-}
-
-std::optional<std::uint32_t> ModifierMap::stateOf(std::uint32_t modifiers) const {
-    const std::array<std::pair<std::uint32_t, std::uint32_t>, 4> bits{{
-        {modifier::command, command},
-        {modifier::shift, XCB_MOD_MASK_SHIFT},
-        {modifier::option, option},
-        {modifier::control, XCB_MOD_MASK_CONTROL},
-    }};
-    std::uint32_t state = 0;
-    for (const auto& [modifier, bit] : bits) {
-        if ((modifiers & modifier) != 0) {
-            state |= bit;
-            modifiers &= ~modifier;
-        }
-    }
-    return modifiers == 0 ? std::optional(state) : std::nullopt;
 }
 
 } // namespace vantrel::x11
