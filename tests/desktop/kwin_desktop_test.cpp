@@ -265,18 +265,51 @@ TEST(KWinTest, HidesWhileTheScreenIsLocked) {
     Session session({.locks = true});
     const LoginManager login(session.bus());
     Script script(session);
-    script.marks.show(effectOf(CursorMode::highlight, strongly()));
-    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    const auto effect = effectOf(CursorMode::highlight, strongly());
+    script.marks.show(effect);
+    session.expectMark(effect, 1, "at first");
     const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
-    // Answered once the window of the lock screen is there.
     session.bus().send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"),
                                                       service, QStringLiteral("Lock")));
-    EXPECT_TRUE(comes([&] { return !session.isMarked(); }));
+    const auto isMarked = [&] {
+        return differences(session.picture(), session.center(), effect, 1).areSlight();
+    };
+    EXPECT_TRUE(comes([&] { return !isMarked(); }));
     session.moveTo(310, 300);
-    session.click(BTN_LEFT);
-    EXPECT_FALSE(session.isMarked());
+    EXPECT_FALSE(isMarked());
     login.unlock();
-    EXPECT_TRUE(comes([&] { return session.isMarked(); }));
+    session.expectMark(effect, 1, "unlocked");
+}
+
+TEST(KWinTest, IsNoWindowOfAnOverview) {
+    const CoreApplication application;
+    Session session;
+    // One that shows what is there, and says that it is a scene of its own.
+    const auto effects = std::filesystem::path("kwin/effects");
+    const auto folder = std::filesystem::path(session.environment().at("XDG_DATA_HOME")) / effects;
+    std::filesystem::create_directories(folder);
+    std::filesystem::copy(VANTREL_DATA / effects / "vantrel-presses", folder / "overview-of-test",
+                          std::filesystem::copy_options::recursive);
+    std::ofstream(folder / "overview-of-test/metadata.json")
+        << R"({"KPackageStructure": "KWin/Effect", "KPlugin": {"Id": "overview-of-test"},
+               "X-Plasma-API": "javascript", "X-Plasma-MainScript": "code/main.js"})";
+    std::ofstream(folder / "overview-of-test/contents/code/main.js")
+        << "animate({window: effects.activeWindow, duration: 60000, animations: "
+           "[{type: Effect.Opacity, from: 1, to: 1, fullScreen: true}]});";
+    session.restart();
+    session.moveTo(300, 300);
+    const auto window = session.startFullScreenWindow();
+    Script script(session);
+    script.marks.show(effectOf(CursorMode::highlight, strongly()));
+    // On a white window.
+    const auto isMarked = [&] { return qBlue(session.pixel(session.center())) < 100; };
+    EXPECT_TRUE(comes([&] { return isMarked() && session.hearsPresses(); }));
+    for (const bool isOpen : {true, false}) {
+        session.call(QStringLiteral("org.kde.KWin"), QStringLiteral("/Effects"),
+                     "org.kde.kwin.Effects", isOpen ? "loadEffect" : "unloadEffect",
+                     {QStringLiteral("overview-of-test")});
+        EXPECT_TRUE(comes([&] { return isMarked() != isOpen; })) << isOpen;
+    }
 }
 
 TEST(KWinTest, IsAtThePointerInEveryFrame) {

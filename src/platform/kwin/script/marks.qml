@@ -22,6 +22,13 @@ Window {
     property real lastActivity: 0
     property var rings: [] // windows, the one that was used last at the end
 
+    // Set by the effect.
+    property bool isLeftOut: false
+    onIsLeftOutChanged: {
+        stopRings();
+        place();
+    }
+
     readonly property bool isShown: effect.side !== undefined
     readonly property int side: isShown ? effect.side : 2
     readonly property real idle: isShown ? effect.idle : 0
@@ -44,7 +51,8 @@ Window {
     Image {
         width: mark.side
         height: mark.side
-        source: mark.isShown ? mark.pictureFor(mark.scale) : ""
+        // Anew after an overview: else a KWin without OpenGL shows the window empty.
+        source: mark.isShown && !mark.isLeftOut ? mark.pictureFor(mark.scale) : ""
         visible: !mark.resting
         cache: false
         smooth: false
@@ -85,11 +93,15 @@ Window {
         if (!isShown || effect.rings.length === 0)
             stopRings();
         rest.stop();
-        follow();
+        place();
+        noteActivity();
+    }
+
+    function place() {
         // In its place already, since KWin may not move it in the moment in which it appears. Also at
         // rest, when presses are still to be heard of.
-        visible = isShown;
-        noteActivity();
+        follow();
+        visible = isShown && !isLeftOut;
     }
 
     // What is handed over
