@@ -434,9 +434,8 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     std::ofstream(session.folder() / "config/kxkbrc")
         << "[Layout]\nUse=true\n"
            "LayoutList=us,us,ru\nVariantList=,dvorak,\n";
-    session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Layouts"),
-                                                  QStringLiteral("org.kde.keyboard"),
-                                                  QStringLiteral("reloadConfig")));
+    session.restart();
+    session.moveTo(300, 300);
     const auto place = std::filesystem::path("kwin/effects/vantrel-presses/contents/code/main.js");
     const auto copy = std::filesystem::path(session.environment().at("XDG_DATA_HOME")) / place;
     const auto shipped = readFile(std::filesystem::path(VANTREL_DATA) / place);

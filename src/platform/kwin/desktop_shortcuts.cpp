@@ -147,11 +147,23 @@ void DesktopShortcuts::grabKey(const KeyGrab& grab) {
     callAsync(bus_,
               shortcutsCall("setShortcutKeys",
                             {names, QVariant::fromValue(wanted), presentWithoutAutoloading}),
-              this, [first = wanted.front().keys.front(), refuse](const QDBusMessage& answer) {
-                  if (!isIn(answer, first)) {
+              this, [this, first = wanted.front().keys.front(), refuse](const auto& answer) {
+                  if (isIn(answer, first)) {
+                      checkOwner(first, refuse);
+                  } else {
                       refuse();
                   }
               });
+}
+
+// Plasma 6.7 also grants what another has, who goes on to get it.
+void DesktopShortcuts::checkOwner(int combination, const std::function<void()>& refuse) {
+    callAsync(bus_, shortcutsCall("action", {combination}), this, [refuse](const auto& answer) {
+        const auto owner = answer.arguments().value(0).toStringList();
+        if (!owner.isEmpty() && owner.front() != component) {
+            refuse();
+        }
+    });
 }
 
 void DesktopShortcuts::free(std::uint32_t number) {

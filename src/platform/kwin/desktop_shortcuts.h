@@ -52,6 +52,7 @@ private:
     Q_SLOT void askForLayout();
 
     void grabKey(const KeyGrab& grab);
+    void checkOwner(int combination, const std::function<void()>& refuse);
     void free(std::uint32_t number);
     void freeOthers();
 
