@@ -109,27 +109,13 @@ struct Script {
     KWinScript marks;
 };
 
-// Which tells KWin that its session is unlocked. On the session's own bus.
-class LoginManager final : public QDBusVirtualObject {
-public:
-    explicit LoginManager(QDBusConnection bus) : bus_(std::move(bus)) {
-        bus_.registerVirtualObject(path_, this);
-        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.login1")));
-    }
-
-    void unlock() const {
-        bus_.send(QDBusMessage::createSignal(
-            path_, QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("Unlock")));
-    }
+// By which KWin knows its session, and no more of it than that has to be.
+struct LoginManager final : QDBusVirtualObject {
     [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-    // Which session is KWin's, and less that matters.
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path_))));
+        const QDBusObjectPath session(message.path());
+        return connection.send(message.createReply(QVariant::fromValue(session)));
     }
-
-private:
-    const QString path_ = QStringLiteral("/org/freedesktop/login1");
-    QDBusConnection bus_;
 };
 
 class KWinLookTest : public testing::TestWithParam<double> {};
@@ -263,21 +249,26 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
 TEST(KWinTest, HidesWhileTheScreenIsLocked) {
     const CoreApplication application;
     Session session({.locks = true});
-    const LoginManager login(session.bus());
+    LoginManager login;
+    auto bus = session.bus();
+    const auto path = QStringLiteral("/org/freedesktop/login1");
+    bus.registerVirtualObject(path, &login);
+    EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.login1")));
     Script script(session);
     const auto effect = effectOf(CursorMode::highlight, strongly());
     script.marks.show(effect);
     session.expectMark(effect, 1, "at first");
     const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
-    session.bus().send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"),
-                                                      service, QStringLiteral("Lock")));
+    bus.send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"), service,
+                                            QStringLiteral("Lock")));
     const auto isMarked = [&] {
         return differences(session.picture(), session.center(), effect, 1).areSlight();
     };
     EXPECT_TRUE(comes([&] { return !isMarked(); }));
     session.moveTo(310, 300);
     EXPECT_FALSE(isMarked());
-    login.unlock();
+    bus.send(QDBusMessage::createSignal(path, QStringLiteral("org.freedesktop.login1.Session"),
+                                        QStringLiteral("Unlock")));
     session.expectMark(effect, 1, "unlocked");
 }
 
