@@ -58,7 +58,7 @@ public:
     // What was changed is on disk afterwards, and no overlay is on the screen.
     void end();
     // By what marks are shown.
-    [[nodiscard]] SessionMeans means() const { return delegate_.state().means(); }
+    [[nodiscard]] SessionMeans means() { return delegate_.state().means(); }
     // Whether the compositor goes in that time or has gone. Called by any thread.
     [[nodiscard]] bool seesCompositorGo(std::chrono::milliseconds limit) const {
         return compositor_ && compositor_->seesEnd(limit);
