@@ -207,6 +207,12 @@ TEST_F(ShellTest, ThePopoverClosesWithoutTheKeyboardUnlessThePointerIsOnItsWayTh
         EXPECT_EQ(QTest::qWaitFor([&] { return !popoverShown(); }, closes ? 5000 : 400), closes)
             << what;
     }
+    desktop.application.hangs = true;
+    showWithoutKeyboard({620, 3});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !popoverShown(); })) << "it hangs somewhere";
+    EXPECT_EQ(desktop.application.hung.display, QGuiApplication::primaryScreen());
+    EXPECT_EQ(desktop.application.hung.edges, Qt::RightEdge | Qt::TopEdge);
+    desktop.application.hangs = false;
     showWithoutKeyboard({610, 90});
     settle();
     QTest::keyClick(&popover, Qt::Key_Escape);
