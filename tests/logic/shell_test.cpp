@@ -209,7 +209,7 @@ TEST_F(ShellTest, ThePopoverClosesWithoutTheKeyboardUnlessThePointerIsOnItsWayTh
     }
     desktop.application.hangs = true;
     showWithoutKeyboard({620, 3});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !popoverShown(); })) << "it hangs somewhere";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !popoverShown(); }, 2500)) << "it hangs somewhere";
     EXPECT_EQ(desktop.application.hung.display, QGuiApplication::primaryScreen());
     EXPECT_EQ(desktop.application.hung.edges, Qt::RightEdge | Qt::TopEdge);
     desktop.application.hangs = false;
