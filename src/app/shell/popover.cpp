@@ -35,7 +35,7 @@ constexpr EventMask presses = maskOf(EventType::leftMouseDown) | maskOf(EventTyp
 constexpr std::chrono::milliseconds keyboardDelay(300);
 // With the pointer elsewhere and without the keyboard, which a compositor may give to a window that
 // hangs only once it is clicked. Nothing tells of presses elsewhere then.
-constexpr std::chrono::milliseconds disuse(3000);
+constexpr std::chrono::milliseconds disuseDelay(3000);
 
 constexpr int frameWidth = 1; // points
 
@@ -66,10 +66,18 @@ Popover::Popover(Application& application, EventMonitors& monitors, const Clock&
     const auto close = [this] { performClose(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, close);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, close);
-    keyboardWait_.setSingleShot(true);
-    connect(&keyboardWait_, &QTimer::timeout, this, [this] {
+    keyboardReturn_.setSingleShot(true);
+    keyboardReturn_.setInterval(keyboardDelay);
+    connect(&keyboardReturn_, &QTimer::timeout, this, [this] {
         if (!hasKeyboard()) {
             dismiss();
+        }
+    });
+    disuse_.setSingleShot(true);
+    disuse_.setInterval(disuseDelay);
+    connect(&disuse_, &QTimer::timeout, this, [this] {
+        if (!hasKeyboard()) {
+            performClose(); // by no press
         }
     });
 }
@@ -160,14 +168,14 @@ void Popover::loseKeyboard() {
     if (hangs_) {
         // It may lose it by changing its size, too.
         if (!underMouse()) {
-            keyboardWait_.start(keyboardDelay);
+            keyboardReturn_.start();
         }
         return;
     }
     const QPoint pointer = QCursor::pos();
     // Native windows know of the pointer only where it was over one of them last.
     if (hasNativeWindows() || geometry().contains(pointer)) {
-        keyboardWait_.start(keyboardDelay);
+        keyboardReturn_.start();
     } else if (!isOnTheWay(pointer, item_, geometry())) {
         dismiss();
     }
@@ -175,7 +183,7 @@ void Popover::loseKeyboard() {
 
 void Popover::awaitUse() {
     if (hangs_) {
-        keyboardWait_.start(disuse);
+        disuse_.start();
     }
 }
 
@@ -200,9 +208,7 @@ bool Popover::event(QEvent* event) {
 
 void Popover::enterEvent(QEnterEvent* event) {
     QWidget::enterEvent(event);
-    if (hangs_) {
-        keyboardWait_.stop();
-    }
+    disuse_.stop();
 }
 
 void Popover::leaveEvent(QEvent* event) {
@@ -232,7 +238,8 @@ void Popover::showEvent(QShowEvent* event) {
 
 void Popover::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
-    keyboardWait_.stop(); // or it ends the next opening
+    keyboardReturn_.stop();
+    disuse_.stop();
     watchPresses();
 }
 

@@ -70,7 +70,9 @@ private:
     bool isItemKnown_ = false;
     bool hangs_ = false;
     QMetaObject::Connection screenChanges_;
-    QTimer keyboardWait_; // at whose end it closes unless it has the keyboard
+    // At whose end it closes unless it has the keyboard.
+    QTimer keyboardReturn_;
+    QTimer disuse_;
     std::optional<EventMonitors::Token> presses_;
     std::optional<Dismissal> dismissal_;
 };
