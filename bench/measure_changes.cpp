@@ -71,7 +71,7 @@ private:
 // Drags a slider whose value shows: the disc grows and shrinks around its centre.
 class Slider {
 public:
-    explicit Slider(AppState& state) : state_(state) {
+    Slider(AppState& state, double smallest) : state_(state), smallest_(smallest) {
         timer_.setTimerType(Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { change(); });
         timer_.start(1ms);
@@ -84,12 +84,13 @@ private:
         const auto due = (Clock::now() - begin_) * changesPerSecond / 1s;
         for (; changes_ < due; ++changes_) {
             state_.changePreferences([this](AppPreferences& preferences) {
-                preferences.highlight.diameter = 64 + changes_ % 50;
+                preferences.highlight.diameter = smallest_ + changes_ % 50;
             });
         }
     }
 
     AppState& state_;
+    double smallest_; // points
     QTimer timer_;
     Clock::time_point begin_ = Clock::now();
     int changes_ = 0;
@@ -119,14 +120,14 @@ struct Drag {
     int savesInAll = 0;
 };
 
-Drag drag(BenchDesktop& desktop, double seconds) {
+Drag drag(BenchDesktop& desktop, double seconds, double smallest) {
     desktop.input.moveTo(restingPlace);
     CoreProgram program(desktop);
     awaitMark(desktop);
     Replacements saves(storedDocument(desktop));
     Drag result;
     {
-        const Slider slider(program.state());
+        const Slider slider(program.state(), smallest);
         result.latencies = latenciesDuringEvents(desktop, seconds);
         result.changes = slider.changes();
     }
@@ -190,7 +191,9 @@ Report measureSlider(const Contenders&, const Effort& effort) {
     const Comparison comparison = inTurns(
         std::max(1, effort.turns / 3),
         [&] {
-            drags.push_back(drag(desktop, seconds));
+            // What the one before has left there would not be saved again.
+            const double smallest = 64 + static_cast<double>(drags.size()) / 100;
+            drags.push_back(drag(desktop, seconds, smallest));
             return drags.back().latencies;
         },
         [&] { return latenciesAtRest(desktop, seconds); });
