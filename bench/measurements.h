@@ -12,7 +12,7 @@ struct Effort {
     int shellTurns = 9; // of GNOME Shell, which takes its time
     int motionsInTurn = 25;
     double secondsInTurn = 1;
-    int starts = 30;
+    int starts = 90;
     int windowStarts = 8; // after each of which a window is opened
     int openings = 2;     // and again
     int reopenings = 25;
