@@ -7,8 +7,8 @@
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
+#include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
-#include <QDBusVirtualObject>
 
 #include <algorithm>
 #include <array>
@@ -25,6 +25,16 @@ namespace {
 using namespace std::chrono_literals;
 
 const auto kwinService = QStringLiteral("org.kde.KWin");
+const auto loginPath = QStringLiteral("/org/freedesktop/login1");
+
+// By which KWin knows its session, and no more of it than that has to be.
+struct LoginManager final : QDBusVirtualObject {
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        const QDBusObjectPath session(message.path());
+        return connection.send(message.createReply(QVariant::fromValue(session)));
+    }
+};
 
 // What KWin writes on a pipe, meanwhile.
 class PipeReader {
@@ -99,6 +109,22 @@ KWinSession::KWinSession(const Options& options)
             {pixels(options.size.width) * options.outputs, pixels(options.size.height)}));
     }
     start();
+    if (options.locks) {
+        loginManager_ = std::make_unique<LoginManager>();
+        bus_.registerVirtualObject(loginPath, loginManager_.get());
+        bus_.registerService(QStringLiteral("org.freedesktop.login1"));
+    }
+}
+
+void KWinSession::lock() const {
+    const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
+    bus_.send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"), service,
+                                             QStringLiteral("Lock")));
+}
+
+void KWinSession::unlock() const {
+    bus_.send(QDBusMessage::createSignal(
+        loginPath, QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("Unlock")));
 }
 
 KWinSession::~KWinSession() {

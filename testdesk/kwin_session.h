@@ -7,12 +7,14 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QImage>
 #include <QString>
 #include <QVariant>
 
 #include <nlohmann/json.hpp>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -59,6 +61,9 @@ public:
     // One pixel of that, without the pointer, where the scale is 1: sooner.
     [[nodiscard]] QRgb pixel(QPoint place) const;
     void click(int button) const;
+    // With a lock screen. What they do is seen a little later.
+    void lock() const;
+    void unlock() const;
     // Kills KWin, which the session then starts anew.
     void restart();
     // KWin lives on, and can be asked nothing.
@@ -84,6 +89,7 @@ private:
     std::optional<ChildProcess> kwin_;
     std::optional<KWinClient> client_;
     QDBusConnection bus_;
+    std::unique_ptr<QDBusVirtualObject> loginManager_;
 };
 
 } // namespace vantrel::desktop

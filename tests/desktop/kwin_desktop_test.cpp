@@ -11,9 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDBusObjectPath>
-#include <QDBusVirtualObject>
-
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -107,15 +104,6 @@ struct Script {
     }
 
     KWinScript marks;
-};
-
-// By which KWin knows its session, and no more of it than that has to be.
-struct LoginManager final : QDBusVirtualObject {
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        const QDBusObjectPath session(message.path());
-        return connection.send(message.createReply(QVariant::fromValue(session)));
-    }
 };
 
 class KWinLookTest : public testing::TestWithParam<double> {};
@@ -249,26 +237,18 @@ TEST(KWinTest, HidesAtRestAndCrossesDisplays) {
 TEST(KWinTest, HidesWhileTheScreenIsLocked) {
     const CoreApplication application;
     Session session({.locks = true});
-    LoginManager login;
-    auto bus = session.bus();
-    const auto path = QStringLiteral("/org/freedesktop/login1");
-    bus.registerVirtualObject(path, &login);
-    EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.login1")));
     Script script(session);
     const auto effect = effectOf(CursorMode::highlight, strongly());
     script.marks.show(effect);
     session.expectMark(effect, 1, "at first");
-    const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
-    bus.send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"), service,
-                                            QStringLiteral("Lock")));
+    session.lock();
     const auto isMarked = [&] {
         return differences(session.picture(), session.center(), effect, 1).areSlight();
     };
     EXPECT_TRUE(comes([&] { return !isMarked(); }));
     session.moveTo(310, 300);
     EXPECT_FALSE(isMarked());
-    bus.send(QDBusMessage::createSignal(path, QStringLiteral("org.freedesktop.login1.Session"),
-                                        QStringLiteral("Unlock")));
+    session.unlock();
     session.expectMark(effect, 1, "unlocked");
 }
 
