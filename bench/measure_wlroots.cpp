@@ -106,12 +106,13 @@ Report measureSway(const Contenders& contenders, const Effort& effort) {
     SwayBench sway;
     Comparison latency;
     std::array<Comparison, 2> cost;
-    for (int turn = 0; turn < (effort.turns + 1) / 2; ++turn) {
+    for (int turn = 0; turn < (effort.turns + 1) * 2 / 3; ++turn) {
         for (const bool isProgram : {true, false}) {
             const auto side = isProgram ? &Comparison::program : &Comparison::floor;
             const auto process = sway.start(isProgram ? contenders.program.command : follower);
             (latency.*side).push_back(sway.latencies(effort.motionsInTurn));
-            const auto costs = sway.costs(process.pid(), effort.secondsInTurn);
+            // It is little: sixty frames a second, all of them cold.
+            const auto costs = sway.costs(process.pid(), 2 * effort.secondsInTurn);
             for (std::size_t i = 0; i < cost.size(); ++i) {
                 (cost.at(i).*side).push_back({costs.at(i)});
             }

@@ -1,5 +1,6 @@
 #include "platform/frame_timer.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 
@@ -9,17 +10,19 @@
 namespace vantrel {
 
 FrameTimer::FrameTimer(double rate, std::function<void()> target)
-    : period_(std::lround(1e9 / rate)),
-      descriptor_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
-      notifier_(descriptor_, QSocketNotifier::Read) {
-    QObject::connect(&notifier_, &QSocketNotifier::activated,
-                     [descriptor = descriptor_, target = std::move(target)] {
-                         std::uint64_t expirations = 0;
-                         if (read(descriptor, &expirations, sizeof expirations) > 0) {
-                             target();
-                         }
-                     });
-    start(period_);
+    : descriptor_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
+      target_(std::move(target)),
+      notifier_(descriptor_, QSocketNotifier::Read),
+      wait_(descriptor_, [this] {
+          call();
+          return true;
+      }) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, [this] { call(); });
+    const std::chrono::nanoseconds period(std::lround(1e9 / rate));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(period);
+    const timespec every{seconds.count(), (period - seconds).count()};
+    const itimerspec spec{every, every};
+    timerfd_settime(descriptor_, 0, &spec, nullptr);
 }
 
 FrameTimer::~FrameTimer() {
@@ -27,17 +30,11 @@ FrameTimer::~FrameTimer() {
     close(descriptor_);
 }
 
-void FrameTimer::putOff() const {
-    start(period_ + period_ / 2);
-}
-
-void FrameTimer::start(Nanoseconds first) const {
-    const auto toTimespec = [](Nanoseconds time) {
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-        return timespec{seconds.count(), (time - seconds).count()};
-    };
-    const itimerspec spec{toTimespec(period_), toTimespec(first)};
-    timerfd_settime(descriptor_, 0, &spec, nullptr);
+void FrameTimer::call() const {
+    std::uint64_t expirations = 0;
+    if (read(descriptor_, &expirations, sizeof expirations) > 0) {
+        target_();
+    }
 }
 
 } // namespace vantrel

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "platform/loop_wait.h"
+
 #include <QSocketNotifier>
 
-#include <chrono>
 #include <functional>
 
 namespace vantrel {
 
 // Calls its target at an even rate, finer than whole milliseconds. Calls that were missed are made
-// up for by one.
+// up for by one. The target must not run an event loop, nor end the timer.
 class FrameTimer {
 public:
     // In calls for each second, above zero.
@@ -17,17 +18,13 @@ public:
     FrameTimer(const FrameTimer&) = delete;
     FrameTimer& operator=(const FrameTimer&) = delete;
 
-    // Has the next call come one and a half times as late from now as it would after another.
-    void putOff() const;
-
 private:
-    using Nanoseconds = std::chrono::duration<long, std::nano>;
+    void call() const;
 
-    void start(Nanoseconds first) const;
-
-    Nanoseconds period_;
     int descriptor_;
+    std::function<void()> target_;
     QSocketNotifier notifier_;
+    LoopWait wait_;
 };
 
 } // namespace vantrel

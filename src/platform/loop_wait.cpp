@@ -3,12 +3,15 @@
 #include <QAbstractEventDispatcher>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <span>
 #include <utility>
 #include <vector>
 
 #include <glib.h>
+#include <sys/epoll.h>
+#include <unistd.h>
 
 namespace vantrel {
 
@@ -24,35 +27,74 @@ constexpr milliseconds longestStay(500);
 std::vector<LoopWait*> waiting;
 GPollFunc formerWait = nullptr;
 
-// Null unless one of their descriptors has something to say, and no other.
-LoopWait* onlyReady(std::span<const GPollFD> descriptors) {
-    const auto ready = std::ranges::find_if(
-        descriptors, [](const GPollFD& descriptor) { return descriptor.revents != 0; });
-    if (ready == descriptors.end() || ready->revents != G_IO_IN) {
-        return nullptr;
+// Whether what that has to say was handled, with nothing left to the loop.
+bool handle(GPollFD& ready) {
+    const auto found = std::ranges::find(waiting, ready.fd, &LoopWait::descriptor);
+    const bool handled = ready.revents == G_IO_IN && found != waiting.end() && (*found)->handle();
+    if (handled) {
+        ready.revents = 0;
     }
-    const auto found = std::ranges::find(waiting, ready->fd, &LoopWait::descriptor);
-    return found == waiting.end() ? nullptr : *found;
+    return handled;
 }
+
+// Descriptors that are waited for again and again. poll() has the kernel go through all of them
+// each time, which takes longer than following a motion.
+class Watch {
+public:
+    explicit Watch(std::span<GPollFD> descriptors) : epoll_(epoll_create1(EPOLL_CLOEXEC)) {
+        for (auto& descriptor : descriptors) {
+            epoll_event event{.events = descriptor.events, .data = {.ptr = &descriptor}};
+            watchesAll_ =
+                epoll_ctl(epoll_, EPOLL_CTL_ADD, descriptor.fd, &event) == 0 && watchesAll_;
+        }
+    }
+    ~Watch() { close(epoll_); }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    // The only one that has something to say in that time. Null when that is none, or several, or
+    // cannot be told.
+    [[nodiscard]] GPollFD* onlyReady(milliseconds limit) const {
+        std::array<epoll_event, 2> ready{};
+        if (!watchesAll_ || epoll_wait(epoll_, ready.data(), static_cast<int>(ready.size()),
+                                       static_cast<int>(limit.count())) != 1) {
+            return nullptr;
+        }
+        auto* descriptor = static_cast<GPollFD*>(ready[0].data.ptr);
+        descriptor->revents = static_cast<gushort>(ready[0].events);
+        return descriptor;
+    }
+
+private:
+    int epoll_;
+    bool watchesAll_ = true;
+};
 
 // In place of the loop's poll().
 int wait(GPollFD* descriptors, guint count, int timeout) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
-    const auto longest = timeout < 0 ? longestStay : std::min(longestStay, milliseconds(timeout));
-    int left = timeout;
-    while (true) {
-        const int ready = formerWait(descriptors, count, left);
-        const auto* one = ready == 1 ? onlyReady({descriptors, count}) : nullptr;
-        if (one == nullptr || !one->handle()) {
-            return ready;
-        }
-        const auto passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-        left = static_cast<int>((longest - passed).count());
-        if (left <= 0) {
-            return ready;
-        }
+    const std::span all(descriptors, count);
+    const int ready = formerWait(descriptors, count, timeout);
+    if (ready != 1 || !handle(*std::ranges::find_if(all, [](const GPollFD& descriptor) {
+            return descriptor.revents != 0;
+        }))) {
+        return ready;
     }
+    const Watch watch(all);
+    const auto longest = timeout < 0 ? longestStay : std::min(longestStay, milliseconds(timeout));
+    auto passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+    while (passed < longest) {
+        auto* one = watch.onlyReady(longest - passed);
+        if (one == nullptr) {
+            break;
+        }
+        if (!handle(*one)) {
+            return 1;
+        }
+        passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+    }
+    return formerWait(descriptors, count, 0);
 }
 
 } // namespace

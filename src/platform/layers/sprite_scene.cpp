@@ -29,6 +29,11 @@ int roundedPixel(double value) {
     return static_cast<int>(std::lround(std::clamp(value, -farAway, farAway)));
 }
 
+// Whether pixels from a first one on are some of a display's.
+bool meets(int first, int count, int display) {
+    return first < display && first + count > 0 && count > 0;
+}
+
 const ShapeLayer* animatedShape(const Layer& layer) {
     const auto* shape = dynamic_cast<const ShapeLayer*>(&layer);
     return shape != nullptr && shape->animation() ? shape : nullptr;
@@ -85,17 +90,18 @@ void SpriteScene::removeUnseen(SpriteSink& sink) {
 
 void SpriteScene::updateSprite(Sprite& sprite, const Layer& layer, double mediaTime,
                                SpriteSink& sink) {
-    const auto* ring = animatedShape(layer);
     if (sprite.revision != layer.revision()) {
         sprite.revision = layer.revision();
+        sprite.ring = animatedShape(layer);
         sprite.rendered = false;
         sprite.box =
-            boxOf(layer, ring != nullptr ? layer.bounds() : paintedBounds(layer, mediaTime));
+            boxOf(layer, sprite.ring != nullptr ? layer.bounds() : paintedBounds(layer, mediaTime));
     }
+    const auto* ring = sprite.ring;
     const QPoint topLeft = pixelOf(layer.position()) + sprite.box.topLeft();
-    const QRect shown(topLeft, sprite.box.size());
     const bool over = ring != nullptr && !ring->isAnimatingAt(mediaTime);
-    if (layer.hidden() || over || !shown.intersects(QRect({0, 0}, display_))) {
+    if (layer.hidden() || over || !meets(topLeft.x(), sprite.box.width(), display_.width()) ||
+        !meets(topLeft.y(), sprite.box.height(), display_.height())) {
         hide(sprite, sink);
         return;
     }

@@ -59,7 +59,8 @@ private:
     struct Sprite {
         SpriteId id = 0;
         std::uint64_t revision = 0; // of the layer when it was measured; 0 before the first time
-        QRect box;                  // of the picture, relative to the layer's position
+        const ShapeLayer* ring = nullptr; // the layer, if it is animated
+        QRect box;                        // of the picture, relative to the layer's position
         bool rendered = false;
         std::optional<QPoint> placed; // where it shows now, if it does
         double drawnAt = 0;           // media time, for animated ones

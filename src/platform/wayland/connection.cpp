@@ -113,9 +113,9 @@ bool Connection::dispatchFrames() {
     if (wl_display_prepare_read(display_) != 0) {
         return false;
     }
-    wl_display_read_events(display_); // which does not wait
-    wl_display_dispatch_queue_pending(display_, frames_);
-    if (wl_display_get_error(display_) != 0) {
+    // Which does not wait.
+    if (wl_display_read_events(display_) < 0 ||
+        wl_display_dispatch_queue_pending(display_, frames_) < 0) {
         return false;
     }
     finishBatch();

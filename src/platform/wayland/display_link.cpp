@@ -2,20 +2,21 @@
 
 #include "platform/frame_timer.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace vantrel::wayland {
 
 namespace {
 
+// Calls for each second while nothing is drawn, at most. What waits for these is the hiding at
+// rest.
+constexpr double restRate = 10;
+
 class WaylandDisplayLink final : public DisplayLink {
 public:
     WaylandDisplayLink(WaylandOverlayWindows& windows, std::uint32_t screen, double rate,
                        const std::function<void()>& target)
-        : timer_(rate, target), frames_(windows.onFrame(screen, [this, target] {
-              timer_.putOff();
-              target();
-          })) {}
+        : timer_(std::min(rate, restRate), target), frames_(windows.onFrame(screen, target)) {}
 
 private:
     FrameTimer timer_;

@@ -5,8 +5,8 @@
 
 namespace vantrel::wayland {
 
-// With each frame of the display that shows something new, as the compositor tells; at its rate
-// while there is none. To hear of other frames one would have to ask for them.
+// With each frame of the display that shows something new, as the compositor tells, and a few times
+// a second besides. To hear of other frames one would have to ask for them, and have them painted.
 class WaylandDisplayLinks final : public DisplayLinks {
 public:
     explicit WaylandDisplayLinks(WaylandOverlayWindows& windows) : windows_(windows) {}
