@@ -76,18 +76,11 @@ public:
         }
     }
     [[nodiscard]] desktop::ChildProcess startProgram() const {
-        await([&] { return !isLoaded(); }, "the script of the last one is there");
+        await([&] { return !hearsPresses(); }, "the script of the last one is there");
         auto process = start({program_});
-        await([&] { return isLoaded(); }, "the script is not there");
+        await([&] { return hearsPresses(); }, "the script is not there");
         command("off"); // whatever was stored by another one
         return process;
-    }
-    [[nodiscard]] bool isLoaded() const {
-        return call(QStringLiteral("org.kde.KWin"), QStringLiteral("/Effects"),
-                    "org.kde.kwin.Effects", "isEffectLoaded", {QStringLiteral("vantrel-presses")})
-            .arguments()
-            .at(0)
-            .toBool();
     }
     [[nodiscard]] bool isMarked() const { return qRed(pixel({642, 360})) > 50; }
 
@@ -199,7 +192,7 @@ Check timeToMark(const KWinBench& kwin) {
 Check timeFromStart(const KWinBench& kwin) {
     Samples samples;
     for (int i = 0; i < 10; ++i) {
-        await([&] { return !kwin.isMarked() && !kwin.isLoaded(); }, "something stays");
+        await([&] { return !kwin.isMarked() && !kwin.hearsPresses(); }, "something stays");
         kwin.prefer("highlight");
         const auto begin = Clock::now();
         const auto program = kwin.start({kwin.program()});
@@ -217,7 +210,7 @@ Check timeToNothing(const KWinBench& kwin) {
         await([&] { return kwin.isMarked(); }, "no mark");
         const auto begin = Clock::now();
         program.signal(SIGKILL);
-        await([&] { return !kwin.isMarked() && !kwin.isLoaded(); }, "something stays");
+        await([&] { return !kwin.isMarked() && !kwin.hearsPresses(); }, "something stays");
         samples.push_back(Milliseconds(Clock::now() - begin).count());
     }
     return withinMilliseconds("KWin, from the end of a killed program to nothing left", samples,

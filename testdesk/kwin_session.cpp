@@ -116,6 +116,22 @@ KWinSession::KWinSession(const Options& options)
     }
 }
 
+bool KWinSession::hasScript() const {
+    return call(kwinService, QStringLiteral("/Scripting"), "org.kde.kwin.Scripting",
+                "isScriptLoaded", {QStringLiteral("vantrel")})
+        .arguments()
+        .at(0)
+        .toBool();
+}
+
+bool KWinSession::hearsPresses() const {
+    return call(kwinService, QStringLiteral("/Effects"), "org.kde.kwin.Effects", "isEffectLoaded",
+                {QStringLiteral("vantrel-presses")})
+        .arguments()
+        .at(0)
+        .toBool();
+}
+
 void KWinSession::lock() const {
     const auto service = QStringLiteral("org.freedesktop.ScreenSaver");
     bus_.send(QDBusMessage::createMethodCall(service, QStringLiteral("/ScreenSaver"), service,

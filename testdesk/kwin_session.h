@@ -52,6 +52,11 @@ public:
     // Plasma's, such as 5.
     [[nodiscard]] int version() const { return version_; }
 
+    // What it has of the program: its script, and the effect that hears of presses.
+    [[nodiscard]] bool hasScript() const;
+    [[nodiscard]] bool hearsPresses() const;
+    [[nodiscard]] bool hasNothing() const { return !hasScript() && !hearsPresses(); }
+
     // The value of an expression in a script of KWin's.
     [[nodiscard]] nlohmann::json evaluate(const std::string& expression) const;
     // What all displays show, in their scale. KWin on an X server never shows the pointer.
