@@ -81,6 +81,13 @@ Row summarize(std::string name, std::string unit, const Comparison& comparison,
             .highestRatio = *highest};
 }
 
+Check withinMilliseconds(std::string name, const Samples& samples, double most) {
+    std::ostringstream text;
+    text << std::setprecision(3) << median(samples) << " ms, at most " << quantile(samples, 1)
+         << " ms";
+    return {.name = std::move(name), .met = median(samples) <= most, .found = text.str()};
+}
+
 void Report::append(const Report& other) {
     rows.insert(rows.end(), other.rows.begin(), other.rows.end());
     checks.insert(checks.end(), other.checks.begin(), other.checks.end());

@@ -51,6 +51,9 @@ struct Check {
     std::string found;
 };
 
+// That the median is at most that.
+[[nodiscard]] Check withinMilliseconds(std::string name, const Samples& samples, double most);
+
 struct Report {
     std::vector<Row> rows;
     std::vector<Check> checks;

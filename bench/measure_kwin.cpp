@@ -168,13 +168,6 @@ Check misplacedFrames(const KWinBench& kwin, double seconds) {
             .found = text.str()};
 }
 
-Check withinMilliseconds(std::string name, const Samples& samples, double most) {
-    std::ostringstream text;
-    text << std::setprecision(3) << median(samples) << " ms, at most " << quantile(samples, 1)
-         << " ms";
-    return {.name = std::move(name), .met = median(samples) <= most, .found = text.str()};
-}
-
 Check timeToMark(const KWinBench& kwin) {
     Samples samples;
     for (int i = 0; i < 20; ++i) {
