@@ -4,6 +4,7 @@
 #include "platform/gnome/shell_report.h"
 #include "testdesk/gnome_session.h"
 #include "testdesk/kwin_session.h"
+#include "testdesk/private_bus.h"
 #include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
@@ -26,9 +27,7 @@ public:
     DayInSession(const typename Session::Options& options, std::string program)
         : session_(options), program_(std::move(program)) {}
 
-    [[nodiscard]] std::string systemBus() const override {
-        return environment().at("DBUS_SYSTEM_BUS_ADDRESS");
-    }
+    [[nodiscard]] std::string systemBus() const override { return systemBus_.address(); }
 
     void click(bool right) override { session_.click(right ? BTN_RIGHT : BTN_LEFT); }
     void cover(bool covered) override {
@@ -90,8 +89,7 @@ protected:
     }
     [[nodiscard]] desktop::Environment environment() const {
         auto environment = session_.environment();
-        environment.try_emplace("DBUS_SYSTEM_BUS_ADDRESS",
-                                environment.at("DBUS_SESSION_BUS_ADDRESS"));
+        environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus_.address();
         return environment;
     }
     void await(const std::function<bool()>& condition, const std::string& what) const {
@@ -113,6 +111,8 @@ private:
         return run({command}).wait(10s) == desktop::ExitStatus{.code = 0};
     }
 
+    // On which the day says that the machine sleeps; the session may have one of its own.
+    desktop::PrivateBus systemBus_{session_.folder() / "system-bus"};
     std::string program_;
     std::optional<desktop::ChildProcess> process_;
     std::optional<desktop::NativeWindow> other_;
@@ -209,7 +209,10 @@ private:
 class DayInKWin final : public DayInSession<desktop::KWinSession> {
 public:
     explicit DayInKWin(const Contenders& contenders)
-        : DayInSession({.outputs = 2, .xwayland = true, .dataFolder = contenders.dataFolder()},
+        : DayInSession({.outputs = 2,
+                        .xwayland = true,
+                        .locks = true,
+                        .dataFolder = contenders.dataFolder()},
                        contenders.program.command.front()) {
         start();
         useDisplays(1);
@@ -224,7 +227,18 @@ public:
             step % 100 == 0 ? &desktop::KWinClient::moveTo : &desktop::KWinClient::sendTo;
         (session_.client().*send)(640 + x, 360 + y);
     }
-    void lock(bool /*locked*/) override {}
+    void lock(bool locked) override {
+        locked ? session_.lock() : session_.unlock();
+        const auto saver = QStringLiteral("org.freedesktop.ScreenSaver");
+        await(
+            [&] {
+                return session_
+                           .call(saver, QStringLiteral("/ScreenSaver"),
+                                 "org.freedesktop.ScreenSaver", "GetActive")
+                           .arguments() == QVariantList{locked};
+            },
+            locked ? "see the screen locked" : "see it unlocked");
+    }
     void useDisplays(int count) override { session_.client().enableOutput(1, count == 2); }
     void rest() override { session_.client().moveTo(640, 360); }
 

@@ -83,7 +83,7 @@ struct Effort {
 // A day of use in a minute: what the program and the server hold at its end, what is left on the
 // screen, and what was written to standard error.
 [[nodiscard]] Report measureDay(const Contenders& contenders, const Effort& effort);
-// The same where the compositor draws the marks, and of what that holds too. KWin is not locked.
+// The same where the compositor draws the marks, and of what that holds too.
 [[nodiscard]] Report measureGnomeDay(const Contenders& contenders, const Effort& effort);
 [[nodiscard]] Report measureKWinDay(const Contenders& contenders, const Effort& effort);
 

@@ -9,6 +9,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
+#include <QThread>
 
 #include <algorithm>
 #include <array>
@@ -27,13 +28,29 @@ using namespace std::chrono_literals;
 const auto kwinService = QStringLiteral("org.kde.KWin");
 const auto loginPath = QStringLiteral("/org/freedesktop/login1");
 
-// By which KWin knows its session, and no more of it than that has to be.
-struct LoginManager final : QDBusVirtualObject {
+// By which KWin knows its session, and no more of it than that has to be. KWin waits for its
+// answers, so they come also while somebody waits for KWin.
+class LoginManager final : public QDBusVirtualObject {
+public:
+    LoginManager() {
+        moveToThread(&thread_);
+        thread_.start();
+    }
+    ~LoginManager() override {
+        thread_.quit();
+        thread_.wait();
+    }
+    LoginManager(const LoginManager&) = delete;
+    LoginManager& operator=(const LoginManager&) = delete;
+
     [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         const QDBusObjectPath session(message.path());
         return connection.send(message.createReply(QVariant::fromValue(session)));
     }
+
+private:
+    QThread thread_;
 };
 
 // What KWin writes on a pipe, meanwhile.
