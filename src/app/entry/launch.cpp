@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QLibraryInfo>
+#include <QLoggingCategory>
 
 #include <algorithm>
 #include <atomic>
@@ -107,6 +108,8 @@ void prepareToolkit(const char* platform) {
     }
     // Whatever the session prefers.
     qputenv("QT_QPA_PLATFORM", platform);
+    // It complains whenever a window with the keyboard goes, as a compositor cannot name that then.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.wayland.textinput.warning=false"));
     QApplication::setApplicationName(QStringLiteral("vantrel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
