@@ -19,8 +19,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// What is begun meanwhile, such as a timer, comes into effect with the next turn of Qt's loop,
-// which is no later than after that.
+// What is begun by what is handled, such as a timer, comes into effect with the next turn of Qt's
+// loop, which is no later than after that.
 constexpr milliseconds longestStay(500);
 
 // There is one loop.
@@ -73,7 +73,7 @@ private:
 // In place of the loop's poll().
 int wait(GPollFD* descriptors, guint count, int timeout) {
     using Clock = std::chrono::steady_clock;
-    const auto start = Clock::now();
+    const auto begun = Clock::now();
     const std::span all(descriptors, count);
     const int ready = formerWait(descriptors, count, timeout);
     if (ready != 1 || !handle(*std::ranges::find_if(all, [](const GPollFD& descriptor) {
@@ -82,17 +82,20 @@ int wait(GPollFD* descriptors, guint count, int timeout) {
         return ready;
     }
     const Watch watch(all);
-    const auto longest = timeout < 0 ? longestStay : std::min(longestStay, milliseconds(timeout));
-    auto passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-    while (passed < longest) {
-        auto* one = watch.onlyReady(longest - passed);
+    auto now = Clock::now();
+    auto end = now + longestStay;
+    if (timeout >= 0) {
+        end = std::min(end, begun + milliseconds(timeout));
+    }
+    while (now < end) {
+        auto* one = watch.onlyReady(std::chrono::ceil<milliseconds>(end - now));
         if (one == nullptr) {
             break;
         }
         if (!handle(*one)) {
             return 1;
         }
-        passed = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+        now = Clock::now();
     }
     return formerWait(descriptors, count, 0);
 }
