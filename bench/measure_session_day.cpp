@@ -31,9 +31,21 @@ public:
 
     void click(bool right) override { session_.click(right ? BTN_RIGHT : BTN_LEFT); }
     void cover(bool covered) override {
-        other_.reset();
+        // The desktop has a menu at right clicks, so none may come to it.
         if (covered) {
             other_.emplace(session_.startFullScreenWindow());
+            await(
+                [&] {
+                    session_.click(BTN_LEFT);
+                    return other_->count("press") > 0;
+                },
+                "let a window have its clicks");
+        } else {
+            for (std::ptrdiff_t clicks = -1; clicks != other_->count("press");) {
+                clicks = other_->count("press");
+                std::this_thread::sleep_for(300ms);
+            }
+            other_.reset();
         }
     }
     void setMode(const std::string& mode) override {
