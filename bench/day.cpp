@@ -22,7 +22,7 @@ constexpr int sleeps = 20 / parts;
 // At most.
 constexpr double motionsPerSecond = 8000; // of the fastest mice
 constexpr double clicksPerSecond = 1000;
-constexpr double modeChangesPerSecond = 100;
+constexpr double modeChangesPerSecond = 200;
 
 // Tells of sleep, and holds nothing up.
 class LoginManager {

@@ -43,7 +43,7 @@ public:
         } else {
             for (std::ptrdiff_t clicks = -1; clicks != other_->count("press");) {
                 clicks = other_->count("press");
-                std::this_thread::sleep_for(300ms);
+                std::this_thread::sleep_for(100ms);
             }
             other_.reset();
         }

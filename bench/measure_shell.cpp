@@ -223,7 +223,7 @@ Report measureShell(const Contenders& contenders, const Effort& effort) {
     std::vector<Check> checks;
     {
         const MarkTimes times(shell, program);
-        checks = {times.fromCommand(effort.commands / 5), times.fromStart(effort.commands / 10)};
+        checks = {times.fromCommand(effort.commands / 8), times.fromStart(effort.commands / 12)};
     }
     AppPreferences preferences;
     preferences.laser.glow = GlowStrength::high;
