@@ -21,7 +21,7 @@ constexpr int locks = 20 / parts;
 constexpr int sleeps = 20 / parts;
 // At most.
 constexpr double motionsPerSecond = 8000; // of the fastest mice
-constexpr double clicksPerSecond = 1000;
+constexpr double clicksPerSecond = 2000;
 constexpr double modeChangesPerSecond = 200;
 
 // Tells of sleep, and holds nothing up.
