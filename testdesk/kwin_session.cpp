@@ -134,16 +134,17 @@ KWinSession::KWinSession(const Options& options)
 }
 
 bool KWinSession::hasScript() const {
-    return call(kwinService, QStringLiteral("/Scripting"), "org.kde.kwin.Scripting",
-                "isScriptLoaded", {QStringLiteral("vantrel")})
-        .arguments()
-        .at(0)
-        .toBool();
+    return isLoaded("/Scripting", "org.kde.kwin.Scripting", "isScriptLoaded", "vantrel");
 }
 
 bool KWinSession::hearsPresses() const {
-    return call(kwinService, QStringLiteral("/Effects"), "org.kde.kwin.Effects", "isEffectLoaded",
-                {QStringLiteral("vantrel-presses")})
+    return isLoaded("/Effects", "org.kde.kwin.Effects", "isEffectLoaded", "vantrel-presses");
+}
+
+bool KWinSession::isLoaded(const char* path, const char* interface, const char* method,
+                           const char* name) const {
+    return call(kwinService, QString::fromLatin1(path), interface, method,
+                {QString::fromLatin1(name)})
         .arguments()
         .at(0)
         .toBool();

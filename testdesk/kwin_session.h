@@ -79,6 +79,8 @@ public:
                       const char* method, const QVariantList& arguments = {}) const;
 
 private:
+    [[nodiscard]] bool isLoaded(const char* path, const char* interface, const char* method,
+                                const char* name) const;
     [[nodiscard]] QImage capture(const char* method, const QVariantList& area,
                                  bool withPointer) const;
     void start();

@@ -19,6 +19,7 @@ Command commandFor(Environment environment, const std::filesystem::path& folder)
         const window = new Gtk.Window();
         const clicks = new Gtk.GestureClick({button: 0});
         clicks.connect('pressed', () => print('press'));
+        clicks.connect('released', () => print('release'));
         window.add_controller(clicks);
         const motions = new Gtk.EventControllerMotion();
         motions.connect('enter', () => print('enter'));

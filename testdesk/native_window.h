@@ -17,8 +17,8 @@ public:
     NativeWindow(Environment environment, const std::filesystem::path& folder,
                  const std::function<bool()>& isShown);
 
-    // Of "enter" of the pointer, "press" of a button and "key-30", with the key's code of Linux, as
-    // often as it has got them.
+    // Of "enter" of the pointer, "press" and "release" of a button and "key-30", with the key's
+    // code of Linux, as often as it has got them.
     [[nodiscard]] std::ptrdiff_t count(const std::string& what) const;
 
 private:

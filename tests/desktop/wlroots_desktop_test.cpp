@@ -223,15 +223,15 @@ TEST_P(WlrootsTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsCl
     // A white one.
     const auto blueAt = [&](QPoint place) { return qBlue(session.picture().pixel(place)); };
     const NativeWindow below(session.environment(), session.folder(), [&] {
-        return blueAt({790, 590}) > 200;
+        return blueAt({1270, 710}) > 200;
     });
     session.moveTo({400, 300});
-    const auto isMarked = [&] { return blueAt({385, 300}) < 200 && blueAt({790, 590}) > 200; };
+    const auto isMarked = [&] { return blueAt({385, 300}) < 200 && blueAt({1270, 710}) > 200; };
     EXPECT_TRUE(waitFor(isMarked));
     // labwc looks what lies below the pointer when that moves.
     session.moveTo({401, 300});
     session.click(BTN_LEFT);
-    EXPECT_TRUE(waitFor([&] { return below.count("press") == 1; }));
+    EXPECT_TRUE(waitFor([&] { return below.count("press") == 1 && below.count("release") == 1; }));
 
     program.command("off");
     EXPECT_TRUE(waitFor([&] { return blueAt({385, 300}) > 200; }));
