@@ -1,6 +1,8 @@
 #include "overlay/effect_drawing.h"
 
+#include "overlay/overlay_view.h"
 #include "platform/layers/painter.h"
+#include "platform/layers/ring_layer.h"
 
 #include <QPainter>
 #include <QRadialGradient>
@@ -72,12 +74,7 @@ void EffectDrawing::drawDiscs(QPainter& painter, QPointF center, const Effect& e
 void EffectDrawing::drawClick(QPainter& painter, const ClickAnimation& click, double now) {
     const auto ring = click.ring();
     const double progress = std::clamp((now - click.started) / ring.duration, 0.0, 1.0);
-    QColor color = ring.color;
-    color.setAlphaF(static_cast<float>(ring.opacityAt(progress)));
-    painter.fillPath(
-        ellipseLine(circleAround(QPointF(click.point.x, click.point.y), ring.diameterAt(progress)),
-                    ring.lineWidth),
-        color);
+    paintRing(painter, QPointF(click.point.x, click.point.y), ring, progress);
 }
 
 } // namespace vantrel

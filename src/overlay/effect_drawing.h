@@ -1,6 +1,5 @@
 #pragma once
 
-#include "overlay/click_animation.h"
 #include "overlay/effect.h"
 
 #include <QImage>
@@ -9,6 +8,8 @@
 class QPainter;
 
 namespace vantrel {
+
+struct ClickAnimation;
 
 // How effects are painted, on the overlays, in the previews and in tests. Stateless. Painters draw
 // smoothly and have their units in points; which way their y goes makes no difference.

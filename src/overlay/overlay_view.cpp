@@ -17,14 +17,6 @@ Rect centeredIn(double side, double diameter) {
     return {(side - diameter) / 2, (side - diameter) / 2, diameter, diameter};
 }
 
-ShapeAnimation clickAnimation(const ClickRing& ring, double begin) {
-    const auto stateAt = [&ring](double progress) {
-        return ShapeState{centeredIn(ClickAnimation::boxSide, ring.diameterAt(progress)),
-                          ring.opacityAt(progress)};
-    };
-    return {.from = stateAt(0), .to = stateAt(1), .beginTime = begin, .duration = ring.duration};
-}
-
 } // namespace
 
 OverlayView::OverlayView(const Rect& frame) {
@@ -64,7 +56,7 @@ void OverlayView::configure(CursorMode mode, const AppPreferences& preferences) 
 void OverlayView::show(Layer& layer, const Disc& disc, double side) {
     layer.setHidden(false);
     layer.setFrame(centeredIn(side, disc.diameter));
-    layer.setContents([disc](QPainter& painter, const QRectF& bounds) {
+    layer.setContents([disc](QPainter& painter, const QRectF& bounds, double /*mediaTime*/) {
         EffectDrawing::drawDisc(painter, bounds.center(), disc);
     });
 }
@@ -87,16 +79,10 @@ void OverlayView::updateClicks(std::span<const ClickAnimation> clicks, double no
 }
 
 void OverlayView::addClick(const ClickAnimation& click, double now, double mediaTime) {
-    const auto ring = click.ring();
-    const auto animation = clickAnimation(ring, mediaTime - std::max(0.0, now - click.started));
-    auto layer = std::make_unique<ShapeLayer>();
+    auto layer =
+        std::make_unique<RingLayer>(click.ring(), mediaTime - std::max(0.0, now - click.started));
     layer->setBounds(box(ClickAnimation::boxSide));
     layer->setPosition(toLocal(click.point, window_->frame().origin()));
-    layer->setStrokeColor(ring.color);
-    layer->setLineWidth(ring.lineWidth);
-    layer->setPath(animation.to.ellipse);
-    layer->setOpacity(animation.to.opacity);
-    layer->setAnimation(animation);
     rootLayer_.addSublayer(*layer);
     clickLayers_.emplace(click.id, std::move(layer));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "overlay/click_animation.h"
-#include "platform/layers/layer.h"
+#include "overlay/effect.h"
+#include "platform/layers/ring_layer.h"
 #include "platform/overlay.h"
 #include "preferences/preferences.h"
 
@@ -13,6 +13,26 @@
 #include <span>
 
 namespace vantrel {
+
+// One click effect that is playing.
+struct ClickAnimation {
+    QUuid id; // fresh for every click
+    GlobalPoint point;
+    double started = 0; // seconds of uptime
+    ClickStyle style = ClickStyle::ripple;
+    QColor color; // opaque
+
+    bool operator==(const ClickAnimation&) const = default;
+
+    [[nodiscard]] ClickRing ring() const { return clickRing(style, color); }
+    [[nodiscard]] double duration() const { return ring().duration; } // seconds
+    [[nodiscard]] bool isLive(double now) const { return now - started < duration(); }
+    // The square that it may draw in.
+    static constexpr double boxSide = 96;
+    [[nodiscard]] GlobalRect box() const {
+        return {point.x - boxSide / 2, point.y - boxSide / 2, boxSide, boxSide};
+    }
+};
 
 // What one overlay window shows: the highlight or the laser, built once for each change of settings
 // and then only moved, and above it the clicks that are playing.
@@ -55,7 +75,7 @@ private:
     Layer middleGlowLayer_;
     Layer innerRingLayer_;
     Layer shapeLayer_;
-    std::map<QUuid, std::unique_ptr<ShapeLayer>> clickLayers_;
+    std::map<QUuid, std::unique_ptr<RingLayer>> clickLayers_;
 };
 
 } // namespace vantrel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "overlay/click_animation.h"
 #include "overlay/overlay_view.h"
 #include "platform/desktop.h"
 #include "preferences/preferences.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/click_animation.h"
+#include "overlay/overlay_view.h"
 #include "platform/display.h"
 #include "platform/time.h"
 #include "preferences/preferences.h"

@@ -38,12 +38,6 @@ struct ClickRing {
     QColor color{};
 
     bool operator==(const ClickRing&) const = default;
-
-    // From a progress of 0 at the start to one of 1 at the end.
-    [[nodiscard]] double diameterAt(double progress) const {
-        return startDiameter + (endDiameter - startDiameter) * progress;
-    }
-    [[nodiscard]] double opacityAt(double progress) const { return startOpacity * (1 - progress); }
 };
 
 struct Effect {

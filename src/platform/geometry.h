@@ -55,10 +55,4 @@ constexpr Point toLocal(GlobalPoint point, GlobalPoint origin) {
     return {point.x - origin.x, point.y - origin.y};
 }
 
-// The square of the given side around a point.
-template <typename Space>
-constexpr BasicRect<Space> squareAround(BasicPoint<Space> center, double side) {
-    return {center.x - side / 2, center.y - side / 2, side, side};
-}
-
 } // namespace vantrel

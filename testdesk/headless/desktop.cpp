@@ -100,20 +100,20 @@ void OverlayWindow::flush(double mediaTime) {
     }
 }
 
-bool OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
-    ++counts.uploads;
-    sprites_[sprite].picture = picture.copy();
-    return !owner_.refusesUploads;
-}
-
-void OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {
-    ++counts.redraws;
+bool OverlayWindow::upload(SpriteId sprite, const QImage& picture, const QRect& changed) {
     auto& target = sprites_[sprite].picture;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
+    if (changed == picture.rect()) {
+        ++counts.uploads;
+        target = picture.copy();
+        return !owner_.refusesUploads;
+    }
+    ++counts.redraws;
+    for (int y = changed.top(); y <= changed.bottom(); ++y) {
         const auto* from = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
         auto* to = reinterpret_cast<QRgb*>(target.scanLine(y));
-        std::copy(from + area.left(), from + area.right() + 1, to + area.left());
+        std::copy(from + changed.left(), from + changed.right() + 1, to + changed.left());
     }
+    return !owner_.refusesUploads;
 }
 
 void OverlayWindow::place(SpriteId sprite, QPoint topLeft) {

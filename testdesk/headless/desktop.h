@@ -137,8 +137,7 @@ private:
         std::optional<QPoint> place;
     };
 
-    bool upload(SpriteId sprite, const QImage& picture) override;
-    void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
+    bool upload(SpriteId sprite, const QImage& picture, const QRect& changed) override;
     void place(SpriteId sprite, QPoint topLeft) override;
     void hide(SpriteId sprite) override;
     void remove(SpriteId sprite) override;

@@ -74,11 +74,9 @@ SessionMeans AppState::means() const {
 }
 
 bool AppState::wantsClicks() const {
-    const auto& preferences = preferences_.get();
-    const auto& click = preferences.click;
-    return mode_.get() == CursorMode::highlight &&
-           (preferences.highlight.idleHide ||
-            (click.style != ClickStyle::none && (click.left || click.right)));
+    const auto effect = effectOf(mode_.get(), preferences_.get());
+    return effect.hideAfter || effect.ringOf(MouseButton::left) ||
+           effect.ringOf(MouseButton::right);
 }
 
 void AppState::apply() {

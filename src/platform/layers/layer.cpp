@@ -1,7 +1,10 @@
 #include "platform/layers/layer.h"
 
+#include "platform/layers/painter.h"
+
+#include <QPainter>
+
 #include <algorithm>
-#include <cmath>
 
 namespace vantrel {
 
@@ -10,11 +13,6 @@ namespace {
 std::uint64_t nextId() {
     static std::uint64_t last = 0;
     return ++last;
-}
-
-Rect mixed(const Rect& from, const Rect& to, double progress) {
-    return {std::lerp(from.x, to.x, progress), std::lerp(from.y, to.y, progress),
-            std::lerp(from.width, to.width, progress), std::lerp(from.height, to.height, progress)};
 }
 
 } // namespace
@@ -67,12 +65,18 @@ void Layer::setContents(Contents contents) {
     changed();
 }
 
-void Layer::setOpacity(double opacity) {
-    assign(opacity_, opacity);
-}
-
 void Layer::setMasksToBounds(bool masks) {
     assign(masksToBounds_, masks);
+}
+
+QRect Layer::paintInto(QImage& picture, QPointF middle, double scale, double mediaTime) const {
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(middle);
+    painter.scale(scale, -scale);
+    painter.translate(-bounds_.width / 2, -bounds_.height / 2);
+    paintLayer(painter, *this, mediaTime);
+    return picture.rect();
 }
 
 void Layer::addSublayer(Layer& layer) {
@@ -95,50 +99,6 @@ void Layer::changed() {
     for (auto* layer = this; layer != nullptr; layer = layer->superlayer_) {
         ++layer->revision_;
     }
-}
-
-void ShapeLayer::setPath(std::optional<Rect> path) {
-    if (path_ != path) {
-        path_ = path;
-        changed();
-    }
-}
-
-void ShapeLayer::setStrokeColor(const QColor& color) {
-    if (strokeColor_ != color) {
-        strokeColor_ = color;
-        changed();
-    }
-}
-
-void ShapeLayer::setLineWidth(double width) {
-    if (!(lineWidth_ == width)) {
-        lineWidth_ = width;
-        changed();
-    }
-}
-
-void ShapeLayer::setAnimation(const ShapeAnimation& animation) {
-    animation_ = animation;
-    changed();
-}
-
-bool ShapeLayer::isAnimatingAt(double mediaTime) const {
-    return animation_ && mediaTime >= animation_->beginTime &&
-           mediaTime < animation_->beginTime + animation_->duration;
-}
-
-std::optional<ShapeState> ShapeLayer::stateAt(double mediaTime) const {
-    if (isAnimatingAt(mediaTime)) {
-        const auto& [from, to, begin, duration] = *animation_;
-        const double progress = (mediaTime - begin) / duration;
-        return ShapeState{mixed(from.ellipse, to.ellipse, progress),
-                          std::lerp(from.opacity, to.opacity, progress)};
-    }
-    if (!path_) {
-        return std::nullopt;
-    }
-    return ShapeState{*path_, opacity()};
 }
 
 } // namespace vantrel

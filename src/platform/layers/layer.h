@@ -2,12 +2,12 @@
 
 #include "platform/geometry.h"
 
-#include <QColor>
+#include <QImage>
+#include <QPointF>
 #include <QRectF>
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <vector>
 
 class QPainter;
@@ -39,14 +39,12 @@ public:
     [[nodiscard]] bool hidden() const { return hidden_; }
     void setHidden(bool hidden);
 
-    // Draws into a rectangle of the layer's coordinates, its bounds.
-    using Contents = std::function<void(QPainter& painter, const QRectF& bounds)>;
+    // Draws into a rectangle of the layer's coordinates, its bounds, as it looks at a media time.
+    using Contents = std::function<void(QPainter& painter, const QRectF& bounds, double mediaTime)>;
     // Drawn below what else the layer shows, at every place that a picture of it is made for; an
     // empty one shows nothing.
     [[nodiscard]] const Contents& contents() const { return contents_; }
     void setContents(Contents contents);
-    [[nodiscard]] double opacity() const { return opacity_; }
-    void setOpacity(double opacity);
     [[nodiscard]] bool masksToBounds() const { return masksToBounds_; }
     void setMasksToBounds(bool masks);
 
@@ -55,10 +53,18 @@ public:
     void addSublayer(Layer& layer);
     void removeFromSuperlayer();
 
-protected:
-    void changed();
+    // Whether it looks different from one moment to the next; what is animated has no sublayers.
+    [[nodiscard]] virtual bool isAnimated() const { return false; }
+    [[nodiscard]] virtual bool showsAt(double /*mediaTime*/) const { return true; }
+    // Draws it and those below it into an empty premultiplied picture, which has 32 bits if the
+    // layer is animated. The layer's middle comes to a point of the picture's pixels. The result
+    // holds all pixels that are not empty any more.
+    [[nodiscard]] virtual QRect paintInto(QImage& picture, QPointF middle, double scale,
+                                          double mediaTime) const;
 
 private:
+    void changed();
+
     template <typename T>
     void assign(T& field, T value) {
         if (!(field == value)) {
@@ -75,51 +81,7 @@ private:
     Point position_;
     bool hidden_ = false;
     Contents contents_;
-    double opacity_ = 1;
     bool masksToBounds_ = false;
-};
-
-// The ellipse inscribed in a rectangle, and the opacity of the layer that shows it.
-struct ShapeState {
-    Rect ellipse;
-    double opacity = 1;
-
-    bool operator==(const ShapeState&) const = default;
-};
-
-// From one state to another at an even pace. Before it begins and after it ended, the layer shows
-// its own values. Only stroked circles right below the root of a tree are animated.
-struct ShapeAnimation {
-    ShapeState from;
-    ShapeState to;
-    double beginTime = 0; // media time
-    double duration = 0;  // seconds
-};
-
-// A layer that strokes an ellipse.
-class ShapeLayer final : public Layer {
-public:
-    // The inscribed ellipse of a rectangle is the path; without one the layer shows nothing.
-    [[nodiscard]] const std::optional<Rect>& path() const { return path_; }
-    void setPath(std::optional<Rect> path);
-    // An invalid colour means none.
-    [[nodiscard]] const QColor& strokeColor() const { return strokeColor_; }
-    void setStrokeColor(const QColor& color);
-    [[nodiscard]] double lineWidth() const { return lineWidth_; }
-    void setLineWidth(double width);
-
-    [[nodiscard]] const std::optional<ShapeAnimation>& animation() const { return animation_; }
-    void setAnimation(const ShapeAnimation& animation);
-    [[nodiscard]] bool isAnimatingAt(double mediaTime) const;
-
-    // What it shows at a media time; nothing when it has no path then.
-    [[nodiscard]] std::optional<ShapeState> stateAt(double mediaTime) const;
-
-private:
-    std::optional<Rect> path_;
-    QColor strokeColor_;
-    double lineWidth_ = 1;
-    std::optional<ShapeAnimation> animation_;
 };
 
 } // namespace vantrel

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace vantrel {
 
@@ -16,12 +17,6 @@ QRectF toQt(const Rect& rect) {
 bool isFinite(const Rect& rect) {
     return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) &&
            std::isfinite(rect.height);
-}
-
-void paintShape(QPainter& painter, const ShapeLayer& shape, const ShapeState& state) {
-    if (isFinite(state.ellipse) && shape.strokeColor().isValid()) {
-        painter.fillPath(ellipseLine(toQt(state.ellipse), shape.lineWidth()), shape.strokeColor());
-    }
 }
 
 // An area that contents are drawn in; none when there is nothing to draw or no room for it.
@@ -45,17 +40,6 @@ Rect united(const Rect& a, const Rect& b) {
     return {x, y, std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y};
 }
 
-Rect paintedShape(const ShapeLayer& shape, double mediaTime) {
-    const auto state = shape.stateAt(mediaTime);
-    if (!state || !isFinite(state->ellipse) || !shape.strokeColor().isValid()) {
-        return {};
-    }
-    const auto ellipse = toQt(state->ellipse);
-    const double margin = shape.lineWidth() / 2;
-    return {ellipse.x() - margin, ellipse.y() - margin, ellipse.width() + 2 * margin,
-            ellipse.height() + 2 * margin};
-}
-
 } // namespace
 
 QPainterPath ellipseLine(const QRectF& ellipse, double lineWidth) {
@@ -74,14 +58,8 @@ void paintLayer(QPainter& painter, const Layer& layer, double mediaTime) {
         painter.setClipRect(toQt({0, 0, layer.bounds().width, layer.bounds().height}),
                             Qt::IntersectClip);
     }
-    const auto* shape = dynamic_cast<const ShapeLayer*>(&layer);
-    const auto state = shape != nullptr ? shape->stateAt(mediaTime) : std::nullopt;
-    painter.setOpacity(painter.opacity() * (state ? state->opacity : layer.opacity()));
-    if (const auto area = contentsArea(layer)) {
-        layer.contents()(painter, toQt(*area));
-    }
-    if (state) {
-        paintShape(painter, *shape, *state);
+    if (const auto area = contentsArea(layer); area && layer.showsAt(mediaTime)) {
+        layer.contents()(painter, toQt(*area), mediaTime);
     }
     for (const auto* sublayer : layer.sublayers()) {
         const auto frame = sublayer->frame();
@@ -106,18 +84,15 @@ QImage paintLayer(const Layer& layer, QSize pixels, double scale, double mediaTi
     return image;
 }
 
-Rect paintedBounds(const Layer& layer, double mediaTime) {
+Rect contentsBounds(const Layer& layer) {
     Rect all;
     if (const auto area = contentsArea(layer)) {
         all = *area;
     }
-    if (const auto* shape = dynamic_cast<const ShapeLayer*>(&layer)) {
-        all = united(all, paintedShape(*shape, mediaTime));
-    }
     for (const auto* sublayer : layer.sublayers()) {
         const auto frame = sublayer->frame();
         if (!sublayer->hidden() && isFinite(frame)) {
-            auto part = paintedBounds(*sublayer, mediaTime);
+            auto part = contentsBounds(*sublayer);
             part.x += frame.x;
             part.y += frame.y;
             all = united(all, part);

@@ -24,8 +24,8 @@ void paintLayer(QPainter& painter, const Layer& layer, double mediaTime);
 // polygons whose corners show on scaled displays.
 [[nodiscard]] QPainterPath ellipseLine(const QRectF& ellipse, double lineWidth);
 
-// The smallest rectangle, in the layer's own coordinates, outside which it and those below it show
-// nothing; empty when they show nothing at all.
-[[nodiscard]] Rect paintedBounds(const Layer& layer, double mediaTime);
+// The smallest rectangle, in the layer's own coordinates, that holds the contents of it and of
+// those below it; empty when there are none.
+[[nodiscard]] Rect contentsBounds(const Layer& layer);
 
 } // namespace vantrel

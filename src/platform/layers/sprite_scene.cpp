@@ -1,9 +1,6 @@
 #include "platform/layers/sprite_scene.h"
 
 #include "platform/layers/painter.h"
-#include "platform/layers/ring.h"
-
-#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -32,24 +29,6 @@ int roundedPixel(double value) {
 // Whether pixels from a first one on are some of a display's.
 bool meets(int first, int count, int display) {
     return first < display && first + count > 0 && count > 0;
-}
-
-const ShapeLayer* animatedShape(const Layer& layer) {
-    const auto* shape = dynamic_cast<const ShapeLayer*>(&layer);
-    return shape != nullptr && shape->animation() ? shape : nullptr;
-}
-
-void clear(QImage& picture, const QRect& area) {
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        std::fill(row + area.left(), row + area.right() + 1, 0);
-    }
-}
-
-QRgb premultiplied(const QColor& color, double opacity) {
-    auto faded = color;
-    faded.setAlphaF(color.alphaF() * static_cast<float>(opacity));
-    return qPremultiply(faded.rgba());
 }
 
 } // namespace
@@ -92,23 +71,18 @@ void SpriteScene::updateSprite(Sprite& sprite, const Layer& layer, double mediaT
                                SpriteSink& sink) {
     if (sprite.revision != layer.revision()) {
         sprite.revision = layer.revision();
-        sprite.ring = animatedShape(layer);
         sprite.rendered = false;
-        sprite.box =
-            boxOf(layer, sprite.ring != nullptr ? layer.bounds() : paintedBounds(layer, mediaTime));
+        sprite.box = boxOf(layer, contentsBounds(layer));
     }
-    const auto* ring = sprite.ring;
     const QPoint topLeft = pixelOf(layer.position()) + sprite.box.topLeft();
-    const bool over = ring != nullptr && !ring->isAnimatingAt(mediaTime);
-    if (layer.hidden() || over || !meets(topLeft.x(), sprite.box.width(), display_.width()) ||
+    if (layer.hidden() || !layer.showsAt(mediaTime) ||
+        !meets(topLeft.x(), sprite.box.width(), display_.width()) ||
         !meets(topLeft.y(), sprite.box.height(), display_.height())) {
         hide(sprite, sink);
         return;
     }
-    if (ring != nullptr) {
-        drawRing(sprite, *ring, mediaTime, sink);
-    } else if (!sprite.rendered) {
-        render(sprite, layer, mediaTime, sink);
+    if (!sprite.rendered || (layer.isAnimated() && mediaTime - sprite.drawnAt >= minimumFrame)) {
+        draw(sprite, layer, mediaTime, sink);
     }
     if (sprite.rendered && sprite.placed != topLeft) {
         sprite.placed = topLeft;
@@ -135,48 +109,20 @@ QRect SpriteScene::boxOf(const Layer& layer, const Rect& painted) const {
             QPoint(pixelAbove(std::min(right, half)) - 1, pixelAbove(std::min(bottom, half)) - 1)};
 }
 
-void SpriteScene::render(Sprite& sprite, const Layer& layer, double mediaTime,
-                         SpriteSink& sink) const {
-    QImage picture(sprite.box.size(), sink.format());
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(-sprite.box.topLeft());
-    painter.scale(scale_, -scale_);
-    painter.translate(-layer.bounds().width / 2, -layer.bounds().height / 2);
-    paintLayer(painter, layer, mediaTime);
-    painter.end();
-    sprite.rendered = sink.upload(sprite.id, picture);
-}
-
-void SpriteScene::drawRing(Sprite& sprite, const ShapeLayer& layer, double mediaTime,
-                           SpriteSink& sink) {
-    if (sprite.rendered && mediaTime - sprite.drawnAt < minimumFrame) {
-        return;
+void SpriteScene::draw(Sprite& sprite, const Layer& layer, double mediaTime, SpriteSink& sink) {
+    const auto format = layer.isAnimated() ? QImage::Format_ARGB32_Premultiplied : sink.format();
+    if (canvas_.size() != sprite.box.size() || canvas_.format() != format) {
+        canvas_ = QImage(sprite.box.size(), format);
     }
-    if (canvas_.size() != sprite.box.size()) {
-        canvas_ = QImage(sprite.box.size(), QImage::Format_ARGB32_Premultiplied);
-        canvas_.fill(Qt::transparent);
-    }
-    const auto state = layer.stateAt(mediaTime);
-    const auto center = state->ellipse.center();
-    const auto& bounds = layer.bounds();
-    const Ring ring{
-        .center = QPointF((center.x - bounds.width / 2) * scale_ - sprite.box.left(),
-                          (bounds.height / 2 - center.y) * scale_ - sprite.box.top()),
-        .radius = state->ellipse.width / 2 * scale_,
-        .lineWidth = layer.lineWidth() * scale_,
-    };
-    const QRect box = ring.box().intersected(canvas_.rect());
-    paintRing(canvas_, box, ring, premultiplied(layer.strokeColor(), state->opacity));
+    canvas_.fill(Qt::transparent);
+    const QRect inked = layer.paintInto(canvas_, -sprite.box.topLeft(), scale_, mediaTime);
+    const QRect changed = sprite.rendered ? inked.united(sprite.inked) : canvas_.rect();
+    sprite.rendered = sink.upload(sprite.id, canvas_, changed);
+    sprite.inked = inked;
     sprite.drawnAt = mediaTime;
-    if (sprite.rendered) {
-        sink.redraw(sprite.id, canvas_, box.united(sprite.inked));
-    } else {
-        sprite.rendered = sink.upload(sprite.id, canvas_);
+    if (!layer.isAnimated()) {
+        canvas_ = {};
     }
-    sprite.inked = box;
-    clear(canvas_, box);
 }
 
 void SpriteScene::hide(Sprite& sprite, SpriteSink& sink) {

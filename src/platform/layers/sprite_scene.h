@@ -21,17 +21,15 @@ class SpriteSink {
 public:
     virtual ~SpriteSink() = default;
 
-    // Of what sprites that are not animated are painted. One of 64 bits keeps the colours of
-    // what is nearly transparent; animated ones have 32.
+    // Of what pictures are painted. One of 64 bits keeps the colours of what is nearly transparent;
+    // those of what is animated have 32.
     [[nodiscard]] virtual QImage::Format format() const {
         return QImage::Format_ARGB32_Premultiplied;
     }
-    // The sprite's picture from now on; its size may be another than before. False when it cannot
-    // be shown now; it is then offered again with the next update.
-    virtual bool upload(SpriteId sprite, const QImage& picture) = 0;
-    // The whole picture of an animated sprite, which differs from the former one inside an area
-    // only.
-    virtual void redraw(SpriteId sprite, const QImage& picture, const QRect& area) = 0;
+    // The sprite's picture from now on. It differs from the former one inside an area only; a first
+    // one, or one of another size, everywhere. False when it cannot be shown now; it is then
+    // offered again with the next update.
+    virtual bool upload(SpriteId sprite, const QImage& picture, const QRect& changed) = 0;
     virtual void place(SpriteId sprite, QPoint topLeft) = 0;
     virtual void hide(SpriteId sprite) = 0;
     virtual void remove(SpriteId sprite) = 0;
@@ -44,7 +42,7 @@ class SpriteScene {
 public:
     // No sprite is larger in pixels, whatever the settings ask for.
     static constexpr int maximumSide = 2048;
-    // Animated sprites are drawn again at most this often, in seconds, however often the pointer
+    // What is animated is drawn again at most this often, in seconds, however often the pointer
     // moves: well above every display's rate.
     static constexpr double minimumFrame = 0.004;
 
@@ -59,12 +57,11 @@ private:
     struct Sprite {
         SpriteId id = 0;
         std::uint64_t revision = 0; // of the layer when it was measured; 0 before the first time
-        const ShapeLayer* ring = nullptr; // the layer, if it is animated
-        QRect box;                        // of the picture, relative to the layer's position
+        QRect box;                  // of the picture, relative to the layer's position
         bool rendered = false;
         std::optional<QPoint> placed; // where it shows now, if it does
-        double drawnAt = 0;           // media time, for animated ones
-        QRect inked;                  // pixels of an animated picture that are not empty
+        double drawnAt = 0;           // media time
+        QRect inked;                  // pixels of the picture that are not empty
         bool seen = false;
     };
 
@@ -73,14 +70,13 @@ private:
     void updateSprite(Sprite& sprite, const Layer& layer, double mediaTime, SpriteSink& sink);
     [[nodiscard]] QPoint pixelOf(Point position) const;
     [[nodiscard]] QRect boxOf(const Layer& layer, const Rect& painted) const;
-    void render(Sprite& sprite, const Layer& layer, double mediaTime, SpriteSink& sink) const;
-    void drawRing(Sprite& sprite, const ShapeLayer& layer, double mediaTime, SpriteSink& sink);
+    void draw(Sprite& sprite, const Layer& layer, double mediaTime, SpriteSink& sink);
     static void hide(Sprite& sprite, SpriteSink& sink);
 
     QSize display_;
     double scale_;
     std::vector<Sprite> sprites_;
-    QImage canvas_; // animated sprites are drawn here on their way to the sink; empty in between
+    QImage canvas_; // for what is animated
 };
 
 } // namespace vantrel

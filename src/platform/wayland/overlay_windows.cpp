@@ -53,8 +53,7 @@ private:
     void close();
     void askForFrame();
     void noteFrame(std::uint32_t time);
-    bool upload(SpriteId sprite, const QImage& picture) override;
-    void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
+    bool upload(SpriteId sprite, const QImage& picture, const QRect& changed) override;
     void place(SpriteId sprite, QPoint topLeft) override;
     void hide(SpriteId sprite) override;
     void remove(SpriteId sprite) override;
@@ -165,20 +164,14 @@ SpriteSurface* WaylandOverlayWindow::surfaceOf(SpriteId sprite) const {
     return found == sprites_.end() ? nullptr : found->surface.get();
 }
 
-bool WaylandOverlayWindow::upload(SpriteId sprite, const QImage& picture) {
+bool WaylandOverlayWindow::upload(SpriteId sprite, const QImage& picture, const QRect& changed) {
     auto* surface = surfaceOf(sprite);
     if (surface == nullptr) {
         sprites_.push_back({sprite, std::make_unique<SpriteSurface>(owner_.connection_, *surface_,
                                                                     areaOf(screen_))});
         surface = sprites_.back().surface.get();
     }
-    return surface->setPicture(picture);
-}
-
-void WaylandOverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {
-    if (auto* surface = surfaceOf(sprite)) {
-        surface->redraw(picture, area);
-    }
+    return surface->setPicture(picture, changed);
 }
 
 void WaylandOverlayWindow::place(SpriteId sprite, QPoint topLeft) {

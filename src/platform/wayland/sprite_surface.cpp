@@ -26,27 +26,15 @@ SpriteSurface::SpriteSurface(const Connection& connection, wl_surface& parent,
     letClicksThrough(connection, *surface_);
 }
 
-bool SpriteSurface::setPicture(const QImage& picture) {
-    if (!write(picture)) {
-        return false;
-    }
-    damage_ = QRect({0, 0}, picture_->size());
-    return true;
-}
-
-void SpriteSurface::redraw(const QImage& picture, const QRect& area) {
-    if (write(picture)) {
-        damage_ = damage_.united(area.translated(margin_, margin_));
-    }
-}
-
-bool SpriteSurface::write(const QImage& picture) {
+bool SpriteSurface::setPicture(const QImage& picture, const QRect& changed) {
     auto* free = freePicture(picture.size().grownBy({margin_, margin_, margin_, margin_}));
     if (free == nullptr) {
         return false;
     }
     picture_ = free;
     picture_->write(picture, {margin_, margin_});
+    damage_ = size_ == picture.size() ? damage_.united(changed.translated(margin_, margin_))
+                                      : QRect({0, 0}, picture_->size());
     size_ = picture.size();
     return true;
 }

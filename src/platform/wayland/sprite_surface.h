@@ -24,10 +24,9 @@ class SpriteSurface {
 public:
     SpriteSurface(const Connection& connection, wl_surface& parent, const DisplayArea& display);
 
-    // The whole picture, 32 bits and premultiplied. False when there is no memory for it.
-    bool setPicture(const QImage& picture);
-    // The same when it differs inside the area only.
-    void redraw(const QImage& picture, const QRect& area);
+    // The whole picture, 32 bits and premultiplied, which differs from the former one inside an
+    // area only. False when there is no memory for it.
+    bool setPicture(const QImage& picture, const QRect& changed);
     // In pixels of the display.
     void place(QPoint topLeft) { place_ = topLeft; }
     void hide() { place_.reset(); }
@@ -35,7 +34,6 @@ public:
     bool commit();
 
 private:
-    bool write(const QImage& picture);
     [[nodiscard]] SharedPicture* freePicture(QSize size);
     [[nodiscard]] bool unmap();
     void attach();

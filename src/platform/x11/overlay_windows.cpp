@@ -53,8 +53,7 @@ private:
     };
 
     [[nodiscard]] QImage::Format format() const override;
-    bool upload(SpriteId sprite, const QImage& picture) override;
-    void redraw(SpriteId sprite, const QImage& picture, const QRect& area) override;
+    bool upload(SpriteId sprite, const QImage& picture, const QRect& changed) override;
     void place(SpriteId sprite, QPoint topLeft) override;
     void hide(SpriteId sprite) override;
     void remove(SpriteId sprite) override;
@@ -84,8 +83,8 @@ X11OverlayWindow::X11OverlayWindow(X11OverlayWindows& owner, const Screen& scree
 
 X11OverlayWindow::~X11OverlayWindow() {
     std::erase(owner_.windows_, this);
-    for (const auto& sprite : sprites_) {
-        owner_.stack_.release(*sprite.window);
+    while (!sprites_.empty()) {
+        X11OverlayWindow::remove(sprites_.back().id);
     }
     if (owner_.windows_.empty()) {
         owner_.end();
@@ -118,7 +117,7 @@ QImage::Format X11OverlayWindow::format() const {
                                                       : QImage::Format_ARGB32_Premultiplied;
 }
 
-bool X11OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
+bool X11OverlayWindow::upload(SpriteId sprite, const QImage& picture, const QRect& changed) {
     auto* window = windowOf(sprite);
     if (window == nullptr) {
         window = owner_.stack_.acquire();
@@ -127,14 +126,8 @@ bool X11OverlayWindow::upload(SpriteId sprite, const QImage& picture) {
         }
         sprites_.push_back({sprite, window});
     }
-    window->setPicture(picture);
+    window->setPicture(picture, changed);
     return true;
-}
-
-void X11OverlayWindow::redraw(SpriteId sprite, const QImage& picture, const QRect& area) {
-    if (auto* window = windowOf(sprite)) {
-        window->redraw(picture, area);
-    }
 }
 
 void X11OverlayWindow::place(SpriteId sprite, QPoint topLeft) {
@@ -256,7 +249,7 @@ void X11OverlayWindows::setGuardColor(QRgb color) {
     if (guard_ != nullptr && std::exchange(guardColor_, color) != color) {
         QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
         pixel.fill(color);
-        guard_->setPicture(pixel);
+        guard_->setPicture(pixel, pixel.rect());
         guard_->commit();
     }
 }

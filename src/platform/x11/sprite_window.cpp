@@ -161,7 +161,11 @@ void SpriteWindow::setProperties() {
     set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, windowClass.size(), windowClass.data());
 }
 
-void SpriteWindow::setPicture(const QImage& picture) {
+void SpriteWindow::setPicture(const QImage& picture, const QRect& changed) {
+    if (changed != picture.rect() && resources_.kind() == SpriteKind::translucent) {
+        resources_.writer().put(id(), picture, changed);
+        return;
+    }
     auto& connection = resources_.connection();
     size_ = picture.size();
     picture_ = PixmapHandle(connection.xcb());
@@ -179,14 +183,6 @@ void SpriteWindow::setPicture(const QImage& picture) {
     }
     // The picture may be larger than the output buffer. What shows it comes in one piece after it.
     xcb_flush(connection.xcb());
-}
-
-void SpriteWindow::redraw(const QImage& picture, const QRect& area) {
-    if (resources_.kind() == SpriteKind::shaped) {
-        setPicture(picture);
-    } else {
-        resources_.writer().put(id(), picture, area);
-    }
 }
 
 void SpriteWindow::place(QPoint topLeft, std::span<const QRect> clip) {
