@@ -16,57 +16,8 @@ namespace {
 
 using nlohmann::json;
 
-template <typename T, typename Record>
-concept Like = std::same_as<std::remove_const_t<T>, Record>;
-
 template <typename T>
 concept Enumeration = std::is_enum_v<T>;
-
-// The document, written once for both directions: the members of each record in their order.
-void visitMembers(Like<EffectColor> auto& color, auto& visit) {
-    visit("red", color.red);
-    visit("green", color.green);
-    visit("blue", color.blue);
-}
-
-void visitMembers(Like<HighlightSettings> auto& highlight, auto& visit) {
-    visit("style", highlight.style);
-    visit("color", highlight.color);
-    visit("diameter", highlight.diameter);
-    visit("opacity", highlight.opacity);
-    visit("idleHide", highlight.idleHide);
-    visit("idleSeconds", highlight.idleSeconds);
-}
-
-void visitMembers(Like<ClickSettings> auto& click, auto& visit) {
-    visit("style", click.style);
-    visit("left", click.left);
-    visit("right", click.right);
-}
-
-void visitMembers(Like<LaserSettings> auto& laser, auto& visit) {
-    visit("color", laser.color);
-    visit("diameter", laser.diameter);
-    visit("glow", laser.glow);
-}
-
-void visitMembers(Like<Shortcut> auto& shortcut, auto& visit) {
-    visit("keyCode", shortcut.keyCode);
-    visit("modifiers", shortcut.modifiers);
-    visit("display", shortcut.display);
-}
-
-void visitMembers(Like<AppPreferences> auto& preferences, auto& visit) {
-    visit("schemaVersion", preferences.schemaVersion);
-    visit("lastMode", preferences.lastMode);
-    visit("highlight", preferences.highlight);
-    visit("click", preferences.click);
-    visit("laser", preferences.laser);
-    visit("highlightShortcut", preferences.highlightShortcut);
-    visit("laserShortcut", preferences.laserShortcut);
-    visit("launchAtLogin", preferences.launchAtLogin);
-    visit("language", preferences.language);
-}
 
 class Writer {
 public:
@@ -78,7 +29,7 @@ public:
         document_ += '}';
     }
 
-    void operator()(std::string_view name, const auto& member) {
+    void operator()(std::string_view name, const auto& member, const auto&... /*bounds*/) {
         if (document_.back() != '{') {
             document_ += ',';
         }
@@ -162,7 +113,7 @@ public:
         return value.is_object() && reader.valid_;
     }
 
-    void operator()(std::string_view name, auto& member) {
+    void operator()(std::string_view name, auto& member, const auto&... /*bounds*/) {
         const auto found = object_.find(name);
         valid_ = valid_ && found != object_.end() && read(*found, member);
     }

@@ -7,16 +7,25 @@ namespace vantrel {
 
 namespace {
 
-double bounded(double value, const Range& range) {
-    return std::isfinite(value) ? std::clamp(value, range.low, range.high) : range.initial;
-}
+// Brings all that has bounds back into them.
+class Sanitizer {
+public:
+    void operator()(std::string_view /*name*/, double& member, const Range& range) {
+        member = std::isfinite(member) ? std::clamp(member, range.low, range.high) : range.initial;
+    }
 
-void sanitizeColor(EffectColor& color) {
-    constexpr auto fallback = EffectColor::fallback();
-    color.red = bounded(color.red, {0, 1, fallback.red});
-    color.green = bounded(color.green, {0, 1, fallback.green});
-    color.blue = bounded(color.blue, {0, 1, fallback.blue});
-}
+    void operator()(std::string_view /*name*/, double& member, const Choices& choices) {
+        if (std::ranges::find(choices.values, member) == choices.values.end()) {
+            member = choices.initial;
+        }
+    }
+
+    void operator()(std::string_view /*name*/, auto& member) {
+        if constexpr (requires { visitMembers(member, *this); }) {
+            visitMembers(member, *this);
+        }
+    }
+};
 
 } // namespace
 
@@ -34,14 +43,8 @@ std::span<const EffectColor, 3> EffectColor::laserPresets() {
 }
 
 void AppPreferences::sanitize() {
-    highlight.diameter = bounded(highlight.diameter, highlightDiameterRange);
-    highlight.opacity = bounded(highlight.opacity, highlightOpacityRange);
-    if (std::ranges::find(idleChoices, highlight.idleSeconds) == idleChoices.end()) {
-        highlight.idleSeconds = initialIdleSeconds;
-    }
-    laser.diameter = bounded(laser.diameter, laserDiameterRange);
-    sanitizeColor(highlight.color);
-    sanitizeColor(laser.color);
+    Sanitizer sanitizer;
+    visitMembers(*this, sanitizer);
     schemaVersion = currentSchemaVersion;
 }
 

@@ -3,10 +3,12 @@
 #include "preferences/shortcut.h"
 
 #include <array>
+#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace vantrel {
@@ -99,18 +101,41 @@ struct EffectColor {
     static std::span<const EffectColor, 3> laserPresets();
 };
 
-// What a number among the preferences can be, and is at first.
+// What a number among the preferences can be, and is at first: one of a range, or of a few.
 struct Range {
     double low = 0;
     double high = 0;
     double initial = 0;
 };
+struct Choices {
+    std::span<const double> values;
+    double initial = 0;
+};
+
+// The members of each record are listed below it, once for all who go through them, in the order of
+// the document: the name under which one is stored, the member, and its bounds if it has some.
+template <typename T, typename Record>
+concept Like = std::same_as<std::remove_const_t<T>, Record>;
+
+void visitMembers(Like<EffectColor> auto& color, auto& visit) {
+    constexpr auto fallback = EffectColor::fallback();
+    visit("red", color.red, Range{0, 1, fallback.red});
+    visit("green", color.green, Range{0, 1, fallback.green});
+    visit("blue", color.blue, Range{0, 1, fallback.blue});
+}
+
+void visitMembers(Like<Shortcut> auto& shortcut, auto& visit) {
+    visit("keyCode", shortcut.keyCode);
+    visit("modifiers", shortcut.modifiers);
+    visit("display", shortcut.display);
+}
+
 inline constexpr Range highlightDiameterRange{.low = 24, .high = 120, .initial = 64}; // points
 inline constexpr Range highlightOpacityRange{.low = 0.1, .high = 0.9, .initial = 0.35};
 inline constexpr Range laserDiameterRange{.low = 6, .high = 24, .initial = 12}; // points
 // Seconds of rest before a mark hides.
-inline constexpr std::array idleChoices{2.0, 3.0, 5.0, 10.0};
-inline constexpr double initialIdleSeconds = idleChoices[1];
+inline constexpr std::array restingTimes{2.0, 3.0, 5.0, 10.0};
+inline constexpr Choices idleChoices{.values = restingTimes, .initial = restingTimes[1]};
 
 struct HighlightSettings {
     HighlightStyle style = HighlightStyle::filled;
@@ -118,10 +143,19 @@ struct HighlightSettings {
     double diameter = highlightDiameterRange.initial;
     double opacity = highlightOpacityRange.initial;
     bool idleHide = false; // hide while the pointer rests
-    double idleSeconds = initialIdleSeconds;
+    double idleSeconds = idleChoices.initial;
 
     bool operator==(const HighlightSettings&) const = default;
 };
+
+void visitMembers(Like<HighlightSettings> auto& highlight, auto& visit) {
+    visit("style", highlight.style);
+    visit("color", highlight.color);
+    visit("diameter", highlight.diameter, highlightDiameterRange);
+    visit("opacity", highlight.opacity, highlightOpacityRange);
+    visit("idleHide", highlight.idleHide);
+    visit("idleSeconds", highlight.idleSeconds, idleChoices);
+}
 
 struct ClickSettings {
     ClickStyle style = ClickStyle::ripple;
@@ -131,6 +165,12 @@ struct ClickSettings {
     bool operator==(const ClickSettings&) const = default;
 };
 
+void visitMembers(Like<ClickSettings> auto& click, auto& visit) {
+    visit("style", click.style);
+    visit("left", click.left);
+    visit("right", click.right);
+}
+
 struct LaserSettings {
     EffectColor color = EffectColor::fromRgb(0xFF453A);
     double diameter = laserDiameterRange.initial;
@@ -138,6 +178,12 @@ struct LaserSettings {
 
     bool operator==(const LaserSettings&) const = default;
 };
+
+void visitMembers(Like<LaserSettings> auto& laser, auto& visit) {
+    visit("color", laser.color);
+    visit("diameter", laser.diameter, laserDiameterRange);
+    visit("glow", laser.glow);
+}
 
 // Every choice of the user.
 struct AppPreferences {
@@ -158,5 +204,17 @@ struct AppPreferences {
     // Brings every bounded field back into its range. For values that were read from storage.
     void sanitize();
 };
+
+void visitMembers(Like<AppPreferences> auto& preferences, auto& visit) {
+    visit("schemaVersion", preferences.schemaVersion);
+    visit("lastMode", preferences.lastMode);
+    visit("highlight", preferences.highlight);
+    visit("click", preferences.click);
+    visit("laser", preferences.laser);
+    visit("highlightShortcut", preferences.highlightShortcut);
+    visit("laserShortcut", preferences.laserShortcut);
+    visit("launchAtLogin", preferences.launchAtLogin);
+    visit("language", preferences.language);
+}
 
 } // namespace vantrel

@@ -20,7 +20,7 @@ QWidget* colorRow(ViewContext& view, QWidget* choices) {
 
 QWidget* waitTime(ViewContext& view) {
     std::vector<Choice<double>> choices;
-    for (const double seconds : idleChoices) {
+    for (const double seconds : idleChoices.values) {
         auto title = QString::number(seconds) + QStringLiteral(" s");
         choices.push_back(
             {seconds, [title = std::move(title)](bool /*english*/) { return title; }});
