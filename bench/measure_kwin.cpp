@@ -5,6 +5,7 @@
 #include "overlay/effect_drawing.h"
 #include "platform/kwin/kwin_script.h"
 #include "testdesk/kwin_session.h"
+#include "testdesk/program_of.h"
 #include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
@@ -49,7 +50,7 @@ class KWinBench : public desktop::KWinSession {
 public:
     explicit KWinBench(const Contenders& contenders)
         : KWinSession({.xwayland = true, .dataFolder = contenders.dataFolder()}),
-          program_(contenders.program.command.front()) {
+          program_(*this, contenders.program.command.front()) {
         prefer("off");
         client().moveTo(640, 360);
     }
@@ -61,7 +62,7 @@ public:
         desktop::writePreferences(folder() / "config", preferences);
     }
 
-    [[nodiscard]] const std::string& program() const { return program_; }
+    [[nodiscard]] const desktop::ProgramOf<KWinSession>& program() const { return program_; }
     [[nodiscard]] desktop::ChildProcess start(const Words& words,
                                               const std::vector<int>& keepOpen = {}) const {
         return desktop::ChildProcess({.arguments = words,
@@ -70,14 +71,13 @@ public:
                                       .keepOpen = keepOpen});
     }
     void command(const std::string& word) const {
-        if (start({program_, word}).wait(std::chrono::seconds(10)) !=
-            desktop::ExitStatus{.code = 0}) {
+        if (!program_.takes(word)) {
             throw std::runtime_error("the program does not take " + word);
         }
     }
     [[nodiscard]] desktop::ChildProcess startProgram() const {
         await([&] { return !hearsPresses(); }, "the script of the last one is there");
-        auto process = start({program_});
+        auto process = program_.start();
         await([&] { return hearsPresses(); }, "the script is not there");
         command("off"); // whatever was stored by another one
         return process;
@@ -109,7 +109,7 @@ public:
     }
 
 private:
-    std::string program_;
+    desktop::ProgramOf<KWinSession> program_;
 };
 
 // A follower that is told where the pointer is.
@@ -173,7 +173,7 @@ Check timeToMark(const KWinBench& kwin) {
     for (int i = 0; i < 20; ++i) {
         await([&] { return !kwin.isMarked(); }, "the mark stays");
         const auto begin = Clock::now();
-        const auto command = kwin.start({kwin.program(), "laser"});
+        const auto command = kwin.program().start({"laser"});
         await([&] { return kwin.isMarked(); }, "no mark");
         samples.push_back(Milliseconds(Clock::now() - begin).count());
         kwin.command("off");
@@ -188,7 +188,7 @@ Check timeFromStart(const KWinBench& kwin) {
         await([&] { return !kwin.isMarked() && !kwin.hearsPresses(); }, "something stays");
         kwin.prefer("highlight");
         const auto begin = Clock::now();
-        const auto program = kwin.start({kwin.program()});
+        const auto program = kwin.program().start();
         await([&] { return kwin.isMarked(); }, "no mark");
         samples.push_back(Milliseconds(Clock::now() - begin).count());
     }

@@ -5,6 +5,7 @@
 #include "testdesk/gnome_session.h"
 #include "testdesk/kwin_session.h"
 #include "testdesk/private_bus.h"
+#include "testdesk/program_of.h"
 #include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
@@ -25,7 +26,9 @@ template <typename Session>
 class DayInSession : public DayPlace {
 public:
     DayInSession(const typename Session::Options& options, std::string program)
-        : session_(options), program_(std::move(program)) {}
+        : session_(options),
+          program_(session_, std::move(program),
+                   {{"DBUS_SYSTEM_BUS_ADDRESS", systemBus_.address()}}) {}
 
     [[nodiscard]] std::string systemBus() const override { return systemBus_.address(); }
 
@@ -49,7 +52,7 @@ public:
         }
     }
     void setMode(const std::string& mode) override {
-        if (!isDone(mode)) {
+        if (!program_.takes(mode)) {
             throw std::runtime_error("the program does not take " + mode);
         }
     }
@@ -78,7 +81,7 @@ public:
         return part == black;
     }
     [[nodiscard]] std::string errors() const override {
-        return desktop::readFile(session_.folder() / "program.err") + session_.complaints();
+        return program_.errors() + session_.complaints();
     }
 
 protected:
@@ -95,14 +98,8 @@ protected:
 
     void start() {
         desktop::writePreferences(session_.folder() / "config", desktop::preferencesShowing("off"));
-        process_.emplace(run({}));
-        // A command that shows something would become the program until then.
-        await([&] { return isDone("status"); }, "start");
-    }
-    [[nodiscard]] desktop::Environment environment() const {
-        auto environment = session_.environment();
-        environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus_.address();
-        return environment;
+        process_.emplace(program_.start());
+        await([&] { return program_.takesCommands(); }, "start");
     }
     void await(const std::function<bool()>& condition, const std::string& what) const {
         if (!desktop::waitFor(condition)) {
@@ -113,19 +110,9 @@ protected:
     Session session_;
 
 private:
-    [[nodiscard]] desktop::ChildProcess run(std::vector<std::string> words) const {
-        const auto errors = words.empty() ? session_.folder() / "program.err" : "";
-        words.insert(words.begin(), program_);
-        return desktop::ChildProcess(
-            {.arguments = words, .environment = environment(), .errors = errors});
-    }
-    [[nodiscard]] bool isDone(const std::string& command) const {
-        return run({command}).wait(10s) == desktop::ExitStatus{.code = 0};
-    }
-
     // On which the day says that the machine sleeps; the session may have one of its own.
     desktop::PrivateBus systemBus_{session_.folder() / "system-bus"};
-    std::string program_;
+    desktop::ProgramOf<Session> program_;
     std::optional<desktop::ChildProcess> process_;
     std::optional<desktop::NativeWindow> other_;
 };

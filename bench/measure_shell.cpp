@@ -5,6 +5,7 @@
 #include "platform/gnome/effect_message.h"
 #include "platform/gnome/shell_report.h"
 #include "testdesk/gnome_session.h"
+#include "testdesk/program_of.h"
 #include "testdesk/usage.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
@@ -130,7 +131,7 @@ private:
 class MarkTimes {
 public:
     MarkTimes(const ShellBench& shell, std::string program)
-        : shell_(shell), program_(std::move(program)), environment_(shell.environment()) {
+        : shell_(shell), program_(shell, std::move(program)) {
         shell_.evaluate(R"(
             const found = global.vantrelMark = {has: false, at: 0};
             found.signal = global.stage.connect('paint-view', () => {
@@ -149,9 +150,8 @@ public:
     // From the start of a command to the frame with the mark.
     [[nodiscard]] Check fromCommand(int times) const {
         prefer("off");
-        const auto running = start({});
-        // A command that shows something would become the program until then.
-        if (!desktop::waitFor([&] { return run("status") == desktop::ExitStatus{.code = 0}; })) {
+        const auto running = program_.start();
+        if (!program_.takesCommands()) {
             throw std::runtime_error("the program takes no commands");
         }
         Samples samples;
@@ -173,7 +173,7 @@ public:
         for (int time = 0; time < times; ++time) {
             awaitMark(false);
             const auto begin = Clock::now();
-            const auto running = start({});
+            const auto running = program_.start();
             samples.push_back(timeToMark(begin));
         }
         awaitMark(false);
@@ -184,12 +184,10 @@ private:
     void prefer(const char* mode) const {
         desktop::writePreferences(shell_.folder() / "config", desktop::preferencesShowing(mode));
     }
-    [[nodiscard]] desktop::ChildProcess start(std::vector<std::string> words) const {
-        words.insert(words.begin(), program_);
-        return desktop::ChildProcess({.arguments = words, .environment = environment_});
-    }
-    std::optional<desktop::ExitStatus> run(const char* command) const {
-        return start({command}).wait(std::chrono::seconds(10));
+    void run(const char* command) const {
+        if (!program_.takes(command)) {
+            throw std::runtime_error(std::string("the program does not take ") + command);
+        }
     }
     // It stays until the shell has forgotten a program that has ended, and serves another.
     void awaitMark(bool isThere) const {
@@ -207,8 +205,7 @@ private:
     }
 
     const ShellBench& shell_;
-    std::string program_;
-    desktop::Environment environment_;
+    desktop::ProgramOf<ShellBench> program_;
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/under_test.h"
 #include "testdesk/child_process.h"
 #include "testdesk/wait.h"
 
@@ -14,19 +13,33 @@
 
 namespace vantrel::desktop {
 
-// The program under test as it is called in a session, which must outlive this.
+// A build of Vantrel as it is called in a session, which must outlive this.
 template <typename Session>
 class ProgramOf {
 public:
-    explicit ProgramOf(const Session& session) : session_(session) {}
+    // With variables on top of the session's.
+    ProgramOf(const Session& session, std::filesystem::path program, Environment more = {})
+        : session_(session), program_(std::move(program)), more_(std::move(more)) {}
 
     [[nodiscard]] ChildProcess start(std::vector<std::string> words = {}) const {
-        words.insert(words.begin(), programUnderTest());
+        words.insert(words.begin(), program_);
+        auto environment = session_.environment();
+        for (const auto& [name, value] : more_) {
+            environment[name] = value;
+        }
         const auto log = logOf(words.back());
         return ChildProcess({.arguments = words,
-                             .environment = session_.environment(),
+                             .environment = environment,
                              .output = log + ".out",
                              .errors = log + ".err"});
+    }
+    // Whether the program that runs has carried out a command.
+    [[nodiscard]] bool takes(const std::string& command) const {
+        return start({command}).wait(std::chrono::seconds(10)) == ExitStatus{.code = 0};
+    }
+    // Until it runs, a command that shows something would become the program itself.
+    [[nodiscard]] bool takesCommands() const {
+        return waitFor([this] { return takes("status"); }, std::chrono::seconds(20));
     }
     // What it tells other programs; no object while it does not run.
     [[nodiscard]] nlohmann::json status() const {
@@ -41,9 +54,7 @@ public:
         });
     }
     // Of the one that was started without words.
-    [[nodiscard]] std::string errors() const {
-        return readFile(logOf(programUnderTest()) + ".err");
-    }
+    [[nodiscard]] std::string errors() const { return readFile(logOf(program_) + ".err"); }
 
 private:
     [[nodiscard]] std::string logOf(const std::filesystem::path& lastWord) const {
@@ -51,6 +62,8 @@ private:
     }
 
     const Session& session_;
+    std::filesystem::path program_;
+    Environment more_;
 };
 
 } // namespace vantrel::desktop

@@ -1,8 +1,9 @@
 #include "platform/gnome/shell_extension.h"
 #include "support/gnome_fixture.h"
-#include "support/program_of.h"
+#include "support/under_test.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/user_defaults.h"
+#include "testdesk/program_of.h"
 #include "testdesk/status_notifier_host.h"
 #include "testdesk/temporary_folder.h"
 #include "testdesk/vantrel_program.h"
@@ -29,7 +30,7 @@ TEST(GnomeTest, TheProgramHasItsMarksAndShortcutsFromTheShell) {
     session.switchExtension(session.extension(), false);
     auto stored = preferencesShowing("highlight");
     writePreferences(session.folder() / "config", stored);
-    const ProgramOf vantrel(session);
+    const ProgramOf vantrel(session, programUnderTest());
     const auto tells = [&](const char* key, const auto& value) {
         return vantrel.tells(key, value);
     };
@@ -110,7 +111,7 @@ TEST(GnomeTest, RecordsCombinationsThatTheShellTakesOtherwise) {
     const CoreApplication application;
     const MarkingSession session({.monitors = {"1280x800"}}); // for a window of its full height
     writePreferences(session.folder() / "config", preferencesShowing("off"));
-    const ProgramOf vantrel(session);
+    const ProgramOf vantrel(session, programUnderTest());
     const auto program = vantrel.start({"--settings"});
     EXPECT_TRUE(vantrel.tells("marks", "gnome-shell"));
     const auto comesToBe = [&](const std::string& what) {
@@ -176,7 +177,7 @@ TEST(GnomeTest, TheMarkComesAndGoesWithinHalfASecond) {
     const CoreApplication application;
     const MarkingSession session;
     writePreferences(session.folder() / "config", preferencesShowing("highlight"));
-    const ProgramOf vantrel(session);
+    const ProgramOf vantrel(session, programUnderTest());
     std::optional<ChildProcess> program;
     const auto start = [&] { program.emplace(vantrel.start()); };
     const auto lock = [&](const char* change) {
@@ -231,7 +232,7 @@ TEST(GnomeTest, TheProgramHasAnItemInTheTopBar) {
     const CoreApplication application;
     MarkingSession session;
     writePreferences(session.folder() / "config", preferencesShowing("off"));
-    auto program = ProgramOf(session).start();
+    auto program = ProgramOf(session, programUnderTest()).start();
     // The middle of the first part of the shell for which that is true, and whether it would get a
     // press; null without one.
     const auto find = [&](const std::string& condition) {

@@ -1,6 +1,7 @@
 #include "support/kwin_fixture.h"
-#include "support/program_of.h"
+#include "support/under_test.h"
 #include "testdesk/core_application.h"
+#include "testdesk/program_of.h"
 #include "testdesk/vantrel_program.h"
 
 #include <chrono>
@@ -19,7 +20,7 @@ TEST(KWinTest, TheProgramHasItsMarksAndShortcutsFromKWin) {
     MarkedKWin session;
     auto stored = preferencesShowing("highlight");
     stored["highlight"]["opacity"] = 0.9;
-    const ProgramOf vantrel(session);
+    const ProgramOf vantrel(session, programUnderTest());
     const auto tells = [&](const char* key, const auto& value) {
         return vantrel.tells(key, value);
     };

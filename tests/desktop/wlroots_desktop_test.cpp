@@ -3,11 +3,12 @@
 #include "platform/system_clock.h"
 #include "support/event_loop.h"
 #include "support/mark_pixels.h"
-#include "support/program_of.h"
+#include "support/under_test.h"
 #include "testdesk/client_window.h"
 #include "testdesk/core_application.h"
 #include "testdesk/headless/wayland_with_memory.h"
 #include "testdesk/native_window.h"
+#include "testdesk/program_of.h"
 #include "testdesk/status_notifier_host.h"
 #include "testdesk/vantrel_program.h"
 #include "testdesk/wait.h"
@@ -109,97 +110,95 @@ INSTANTIATE_TEST_SUITE_P(In, WlrootsLookTest,
                                     std::to_string(std::lround(100 * std::get<1>(test.param)));
                          });
 
-class WlrootsTest : public testing::TestWithParam<Compositor> {};
+class WlrootsTest : public testing::TestWithParam<Compositor> {
+protected:
+    void SetUp() override { SKIP_WITHOUT_CURSOR_SESSIONS(GetParam()); }
+    // A session with the highlight.
+    void highlight(const std::vector<HeadlessOutput>& outputs = {}) {
+        session.emplace(GetParam(), outputs);
+        overlays.emplace(*session);
+        overlays->show(CursorMode::highlight, strongly());
+    }
+    // With its middle on a pixel.
+    testing::AssertionResult shows(QPoint pixel, double scale = 1, int output = 1) const {
+        return desktop::shows(*session, effectOf(CursorMode::highlight, strongly()), pixel, scale,
+                              output);
+    }
+
+    const CoreApplication application;
+    std::optional<WlrootsSession> session;
+    std::optional<Overlays> overlays;
+};
 
 INSTANTIATE_TEST_SUITE_P(In, WlrootsTest, testing::ValuesIn(compositors),
                          [](const auto& test) { return nameOf(test.param); });
 
 TEST_P(WlrootsTest, CutsTheMarkAtTheBorderOfTwoDisplaysAndFollowsTheirComingAndGoing) {
-    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
-    const CoreApplication application;
-    WlrootsSession session(GetParam(), {{.pixels = {1200, 600}, .scale = 1.5},
-                                        {.pixels = {800, 600}, .place = {800, 0}}});
-    Overlays overlays(session);
-    const auto effect = effectOf(CursorMode::highlight, strongly());
-    overlays.show(CursorMode::highlight, strongly());
+    highlight({{.pixels = {1200, 600}, .scale = 1.5}, {.pixels = {800, 600}, .place = {800, 0}}});
     // What a display shows of a mark on another one is a part of the same disc.
-    session.moveTo({790, 200});
-    EXPECT_TRUE(shows(session, effect, {1185, 300}, 1.5, 1));
-    EXPECT_TRUE(shows(session, effect, {-10, 200}, 1, 2));
-    session.moveTo({810, 200});
-    EXPECT_TRUE(shows(session, effect, {1215, 300}, 1.5, 1));
-    EXPECT_TRUE(shows(session, effect, {10, 200}, 1, 2));
+    session->moveTo({790, 200});
+    EXPECT_TRUE(shows({1185, 300}, 1.5, 1));
+    EXPECT_TRUE(shows({-10, 200}, 1, 2));
+    session->moveTo({810, 200});
+    EXPECT_TRUE(shows({1215, 300}, 1.5, 1));
+    EXPECT_TRUE(shows({10, 200}, 1, 2));
 
-    session.setOutput(2, {"--off"});
-    session.moveTo({400, 200});
-    EXPECT_TRUE(shows(session, effect, {600, 300}, 1.5, 1));
+    session->setOutput(2, {"--off"});
+    session->moveTo({400, 200});
+    EXPECT_TRUE(shows({600, 300}, 1.5, 1));
     // None is left, and one comes back as another.
-    session.setOutput(1, {"--off"});
-    session.setOutput(1, {"--on", "--scale", "1", "--transform", "90"});
-    session.moveTo({410, 200});
-    EXPECT_TRUE(shows(session, effect, {410, 200}));
+    session->setOutput(1, {"--off"});
+    session->setOutput(1, {"--on", "--scale", "1", "--transform", "90"});
+    session->moveTo({410, 200});
+    EXPECT_TRUE(shows({410, 200}));
 }
 
 // The compositor then paints the pointer into the picture itself, and tells nobody where.
 TEST_P(WlrootsTest, HidesWhileThePointerIsRecordedAndComesBack) {
-    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
-    const CoreApplication application;
-    WlrootsSession session(GetParam());
-    Overlays overlays(session);
-    const auto effect = effectOf(CursorMode::highlight, strongly());
-    overlays.show(CursorMode::highlight, strongly());
-    session.moveTo({400, 300});
-    EXPECT_TRUE(shows(session, effect, {400, 300}));
-    session.recordWithPointer();
-    EXPECT_TRUE(runUntil([&] { return !overlays.pointer(); }));
-    EXPECT_TRUE(runUntil([&] { return session.picture().pixel(380, 300) == 0xFF000000; }));
+    highlight();
+    session->moveTo({400, 300});
+    EXPECT_TRUE(shows({400, 300}));
+    session->recordWithPointer();
+    EXPECT_TRUE(runUntil([&] { return !overlays->pointer(); }));
+    EXPECT_TRUE(runUntil([&] { return session->picture().pixel(380, 300) == 0xFF000000; }));
     // With the next look of the pointer, as the recorder may go on before.
-    const ClientWindow window(session.display(),
+    const ClientWindow window(session->display(),
                               {.area = {300, 200, 200, 200}, .color = 0xFF000000});
-    session.moveTo({401, 300});
-    session.moveTo({400, 300});
-    EXPECT_TRUE(shows(session, effect, {400, 300}));
+    session->moveTo({401, 300});
+    session->moveTo({400, 300});
+    EXPECT_TRUE(shows({400, 300}));
 }
 
 TEST_P(WlrootsTest, PacesByTheFramesThatShowSomethingNewAndByTheClockWithout) {
-    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
-    const CoreApplication application;
-    WlrootsSession session(GetParam());
-    Overlays overlays(session);
-    const auto effect = effectOf(CursorMode::highlight, strongly());
-    overlays.show(CursorMode::highlight, strongly());
-    session.moveTo({300, 300});
-    EXPECT_TRUE(shows(session, effect, {300, 300}));
+    highlight();
+    session->moveTo({300, 300});
+    EXPECT_TRUE(shows({300, 300}));
     int calls = 0;
-    auto link = overlays.link(0.001F, [&] { ++calls; });
-    session.moveTo({400, 300});
-    EXPECT_TRUE(shows(session, effect, {400, 300}));
+    auto link = overlays->link(0.001F, [&] { ++calls; });
+    session->moveTo({400, 300});
+    EXPECT_TRUE(shows({400, 300}));
     EXPECT_TRUE(runUntil([&] { return calls > 0; }));
     // One may still come.
     const int most = calls + 1;
     int pictures = 0;
-    EXPECT_TRUE(runUntil([&] { return !session.picture().isNull() && ++pictures == 5; }));
+    EXPECT_TRUE(runUntil([&] { return !session->picture().isNull() && ++pictures == 5; }));
     EXPECT_LE(calls, most);
 
     link.reset();
-    link = overlays.link(20, [&] { ++calls; });
-    session.moveTo({410, 300});
+    link = overlays->link(20, [&] { ++calls; });
+    session->moveTo({410, 300});
     EXPECT_TRUE(runUntil([&] { return calls > most + 10; }));
 }
 
 // The program in a session.
 class ProgramInSession : public ProgramOf<WlrootsSession> {
 public:
-    explicit ProgramInSession(const WlrootsSession& session) : ProgramOf(session) {
+    explicit ProgramInSession(const WlrootsSession& session)
+        : ProgramOf(session, programUnderTest()) {
         writePreferences(session.folder() / "config", preferencesShowing("highlight"));
         program_.emplace(start());
     }
 
-    // Waits for it.
-    [[nodiscard]] bool isUp() const {
-        return waitFor([&] { return status().is_object(); }, 20s);
-    }
-    void command(const std::string& word) const { start({word}).wait(10s); }
     [[nodiscard]] std::optional<ExitStatus> wait() { return program_->wait(10s); }
 
 private:
@@ -207,11 +206,10 @@ private:
 };
 
 TEST_P(WlrootsTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsClicks) {
-    SKIP_WITHOUT_CURSOR_SESSIONS(GetParam());
-    WlrootsSession session(GetParam());
-    session.moveTo({100, 100});
-    ProgramInSession program(session);
-    ASSERT_TRUE(program.isUp());
+    session.emplace(GetParam());
+    session->moveTo({100, 100});
+    ProgramInSession program(*session);
+    ASSERT_TRUE(program.takesCommands());
     const auto status = program.status();
     EXPECT_EQ(status.at("marks"), "layer-shell");
     EXPECT_EQ(status.at("marksMissing"), nullptr);
@@ -221,23 +219,23 @@ TEST_P(WlrootsTest, TheProgramMarksThePointerAboveAFullScreenWindowThatGetsItsCl
     EXPECT_EQ(status.at("clickAvailable"), false);
 
     // A white one.
-    const auto blueAt = [&](QPoint place) { return qBlue(session.picture().pixel(place)); };
-    const NativeWindow below(session.environment(), session.folder(), [&] {
+    const auto blueAt = [&](QPoint place) { return qBlue(session->picture().pixel(place)); };
+    const NativeWindow below(session->environment(), session->folder(), [&] {
         return blueAt({1270, 710}) > 200;
     });
-    session.moveTo({400, 300});
+    session->moveTo({400, 300});
     const auto isMarked = [&] { return blueAt({385, 300}) < 200 && blueAt({1270, 710}) > 200; };
     EXPECT_TRUE(waitFor(isMarked));
     // labwc looks what lies below the pointer when that moves.
-    session.moveTo({401, 300});
-    session.click(BTN_LEFT);
+    session->moveTo({401, 300});
+    session->click(BTN_LEFT);
     EXPECT_TRUE(waitFor([&] { return below.count("press") == 1 && below.count("release") == 1; }));
 
-    program.command("off");
+    EXPECT_TRUE(program.takes("off"));
     EXPECT_TRUE(waitFor([&] { return blueAt({385, 300}) > 200; }));
-    program.command("highlight");
+    EXPECT_TRUE(program.takes("highlight"));
     EXPECT_TRUE(waitFor(isMarked));
-    session.stop();
+    session->stop();
     EXPECT_EQ(program.wait(), (ExitStatus{.code = 0})) << program.errors();
 }
 
@@ -247,7 +245,7 @@ TEST(WlrootsProgramTest, TheProgramDoesWithXwaylandWhereNobodyTellsOfThePointer)
     }
     WlrootsSession session(Compositor::sway);
     const ProgramInSession program(session);
-    ASSERT_TRUE(program.isUp());
+    ASSERT_TRUE(program.takesCommands());
     const auto status = program.status();
     for (const auto* means : {"marks", "pointer", "presses", "shortcuts"}) {
         EXPECT_EQ(status.at(means), "xwayland") << means;
@@ -293,7 +291,7 @@ TEST(WlrootsProgramTest, ThePanelHangsAtItsItemAsLongAsItIsUsed) {
     const ProgramInSession program(session);
     const auto item = host.waitForItem();
     ASSERT_TRUE(item);
-    program.command("off");
+    EXPECT_TRUE(program.takes("off"));
     constexpr QRgb blue = 0xFF204080;
     const ClientWindow window(session.display(), {.color = blue, .overrideRedirect = false});
     QRect panel;
