@@ -99,7 +99,9 @@ protected:
     void start() {
         desktop::writePreferences(session_.folder() / "config", desktop::preferencesShowing("off"));
         process_.emplace(program_.start());
-        await([&] { return program_.takesCommands(); }, "start");
+        if (!program_.takesCommands()) {
+            throw std::runtime_error("the program takes no commands");
+        }
     }
     void await(const std::function<bool()>& condition, const std::string& what) const {
         if (!desktop::waitFor(condition)) {

@@ -19,17 +19,15 @@ class ProgramOf {
 public:
     // With variables on top of the session's.
     ProgramOf(const Session& session, std::filesystem::path program, Environment more = {})
-        : session_(session), program_(std::move(program)), more_(std::move(more)) {}
+        : session_(session), program_(std::move(program)), environment_(std::move(more)) {
+        environment_.merge(session.environment());
+    }
 
     [[nodiscard]] ChildProcess start(std::vector<std::string> words = {}) const {
         words.insert(words.begin(), program_);
-        auto environment = session_.environment();
-        for (const auto& [name, value] : more_) {
-            environment[name] = value;
-        }
         const auto log = logOf(words.back());
         return ChildProcess({.arguments = words,
-                             .environment = environment,
+                             .environment = environment_,
                              .output = log + ".out",
                              .errors = log + ".err"});
     }
@@ -37,7 +35,7 @@ public:
     [[nodiscard]] bool takes(const std::string& command) const {
         return start({command}).wait(std::chrono::seconds(10)) == ExitStatus{.code = 0};
     }
-    // Until it runs, a command that shows something would become the program itself.
+    // Waits for that. Until then, a command that shows something would become the program itself.
     [[nodiscard]] bool takesCommands() const {
         return waitFor([this] { return takes("status"); }, std::chrono::seconds(20));
     }
@@ -63,7 +61,7 @@ private:
 
     const Session& session_;
     std::filesystem::path program_;
-    Environment more_;
+    Environment environment_;
 };
 
 } // namespace vantrel::desktop

@@ -40,9 +40,9 @@ public:
     }
 
     template <typename T>
-    void operator()(std::string_view name, const std::optional<T>& member) {
+    void operator()(std::string_view name, const std::optional<T>& member, const auto&... bounds) {
         if (member) {
-            (*this)(name, *member);
+            (*this)(name, *member, bounds...);
         }
     }
 
@@ -119,7 +119,7 @@ public:
     }
 
     template <typename T>
-    void operator()(std::string_view name, std::optional<T>& member) {
+    void operator()(std::string_view name, std::optional<T>& member, const auto&... /*bounds*/) {
         const auto found = object_.find(name);
         if (found == object_.end() || found->is_null()) {
             member.reset();

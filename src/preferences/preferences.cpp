@@ -8,8 +8,7 @@ namespace vantrel {
 namespace {
 
 // Brings all that has bounds back into them.
-class Sanitizer {
-public:
+struct Sanitizer {
     void operator()(std::string_view /*name*/, double& member, const Range& range) {
         member = std::isfinite(member) ? std::clamp(member, range.low, range.high) : range.initial;
     }
@@ -17,6 +16,13 @@ public:
     void operator()(std::string_view /*name*/, double& member, const Choices& choices) {
         if (std::ranges::find(choices.values, member) == choices.values.end()) {
             member = choices.initial;
+        }
+    }
+
+    template <typename T>
+    void operator()(std::string_view name, std::optional<T>& member, const auto&... bounds) {
+        if (member) {
+            (*this)(name, *member, bounds...);
         }
     }
 

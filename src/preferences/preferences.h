@@ -112,19 +112,19 @@ struct Choices {
     double initial = 0;
 };
 
-// The members of each record are listed below it, once for all who go through them, in the order of
-// the document: the name under which one is stored, the member, and its bounds if it has some.
+// What a record consists of is listed below it, once for all who go through it, in the order of the
+// document: the name under which a member is stored, the member, and its bounds if it has some.
 template <typename T, typename Record>
-concept Like = std::same_as<std::remove_const_t<T>, Record>;
+concept ConstOrNot = std::same_as<std::remove_const_t<T>, Record>;
 
-void visitMembers(Like<EffectColor> auto& color, auto& visit) {
+void visitMembers(ConstOrNot<EffectColor> auto& color, auto& visit) {
     constexpr auto fallback = EffectColor::fallback();
     visit("red", color.red, Range{0, 1, fallback.red});
     visit("green", color.green, Range{0, 1, fallback.green});
     visit("blue", color.blue, Range{0, 1, fallback.blue});
 }
 
-void visitMembers(Like<Shortcut> auto& shortcut, auto& visit) {
+void visitMembers(ConstOrNot<Shortcut> auto& shortcut, auto& visit) {
     visit("keyCode", shortcut.keyCode);
     visit("modifiers", shortcut.modifiers);
     visit("display", shortcut.display);
@@ -134,8 +134,8 @@ inline constexpr Range highlightDiameterRange{.low = 24, .high = 120, .initial =
 inline constexpr Range highlightOpacityRange{.low = 0.1, .high = 0.9, .initial = 0.35};
 inline constexpr Range laserDiameterRange{.low = 6, .high = 24, .initial = 12}; // points
 // Seconds of rest before a mark hides.
-inline constexpr std::array restingTimes{2.0, 3.0, 5.0, 10.0};
-inline constexpr Choices idleChoices{.values = restingTimes, .initial = restingTimes[1]};
+inline constexpr std::array idleTimes{2.0, 3.0, 5.0, 10.0};
+inline constexpr Choices idleChoices{.values = idleTimes, .initial = idleTimes[1]};
 
 struct HighlightSettings {
     HighlightStyle style = HighlightStyle::filled;
@@ -148,7 +148,7 @@ struct HighlightSettings {
     bool operator==(const HighlightSettings&) const = default;
 };
 
-void visitMembers(Like<HighlightSettings> auto& highlight, auto& visit) {
+void visitMembers(ConstOrNot<HighlightSettings> auto& highlight, auto& visit) {
     visit("style", highlight.style);
     visit("color", highlight.color);
     visit("diameter", highlight.diameter, highlightDiameterRange);
@@ -165,7 +165,7 @@ struct ClickSettings {
     bool operator==(const ClickSettings&) const = default;
 };
 
-void visitMembers(Like<ClickSettings> auto& click, auto& visit) {
+void visitMembers(ConstOrNot<ClickSettings> auto& click, auto& visit) {
     visit("style", click.style);
     visit("left", click.left);
     visit("right", click.right);
@@ -179,7 +179,7 @@ struct LaserSettings {
     bool operator==(const LaserSettings&) const = default;
 };
 
-void visitMembers(Like<LaserSettings> auto& laser, auto& visit) {
+void visitMembers(ConstOrNot<LaserSettings> auto& laser, auto& visit) {
     visit("color", laser.color);
     visit("diameter", laser.diameter, laserDiameterRange);
     visit("glow", laser.glow);
@@ -205,7 +205,7 @@ struct AppPreferences {
     void sanitize();
 };
 
-void visitMembers(Like<AppPreferences> auto& preferences, auto& visit) {
+void visitMembers(ConstOrNot<AppPreferences> auto& preferences, auto& visit) {
     visit("schemaVersion", preferences.schemaVersion);
     visit("lastMode", preferences.lastMode);
     visit("highlight", preferences.highlight);

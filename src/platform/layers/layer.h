@@ -41,8 +41,8 @@ public:
 
     // Draws into a rectangle of the layer's coordinates, its bounds, as it looks at a media time.
     using Contents = std::function<void(QPainter& painter, const QRectF& bounds, double mediaTime)>;
-    // Drawn below what else the layer shows, at every place that a picture of it is made for; an
-    // empty one shows nothing.
+    // Drawn below the sublayers, at every place that a picture of the layer is made for; an empty
+    // one shows nothing.
     [[nodiscard]] const Contents& contents() const { return contents_; }
     void setContents(Contents contents);
     [[nodiscard]] bool masksToBounds() const { return masksToBounds_; }
@@ -53,8 +53,10 @@ public:
     void addSublayer(Layer& layer);
     void removeFromSuperlayer();
 
-    // Whether it looks different from one moment to the next; what is animated has no sublayers.
+    // Whether it looks different from one moment to the next, as only layers right below the root
+    // of a tree may, and such without sublayers.
     [[nodiscard]] virtual bool isAnimated() const { return false; }
+    // Whether it and those below it show anything at a media time.
     [[nodiscard]] virtual bool showsAt(double /*mediaTime*/) const { return true; }
     // Draws it and those below it into an empty premultiplied picture, which has 32 bits if the
     // layer is animated. The layer's middle comes to a point of the picture's pixels. The result

@@ -53,12 +53,15 @@ QPainterPath ellipseLine(const QRectF& ellipse, double lineWidth) {
 }
 
 void paintLayer(QPainter& painter, const Layer& layer, double mediaTime) {
+    if (!layer.showsAt(mediaTime)) {
+        return;
+    }
     painter.save();
     if (layer.masksToBounds()) {
         painter.setClipRect(toQt({0, 0, layer.bounds().width, layer.bounds().height}),
                             Qt::IntersectClip);
     }
-    if (const auto area = contentsArea(layer); area && layer.showsAt(mediaTime)) {
+    if (const auto area = contentsArea(layer)) {
         layer.contents()(painter, toQt(*area), mediaTime);
     }
     for (const auto* sublayer : layer.sublayers()) {

@@ -117,7 +117,9 @@ void SpriteScene::draw(Sprite& sprite, const Layer& layer, double mediaTime, Spr
     canvas_.fill(Qt::transparent);
     const QRect inked = layer.paintInto(canvas_, -sprite.box.topLeft(), scale_, mediaTime);
     const QRect changed = sprite.rendered ? inked.united(sprite.inked) : canvas_.rect();
-    sprite.rendered = sink.upload(sprite.id, canvas_, changed);
+    if (!changed.isEmpty()) {
+        sprite.rendered = sink.upload(sprite.id, canvas_, changed);
+    }
     sprite.inked = inked;
     sprite.drawnAt = mediaTime;
     if (!layer.isAnimated()) {

@@ -21,8 +21,8 @@ class SpriteSink {
 public:
     virtual ~SpriteSink() = default;
 
-    // Of what pictures are painted. One of 64 bits keeps the colours of what is nearly transparent;
-    // those of what is animated have 32.
+    // Of the pictures that it takes. One of 64 bits keeps the colours of what is nearly
+    // transparent. Pictures of what is animated have 32 in any case.
     [[nodiscard]] virtual QImage::Format format() const {
         return QImage::Format_ARGB32_Premultiplied;
     }
@@ -76,7 +76,7 @@ private:
     QSize display_;
     double scale_;
     std::vector<Sprite> sprites_;
-    QImage canvas_; // for what is animated
+    QImage canvas_; // kept from frame to frame of what is animated
 };
 
 } // namespace vantrel

@@ -2,6 +2,7 @@
 
 #include "platform/input.h"
 #include "platform/monitor_list.h"
+#include "platform/x11/connection.h"
 #include "platform/x11/pointer.h"
 
 #include <cstdint>

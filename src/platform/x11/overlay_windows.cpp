@@ -83,8 +83,9 @@ X11OverlayWindow::X11OverlayWindow(X11OverlayWindows& owner, const Screen& scree
 
 X11OverlayWindow::~X11OverlayWindow() {
     std::erase(owner_.windows_, this);
+    // As the scene does.
     while (!sprites_.empty()) {
-        X11OverlayWindow::remove(sprites_.back().id);
+        remove(sprites_.back().id);
     }
     if (owner_.windows_.empty()) {
         owner_.end();

@@ -162,7 +162,7 @@ void SpriteWindow::setProperties() {
 }
 
 void SpriteWindow::setPicture(const QImage& picture, const QRect& changed) {
-    if (changed != picture.rect() && resources_.kind() == SpriteKind::translucent) {
+    if (changed != picture.rect() && !picture_ && resources_.kind() == SpriteKind::translucent) {
         resources_.writer().put(id(), picture, changed);
         return;
     }

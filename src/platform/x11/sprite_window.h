@@ -67,8 +67,8 @@ public:
     [[nodiscard]] bool letsClicksThrough();
     [[nodiscard]] xcb_window_t id() const { return window_.id(); }
 
-    // The whole picture, 32 bits and premultiplied; the window takes its size. Where it differs
-    // from the former one in a part only, that goes to the screen at once if it can.
+    // The whole premultiplied picture; the window takes its size. If it differs from the former one
+    // in a part only, that goes to the screen at once, other than in a shaped window.
     void setPicture(const QImage& picture, const QRect& changed);
     // In pixels of the root window; what lies outside of the clip is not shown. The rectangles of
     // the clip do not overlap, and stay where they are until the window is placed anew or parked.
