@@ -113,8 +113,8 @@ void SpriteScene::draw(Sprite& sprite, const Layer& layer, double mediaTime, Spr
     const auto format = layer.isAnimated() ? QImage::Format_ARGB32_Premultiplied : sink.format();
     if (canvas_.size() != sprite.box.size() || canvas_.format() != format) {
         canvas_ = QImage(sprite.box.size(), format);
+        canvas_.fill(Qt::transparent);
     }
-    canvas_.fill(Qt::transparent);
     const QRect inked = layer.paintInto(canvas_, -sprite.box.topLeft(), scale_, mediaTime);
     const QRect changed = sprite.rendered ? inked.united(sprite.inked) : canvas_.rect();
     if (!changed.isEmpty()) {
@@ -124,6 +124,11 @@ void SpriteScene::draw(Sprite& sprite, const Layer& layer, double mediaTime, Spr
     sprite.drawnAt = mediaTime;
     if (!layer.isAnimated()) {
         canvas_ = {};
+        return;
+    }
+    for (int y = inked.top(); y <= inked.bottom(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(canvas_.scanLine(y));
+        std::fill(row + inked.left(), row + inked.right() + 1, 0);
     }
 }
 
