@@ -80,10 +80,6 @@ bool RingLayer::showsAt(double mediaTime) const {
     return mediaTime >= beginTime_ && mediaTime < beginTime_ + ring_.duration;
 }
 
-double RingLayer::progressAt(double mediaTime) const {
-    return (mediaTime - beginTime_) / ring_.duration;
-}
-
 QRect RingLayer::paintInto(QImage& picture, QPointF middle, double scale, double mediaTime) const {
     const double progress = progressAt(mediaTime);
     const CircleLine line{

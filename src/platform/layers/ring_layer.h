@@ -18,7 +18,9 @@ public:
                                   double mediaTime) const override;
 
 private:
-    [[nodiscard]] double progressAt(double mediaTime) const;
+    [[nodiscard]] double progressAt(double mediaTime) const {
+        return (mediaTime - beginTime_) / ring_.duration;
+    }
 
     const ClickRing ring_;
     const double beginTime_;
